@@ -1,0 +1,50 @@
+#include "command/command_road.h"
+
+#include "common/text.h"
+
+namespace kelpa {
+
+void CommandRoad::S_RunCommands(std::string text) {
+    // A loop in place of one level of recursion per line. Trimming the rest
+    // at each turn only ever removes blanks at its front: its end is the
+    // end of the text, trimmed once.
+    std::size_t end = text.size();
+    while (end > 0 && text[end - 1] == ' ') --end;
+    std::size_t start = 0;
+    while (true) {
+        while (start < end && text[start] == ' ') ++start;
+        if (start >= end) return;
+        std::size_t pair = text.find("\r\n", start);
+        if (pair == std::string::npos || pair + 2 > end) pair = end;
+        std::string line = text.substr(start, pair - start);
+        start = pair == end ? end : pair + 2;
+        if (line.size() >= 2 && line[0] == '@') {
+            debug_.DebugLog("Running Macro : " + line);
+            if (runMacro_)
+                runMacro_(line);
+            else
+                debug_.DebugLog("No macro interpreter for: " + line);
+        } else if (!line.empty() && line[0] == '#') {
+            if (runKeyword_)
+                runKeyword_(line);
+            else
+                debug_.DebugLog("No keyword interpreter for: " + line);
+        } else {
+            S_SendLine(line);
+        }
+    }
+}
+
+void CommandRoad::S_SendLine(std::string line) {
+    line = trimBlanks(line);
+    if (expand_) line = expand_(line);
+    line += ";;";
+    sender_.S_SendData(line);
+}
+
+void CommandRoad::enterText(std::string text) {
+    if (text.empty()) text = "\\.";
+    S_RunCommands(std::move(text));
+}
+
+}  // namespace kelpa

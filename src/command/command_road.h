@@ -1,0 +1,41 @@
+// S_RunCommands: a command text cut at CR LF, each line down its road:
+// "@" to the macros, "#" to the keywords, the rest to the server.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "command/sender.h"
+#include "output/debug_channel.h"
+
+namespace kelpa {
+
+class CommandRoad {
+public:
+    using LineHandler = std::function<void(const std::string&)>;
+    using Expander = std::function<std::string(const std::string&)>;
+
+    CommandRoad(Sender& sender, DebugChannel& debug) : sender_(sender), debug_(debug) {}
+
+    // The macro and keyword interpreters plug in here; the variable table
+    // serves the expansion. Without them a line on those roads only leaves
+    // a debug line and never reaches the server.
+    void setMacroRunner(LineHandler h) { runMacro_ = std::move(h); }
+    void setKeywordRunner(LineHandler h) { runKeyword_ = std::move(h); }
+    void setExpander(Expander e) { expand_ = std::move(e); }
+
+    void S_RunCommands(std::string text);
+    void S_SendLine(std::string line);
+
+    // Enter in the command line, or Send in the Bulk dialog.
+    void enterText(std::string text);
+
+private:
+    Sender& sender_;
+    DebugChannel& debug_;
+    LineHandler runMacro_;
+    LineHandler runKeyword_;
+    Expander expand_;
+};
+
+}  // namespace kelpa

@@ -1,0 +1,55 @@
+#include "command/sender.h"
+
+#include "common/run_error.h"
+#include "common/text.h"
+
+namespace kelpa {
+
+void Sender::S_SendData(std::string& X) {
+    if (socket_.state() != Socket::kConnected) return;
+    X = replaceAll(X, ";;", "\r\n");
+    X = replaceAll(X, "\\.", "");
+    log_.print(X);
+    try {
+        writer_.W_Print(X, kMainWindow);
+    } catch (const RunError&) {
+        // A sequence the echo cannot show ends the echo only; the text is
+        // still kept and sent.
+    }
+    history_.append(X);
+    socket_.sendData(X);
+}
+
+void Sender::s_queuedata(std::string& X) {
+    if (QueueSlots.size() >= kQueueSlots) {
+        debug_.DebugLog("Queue full, not queued: " + X);
+        return;
+    }
+    QueueSlots.push_back(X);
+}
+
+void Sender::S_SendDataNoSpam(std::string& X) {
+    if (X == LastNoSpam) return;
+    LastNoSpam = X;
+    S_SendData(X);
+}
+
+int Sender::queueTick() {
+    const int interval = static_cast<int>(random_.next() * 3000) + 1;
+    LastNoSpam.clear();
+    if (QueueSlots.empty()) return interval;
+    std::string entry = std::move(QueueSlots.front());
+    QueueSlots.pop_front();
+    if (entry == "###") {
+        host_.endProgramNow();
+        return interval;
+    }
+    try {
+        S_SendData(entry);
+    } catch (const std::exception&) {
+        // The tick goes on whatever the send met.
+    }
+    return interval;
+}
+
+}  // namespace kelpa

@@ -1,0 +1,30 @@
+// Byte-string helpers shared by the core. One character per byte, positions
+// in the old program's sense (1-based) only where a routine says so.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace kelpa {
+
+inline constexpr char kIac = static_cast<char>(255);
+inline constexpr char kEsc = static_cast<char>(27);
+inline constexpr std::string_view kCrLf = "\r\n";
+
+// Removes blanks (character 32 only) at both ends; tabs, CR and LF stay.
+std::string trimBlanks(std::string_view s);
+
+// Replaces every occurrence of `from` (non-empty) by `to`, left to right,
+// in one pass.
+std::string replaceAll(std::string_view s, std::string_view from, std::string_view to);
+
+// Decimal text of a number, as the old program printed numbers.
+std::string decimal(long long n);
+
+// The number at the head of a text for a port box or a file field: blanks
+// skipped, an optional sign, then digits. Anything else gives 0; values
+// beyond 32 bits are clamped.
+int leadingInt32(std::string_view s);
+
+}  // namespace kelpa

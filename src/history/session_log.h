@@ -1,0 +1,48 @@
+// The day's log of a site: logs/<ShortName>/H.yyyymmdd.txt below the
+// program's folder, appended to and flushed with every text.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "output/debug_channel.h"
+#include "platform/platform.h"
+
+namespace kelpa {
+
+class SessionLog {
+public:
+    SessionLog(FileSystem& files, Clock& clock, DebugChannel& debug)
+        : files_(files), clock_(clock), debug_(debug) {}
+
+    // Handle number of the log; 0 until a log was first opened.
+    int LogFile = 0;
+    // The calendar day of the log.
+    Date LogDate;
+
+    static std::string pathFor(const std::string& shortName, const Date& day);
+
+    // Takes a new handle number and opens today's file of the site, creating
+    // the missing folders if the first try fails. A log still open is
+    // closed first.
+    void open(const std::string& shortName);
+    void close();
+    bool isOpen() const { return file_ != nullptr; }
+
+    // Writes one text followed by CR LF, if a log is open.
+    void print(const std::string& text);
+
+    // The once-a-second check for a new day, in either direction.
+    void checkDayChange(const std::string& shortName);
+
+    const std::string& currentPath() const { return path_; }
+
+private:
+    FileSystem& files_;
+    Clock& clock_;
+    DebugChannel& debug_;
+    std::unique_ptr<AppendFile> file_;
+    std::string path_;
+};
+
+}  // namespace kelpa

@@ -1,0 +1,29 @@
+// The 23 box-drawing bytes and what the user must see for each.
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+namespace kelpa {
+
+struct BoxChar {
+    unsigned char byte;
+    char32_t codePoint;
+};
+
+inline constexpr std::array<BoxChar, 23> BoxChars = {{
+    {0xC4, 0x2500}, {0xB3, 0x2502}, {0xC5, 0x253C}, {0xDD, 0x258C}, {0xDE, 0x2590},
+    {0xCD, 0x2550}, {0xB1, 0x2591}, {0xE8, 0x03A6}, {0xDA, 0x250C}, {0xBF, 0x2510},
+    {0xC0, 0x2514}, {0xD9, 0x2518}, {0xC9, 0x2554}, {0xBB, 0x2557}, {0xBA, 0x2551},
+    {0xB9, 0x2563}, {0xCC, 0x2560}, {0xC8, 0x255A}, {0xBC, 0x255D}, {0xC3, 0x251C},
+    {0xC2, 0x252C}, {0xB4, 0x2524}, {0xC1, 0x2534},
+}};
+
+// The line graphic of a byte, or 0 if the byte is no box character.
+char32_t boxGlyph(unsigned char byte);
+
+// With "Graphics" off, received box bytes become ASCII; 0xDD, 0xDE, 0xB1 and
+// 0xE8 stay. Returns the byte itself when it has no replacement.
+char asciiForBox(char byte);
+
+}  // namespace kelpa

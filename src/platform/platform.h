@@ -1,0 +1,98 @@
+// The outside world as the core sees it. The shell serves these with Qt;
+// tests and fuzzers serve them with fakes.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace kelpa {
+
+// The one TCP connection. Events (connected, data, closed, error) are
+// delivered by whoever owns the real socket, by calling the Client.
+class Socket {
+public:
+    static constexpr int kConnected = 7;
+    virtual ~Socket() = default;
+    virtual void connect(const std::string& host, const std::string& port) = 0;
+    virtual void close() = 0;
+    virtual int state() const = 0;
+    // Takes every byte that has arrived.
+    virtual std::string getData() = 0;
+    // Sends the bytes as they are; no terminator added.
+    virtual void sendData(const std::string& bytes) = 0;
+};
+
+struct Date {
+    int year = 0, month = 0, day = 0;
+    friend bool operator==(const Date&, const Date&) = default;
+};
+
+class Clock {
+public:
+    virtual ~Clock() = default;
+    virtual Date today() const = 0;
+    virtual int secondsSinceMidnight() const = 0;
+};
+
+class Random {
+public:
+    virtual ~Random() = default;
+    virtual void seed(std::uint32_t s) = 0;
+    // A number r with 0 <= r < 1.
+    virtual double next() = 0;
+};
+
+// An open file that takes whole texts; every write reaches the disk before
+// it returns, so a crash loses nothing already written.
+class AppendFile {
+public:
+    virtual ~AppendFile() = default;
+    virtual bool write(const std::string& bytes) = 0;
+};
+
+// Files below the program's folder. Paths are relative to that folder and
+// use "/" as separator.
+class FileSystem {
+public:
+    virtual ~FileSystem() = default;
+    virtual bool exists(const std::string& path) const = 0;
+    virtual bool remove(const std::string& path) = 0;
+    // Creates the folder and any missing folders above it.
+    virtual bool createDirectories(const std::string& path) = 0;
+    // Opens for appending, shared with other readers; null on failure.
+    virtual std::unique_ptr<AppendFile> openAppend(const std::string& path) = 0;
+    // The whole file; false if it cannot be read.
+    virtual bool readAll(const std::string& path, std::string& out) const = 0;
+    // Replaces the file's content; never leaves a half-written file behind.
+    virtual bool writeAll(const std::string& path, const std::string& bytes) = 0;
+    // Names of the plain files in a folder that end with `suffix`, sorted.
+    virtual std::vector<std::string> list(const std::string& folder,
+                                          const std::string& suffix) const = 0;
+    // The full path, for messages and for the shell.
+    virtual std::string absolute(const std::string& path) const = 0;
+};
+
+// What the core asks of the window around it.
+class Host {
+public:
+    virtual ~Host() = default;
+    virtual void hideMainForm() = 0;
+    virtual void showMainForm() = 0;
+    virtual void focusCommandLine() = 0;
+    // The queue's "###": ends the process at once, with no unload step.
+    virtual void endProgramNow() = 0;
+    virtual long long instanceHandle() const = 0;
+    virtual bool previousInstance() const = 0;
+};
+
+struct Platform {
+    Socket& socket;
+    Clock& clock;
+    Random& random;
+    FileSystem& files;
+    Host& host;
+};
+
+}  // namespace kelpa

@@ -1,0 +1,107 @@
+#include "platform/std_file_system.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <system_error>
+
+namespace kelpa {
+
+namespace {
+
+class StdAppendFile : public AppendFile {
+public:
+    explicit StdAppendFile(std::FILE* f) : f_(f) {}
+    ~StdAppendFile() override { std::fclose(f_); }
+    bool write(const std::string& bytes) override {
+        if (std::fwrite(bytes.data(), 1, bytes.size(), f_) != bytes.size()) return false;
+        return std::fflush(f_) == 0;
+    }
+
+private:
+    std::FILE* f_;
+};
+
+}  // namespace
+
+StdFileSystem::StdFileSystem(std::filesystem::path root) : root_(std::move(root)) {}
+
+std::filesystem::path StdFileSystem::full(const std::string& path) const {
+    return root_ / std::filesystem::path(path);
+}
+
+bool StdFileSystem::exists(const std::string& path) const {
+    std::error_code ec;
+    return std::filesystem::exists(full(path), ec);
+}
+
+bool StdFileSystem::remove(const std::string& path) {
+    std::error_code ec;
+    return std::filesystem::remove(full(path), ec);
+}
+
+bool StdFileSystem::createDirectories(const std::string& path) {
+    std::error_code ec;
+    std::filesystem::create_directories(full(path), ec);
+    return std::filesystem::is_directory(full(path), ec);
+}
+
+std::unique_ptr<AppendFile> StdFileSystem::openAppend(const std::string& path) {
+    std::filesystem::path p = full(path);
+    std::error_code ec;
+    // A folder of that name cannot be a log.
+    if (std::filesystem::is_directory(p, ec)) return nullptr;
+    std::FILE* f = std::fopen(p.c_str(), "ab");
+    if (!f) return nullptr;
+    return std::make_unique<StdAppendFile>(f);
+}
+
+bool StdFileSystem::readAll(const std::string& path, std::string& out) const {
+    std::FILE* f = std::fopen(full(path).c_str(), "rb");
+    if (!f) return false;
+    out.clear();
+    char buf[65536];
+    std::size_t n;
+    while ((n = std::fread(buf, 1, sizeof buf, f)) > 0) out.append(buf, n);
+    bool ok = !std::ferror(f);
+    std::fclose(f);
+    return ok;
+}
+
+bool StdFileSystem::writeAll(const std::string& path, const std::string& bytes) {
+    std::filesystem::path target = full(path);
+    std::filesystem::path tmp = target;
+    tmp += ".tmp";
+    std::FILE* f = std::fopen(tmp.c_str(), "wb");
+    if (!f) return false;
+    bool ok = std::fwrite(bytes.data(), 1, bytes.size(), f) == bytes.size();
+    ok = (std::fflush(f) == 0) && ok;
+    ok = (std::fclose(f) == 0) && ok;
+    std::error_code ec;
+    if (ok) std::filesystem::rename(tmp, target, ec);
+    if (!ok || ec) {
+        std::filesystem::remove(tmp, ec);
+        return false;
+    }
+    return true;
+}
+
+std::vector<std::string> StdFileSystem::list(const std::string& folder,
+                                             const std::string& suffix) const {
+    std::vector<std::string> names;
+    std::error_code ec;
+    std::filesystem::directory_iterator it(full(folder), ec);
+    if (ec) return names;
+    for (const auto& entry : it) {
+        if (!entry.is_regular_file(ec)) continue;
+        std::string name = entry.path().filename().string();
+        if (name.size() >= suffix.size() &&
+            name.compare(name.size() - suffix.size(), suffix.size(), suffix) == 0)
+            names.push_back(name);
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+std::string StdFileSystem::absolute(const std::string& path) const { return full(path).string(); }
+
+}  // namespace kelpa

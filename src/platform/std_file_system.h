@@ -1,0 +1,31 @@
+// FileSystem over the real disk, rooted at a folder.
+#pragma once
+
+#include <filesystem>
+
+#include "platform/platform.h"
+
+namespace kelpa {
+
+class StdFileSystem : public FileSystem {
+public:
+    explicit StdFileSystem(std::filesystem::path root);
+
+    bool exists(const std::string& path) const override;
+    bool remove(const std::string& path) override;
+    bool createDirectories(const std::string& path) override;
+    std::unique_ptr<AppendFile> openAppend(const std::string& path) override;
+    bool readAll(const std::string& path, std::string& out) const override;
+    bool writeAll(const std::string& path, const std::string& bytes) override;
+    std::vector<std::string> list(const std::string& folder,
+                                  const std::string& suffix) const override;
+    std::string absolute(const std::string& path) const override;
+
+    const std::filesystem::path& root() const { return root_; }
+
+private:
+    std::filesystem::path full(const std::string& path) const;
+    std::filesystem::path root_;
+};
+
+}  // namespace kelpa

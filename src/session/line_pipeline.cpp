@@ -1,0 +1,43 @@
+#include "session/line_pipeline.h"
+
+#include "common/run_error.h"
+#include "common/text.h"
+#include "session/lines.h"
+
+namespace kelpa {
+
+void LinePipeline::cleanerText(std::string& data) {
+    const std::size_t g = data.find("Gold:");
+    if (g == std::string::npos || data.find("MPP:") == std::string::npos) return;
+    const std::size_t p = g < 2 ? std::string::npos : data.rfind("\r\n", g - 2);
+    if (p == std::string::npos) {
+        data += "\r\n";
+        return;
+    }
+    // The CR of the pair stands twice: CR, CR, LF, CR, LF ahead of the line.
+    data.insert(p + 1, "\r\n\r");
+}
+
+void LinePipeline::S_ProcessLines(std::string& data) {
+    try {
+        run(data);
+    } catch (const RunError& e) {
+        log_.print("\r\nERROR : " + decimal(e.number()) + "/" + e.what() + " on line " +
+                   e.source());
+    }
+}
+
+void LinePipeline::run(std::string& data) {
+    if (CleanerText) cleanerText(data);
+    writer_.W_Print(data, kMainWindow);
+    log_.print(data);
+    triggers_->matchGlobal(data);
+    if (!triggers_->hasLineTriggers()) return;
+    // The lines are fixed before the first action runs.
+    const std::string chunk = data;
+    LineCursor lines(chunk);
+    std::string_view line;
+    while (lines.next(line)) triggers_->matchLine(std::string(line));
+}
+
+}  // namespace kelpa

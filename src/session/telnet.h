@@ -1,0 +1,41 @@
+// The little of telnet that the client speaks: it answers the terminal type
+// and tells the debug window about everything else.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "output/debug_channel.h"
+#include "output/window_state.h"
+
+namespace kelpa {
+
+// IAC SB TERMINAL-TYPE IS "ANSI" NUL IAC SE: eleven bytes.
+extern const std::string kTerminalTypeAnswer;
+
+std::string TelnetOptionName(int option);
+
+class TelnetInterpreter {
+public:
+    using Sender = std::function<void(std::string&)>;
+
+    TelnetInterpreter(OutputWindows& windows, DebugChannel& debug)
+        : windows_(windows), debug_(debug) {}
+
+    // The road by which the terminal type answer leaves (S_SendData).
+    void setSender(Sender send) { send_ = std::move(send); }
+
+    // Takes one sequence off the head of `text`, which starts with IAC, and
+    // returns how many characters it used. Throws RunError when the sequence
+    // is cut short.
+    std::size_t S_InterpretIac(std::string_view text, int win);
+
+private:
+    OutputWindows& windows_;
+    DebugChannel& debug_;
+    Sender send_;
+};
+
+}  // namespace kelpa

@@ -1,0 +1,29 @@
+// The two trigger passes that the receive road runs on every chunk. The
+// trigger store serves them; with no triggers loaded both do nothing.
+#pragma once
+
+#include <string>
+
+namespace kelpa {
+
+class TriggerPasses {
+public:
+    virtual ~TriggerPasses() = default;
+    // Global triggers: the whole chunk, CR LF pairs included.
+    virtual void matchGlobal(const std::string& chunk) = 0;
+    // Whether the line pass has anything to test; lets the road skip
+    // cutting the chunk into lines.
+    virtual bool hasLineTriggers() const = 0;
+    // Normal triggers: one line at a time.
+    virtual void matchLine(const std::string& line) = 0;
+};
+
+// The tables before any trigger file is read.
+class EmptyTriggerTables : public TriggerPasses {
+public:
+    void matchGlobal(const std::string&) override {}
+    bool hasLineTriggers() const override { return false; }
+    void matchLine(const std::string&) override {}
+};
+
+}  // namespace kelpa

@@ -1,0 +1,108 @@
+// Fakes of the outside world, for tests and fuzzers: a socket that records
+// what goes out, a clock and a random source set by hand, a host that
+// records what the core asked of the window.
+#pragma once
+
+#include <deque>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/platform.h"
+#include "platform/std_file_system.h"
+
+namespace kelpa::test {
+
+class FakeSocket : public Socket {
+public:
+    void connect(const std::string& host, const std::string& port) override {
+        connects.push_back(host + ":" + port);
+    }
+    void close() override {
+        ++closes;
+        connected = false;
+    }
+    int state() const override { return connected ? kConnected : 0; }
+    std::string getData() override {
+        std::string d;
+        d.swap(incoming);
+        return d;
+    }
+    void sendData(const std::string& bytes) override {
+        sent += bytes;
+        writes.push_back(bytes);
+    }
+
+    bool connected = false;
+    std::string incoming;
+    std::string sent;
+    std::vector<std::string> writes;
+    std::vector<std::string> connects;
+    int closes = 0;
+};
+
+class FakeClock : public Clock {
+public:
+    Date today() const override { return day; }
+    int secondsSinceMidnight() const override { return seconds; }
+    Date day{2026, 11, 23};
+    int seconds = 3600;
+};
+
+class FakeRandom : public Random {
+public:
+    void seed(std::uint32_t s) override { seeded = s; }
+    double next() override {
+        if (values.empty()) return 0.5;
+        double v = values.front();
+        values.pop_front();
+        return v;
+    }
+    std::deque<double> values;
+    std::uint32_t seeded = 0;
+};
+
+class FakeHost : public Host {
+public:
+    void hideMainForm() override { hidden = true; }
+    void showMainForm() override {
+        hidden = false;
+        ++shows;
+    }
+    void focusCommandLine() override { ++focuses; }
+    void endProgramNow() override { ended = true; }
+    long long instanceHandle() const override { return 4242; }
+    bool previousInstance() const override { return false; }
+
+    bool hidden = false;
+    bool ended = false;
+    int shows = 0;
+    int focuses = 0;
+};
+
+// A fresh folder under the system's temporary folder, removed afterwards.
+class TempFolder {
+public:
+    TempFolder();
+    ~TempFolder();
+    const std::filesystem::path& path() const { return path_; }
+    std::string read(const std::string& relative) const;
+    void write(const std::string& relative, const std::string& bytes) const;
+
+private:
+    std::filesystem::path path_;
+};
+
+// Everything a Client needs, served by the fakes and a temporary folder.
+struct FakePlatform {
+    TempFolder folder;
+    FakeSocket socket;
+    FakeClock clock;
+    FakeRandom random;
+    StdFileSystem files{folder.path()};
+    FakeHost host;
+    Platform platform{socket, clock, random, files, host};
+};
+
+}  // namespace kelpa::test
