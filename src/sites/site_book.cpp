@@ -24,8 +24,9 @@ private:
         if (after < text_.size() && text_[after] == '\n' &&
             (after == end + 1 ? text_[end] == '\r' : true))
             ++after;
+        std::string_view line = text_.substr(pos_, end - pos_);
         if (advance) *advance = after;
-        return text_.substr(pos_, end - pos_);
+        return line;
     }
     std::string_view text_;
     std::size_t pos_ = 0;
