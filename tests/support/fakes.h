@@ -5,6 +5,7 @@
 
 #include <deque>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -30,6 +31,7 @@ public:
         return d;
     }
     void sendData(const std::string& bytes) override {
+        if (onSend) onSend(bytes);
         sent += bytes;
         writes.push_back(bytes);
     }
@@ -40,6 +42,8 @@ public:
     std::vector<std::string> writes;
     std::vector<std::string> connects;
     int closes = 0;
+    // Called before a write is recorded, to see what else had happened by then.
+    std::function<void(const std::string&)> onSend;
 };
 
 class FakeClock : public Clock {
