@@ -1,0 +1,180 @@
+// CONN.ZIG: the writer's block layout, reading it back, the reader's edge
+// cases, and the connection bar that selects a site.
+#include <gtest/gtest.h>
+
+#include "sites/connection_bar.h"
+#include "sites/site_book.h"
+#include "support/client_harness.h"
+
+using namespace kelpa;
+using kelpa::test::ClientHarness;
+
+namespace {
+
+SiteRecord rec(std::string name, std::string desc = "d", std::int32_t port = 23) {
+    return SiteRecord{name, "s" + name, name + ".org", "alt." + name, port, port + 1,
+                      "#24#init", std::move(desc)};
+}
+
+std::vector<SiteRecord> parse(const std::string& text) {
+    std::vector<SiteRecord> sites;
+    parseSites(text, sites);
+    return sites;
+}
+
+std::string block(const std::string& name, const std::string& descLines) {
+    return "SITE=" + name + "\r\nSSNA=s" + name + "\r\nSDNS=" + name + ".org\r\nSDNA=alt." + name +
+           "\r\nSDP_=23\r\nSAP_=24\r\nSTRI=#24#init\r\nSDSC=\r\n" + descLines + "#\r\n";
+}
+
+}  // namespace
+
+TEST(SiteBook, WriterProducesTheBlockLayout) {
+    SiteRecord s = rec("Mud", "first\r\nsecond", 4000);
+    EXPECT_EQ(formatSites({s}),
+              "SITE=Mud\r\nSSNA=sMud\r\nSDNS=Mud.org\r\nSDNA=alt.Mud\r\nSDP_=4000\r\nSAP_=4001\r\n"
+              "STRI=#24#init\r\nSDSC=\r\nfirst\r\nsecond\r\n#\r\n");
+    EXPECT_NE(formatSites({rec("E", "", -7)}).find("SDP_=-7\r\nSAP_=-6\r\nSTRI=#24#init\r\nSDSC=\r\n\r\n#"),
+              std::string::npos);
+    EXPECT_EQ(formatSites({}), "");
+}
+
+TEST(SiteBook, RecordsComeBackFromTheirFile) {
+    struct Row {
+        std::string desc, readBack;
+    };
+    const std::vector<Row> rows = {
+        {"one", "one"},
+        {"a\r\nb\r\nc", "a\r\nb\r\nc"},
+        {"ends\r\n", "ends\r\n"},
+        {"", "\r\n"},       // one empty line, read as a single CR LF
+        {"\r\n", "\r\n"},   // and that stays as it is
+        {"SITE=inside", "SITE=inside"},
+    };
+    for (const auto& row : rows) {
+        const std::vector<SiteRecord> book = {rec("A", row.desc), rec("B", "second")};
+        std::vector<SiteRecord> expected = book;
+        expected[0].Description = row.readBack;
+        EXPECT_EQ(parse(formatSites(book)), expected) << "description: " << row.desc;
+    }
+}
+
+TEST(SiteBook, ReaderEdgeCases) {
+    const std::vector<SiteRecord> before = {rec("old")};
+    for (const std::string text : {"", "hello\r\nworld\r\n", "site=x\r\nSSNA=y\r\n"}) {
+        std::vector<SiteRecord> sites = before;
+        parseSites(text, sites);
+        EXPECT_EQ(sites, before) << "no SITE= line leaves the array: " << text;
+    }
+
+    // Text between blocks is skipped; text behind SDSC= is lost.
+    auto sites = parse("junk\r\n" + block("a", "x\r\n") + "between\r\n#\r\n" + block("b", "y\r\n"));
+    ASSERT_EQ(sites.size(), 2u);
+    EXPECT_EQ(sites[1], rec("b", "y"));
+    sites = parse("SITE=a\r\nSSNA=s\r\nSDNS=h\r\nSDNA=\r\nSDP_=1\r\nSAP_=2\r\nSTRI=\r\nSDSC=lost\r\n#\r\n");
+    EXPECT_EQ(sites.at(0).Description, "");
+
+    // Lines are taken by their place: a missing SDNA= line shifts the rest.
+    sites = parse("SITE=a\r\nSSNA=s\r\nSDNS=h\r\nSDP_=23\r\nSAP_=24\r\nSTRI=go\r\nSDSC=\r\nd\r\n#\r\n");
+    ASSERT_EQ(sites.size(), 1u);
+    EXPECT_EQ(sites[0].DnsAlternate, "23");
+    EXPECT_EQ(sites[0].DefaultPort, 24);
+    EXPECT_EQ(sites[0].InitString, "");
+    EXPECT_EQ(sites[0].Description, "");
+
+    // A "#" line ends the description early; a later SITE= line still opens.
+    sites = parse(block("a", "one\r\n#\r\nthree\r\n") + "tail\r\n" + block("b", "y\r\n"));
+    ASSERT_EQ(sites.size(), 2u);
+    EXPECT_EQ(sites[0].Description, "one");
+    EXPECT_EQ(sites[1].SiteName, "b");
+
+    // A file that ends without "#" keeps the description read so far.
+    sites = parse("SITE=a\r\nSSNA=s\r\nSDNS=h\r\nSDNA=\r\nSDP_=1\r\nSAP_=2\r\nSTRI=\r\nSDSC=\r\nl1\r\nl2");
+    EXPECT_EQ(sites.at(0).Description, "l1\r\nl2");
+}
+
+TEST(SiteBook, LoneCrOrLfEndLinesToo) {
+    const std::string crlf = formatSites({rec("a", "x\r\ny"), rec("b")});
+    std::string lf, cr;
+    for (char ch : crlf) {
+        if (ch != '\r') lf += ch;
+        if (ch != '\n') cr += ch;
+    }
+    EXPECT_EQ(parse(lf), parse(crlf));
+    EXPECT_EQ(parse(cr), parse(crlf));
+}
+
+TEST(SiteBook, DamagedPortsAndCutBlocksLoseNoOtherSite) {
+    std::vector<std::string> warnings;
+    std::vector<SiteRecord> sites;
+    parseSites("SITE=a\r\nSSNA=s\r\nSDNS=h\r\nSDNA=\r\nSDP_=23abc\r\nSAP_=\r\nSTRI=\r\nSDSC=\r\n\r\n#\r\n"
+               "SITE=cut\r\nSSNA=c\r\n" + block("b", "z\r\n"),
+               sites, [&](const std::string& w) { warnings.push_back(w); });
+    ASSERT_EQ(sites.size(), 3u);
+    EXPECT_EQ(sites[0].DefaultPort, 23);
+    EXPECT_EQ(sites[0].AlternatePort, 0);
+    EXPECT_EQ(sites[1].SiteName, "cut");
+    EXPECT_EQ(sites[1].ShortName, "c");
+    EXPECT_EQ(sites[1].DnsName, "");
+    EXPECT_EQ(sites[2], rec("b", "z"));
+    EXPECT_EQ(warnings.size(), 3u) << "two ports and one cut block";
+}
+
+TEST(SiteBook, LoadCreatesAMissingFileAndSaveWritesTheBook) {
+    ClientHarness h;  // Form_Load read the book once already
+    EXPECT_TRUE(h.fp.files.exists(kSiteBookFile));
+    EXPECT_EQ(h.fp.folder.read(kSiteBookFile), "");
+
+    const std::vector<SiteRecord> book = {rec("a"), rec("b", "two\r\nlines")};
+    ASSERT_TRUE(SaveSites(h.fp.files, book));
+    EXPECT_EQ(h.fp.folder.read(kSiteBookFile), formatSites(book));
+    std::vector<SiteRecord> read;
+    LoadSites(h.fp.files, read);
+    EXPECT_EQ(read, book);
+    ASSERT_TRUE(SaveSites(h.fp.files, {}));
+    EXPECT_EQ(h.fp.folder.read(kSiteBookFile), "");
+}
+
+TEST(ConnectionBar, SelectionFillsTheBoxesAndCurrentSite) {
+    test::FakePlatform fp;
+    fp.folder.write(kSiteBookFile, formatSites({rec("a", "d", 4000), rec("b", "d", 5000)}));
+    Client c(fp.platform);
+    c.Form_Load();
+    EXPECT_EQ(c.bar.items, (std::vector<std::string>{"a", "b"}));
+    EXPECT_EQ(c.bar.listIndex, 0);
+    EXPECT_EQ(c.bar.Site, "a.org");
+    EXPECT_EQ(c.bar.PPort, "4000");
+    EXPECT_EQ(c.bar.SPort, "4001");
+    EXPECT_EQ(c.bar.CurrentSite, rec("a", "d", 4000));
+
+    fp.socket.connected = true;
+    c.session.s_Connect();
+    c.bar.CB_Connections_Click(1);
+    EXPECT_EQ(c.bar.CurrentSite.ShortName, "sb");
+    EXPECT_TRUE(fp.socket.connected) << "picking a site leaves the connection alone";
+    EXPECT_TRUE(c.log.isOpen());
+    EXPECT_EQ(c.log.currentPath(), "logs/sa/H.20261123.txt");
+
+    // Typed values are overwritten by picking the same site again.
+    c.bar.Site = "typed.host";
+    c.bar.PPort = "9999";
+    c.bar.CB_Connections_Click(1);
+    EXPECT_EQ(c.bar.Site, "b.org");
+    EXPECT_EQ(c.bar.PPort, "5000");
+
+    // Reloading the book selects the first site again.
+    c.bar.reload(fp.files);
+    EXPECT_EQ(c.bar.CurrentSite.SiteName, "a");
+}
+
+TEST(ConnectionBar, EmptyBookKeepsTheDefaults) {
+    ClientHarness h(/*connected=*/false);
+    EXPECT_TRUE(h.c.bar.items.empty());
+    EXPECT_EQ(h.c.bar.Site, "localhost");
+    EXPECT_EQ(h.c.bar.PPort, "23");
+    EXPECT_EQ(h.c.bar.SPort, "5023");
+    EXPECT_EQ(h.c.bar.CurrentSite, SiteRecord{});
+    EXPECT_EQ(h.c.bar.selected(), nullptr);
+    h.c.session.CMD_CONNECT_Click();
+    EXPECT_EQ(h.fp.socket.connects, std::vector<std::string>{"localhost:23"});
+}
