@@ -1,0 +1,46 @@
+#include "shell/widget_kit_qt.h"
+
+#include <QFontDatabase>
+#include <QFontInfo>
+#include <QPalette>
+#include <QWidget>
+
+#include "output/codepage.h"
+
+namespace kelpa::qt {
+
+QString toQString(std::string_view bytes) {
+    QString s;
+    s.reserve(static_cast<qsizetype>(bytes.size()));
+    for (char c : bytes) s.append(QChar(static_cast<char16_t>(cp1252ToUnicode(static_cast<unsigned char>(c)))));
+    return s;
+}
+
+std::string toCoreBytes(const QString& text) { return toBytes(text.toStdU32String()); }
+
+QFont monospaceFont(double pointSize) {
+    QFont f(QStringLiteral("DejaVu Sans Mono"));
+    f.setStyleHint(QFont::TypeWriter, QFont::PreferMatch);
+    f.setFixedPitch(true);
+    f.setPointSizeF(pointSize);
+    if (QFontInfo(f).fixedPitch()) return f;
+    // Whatever the system calls its fixed font, rather than a proportional one.
+    QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    fixed.setPointSizeF(pointSize);
+    return fixed;
+}
+
+QFont formFont() {
+    QFont f = QFont();
+    f.setPointSizeF(8.25);
+    return f;
+}
+
+void setBackground(QWidget* w, const QColor& colour) {
+    QPalette p = w->palette();
+    p.setColor(QPalette::Window, colour);
+    w->setPalette(p);
+    w->setAutoFillBackground(true);
+}
+
+}  // namespace kelpa::qt
