@@ -1,0 +1,203 @@
+#include "output/output_view_qt.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QFontMetrics>
+#include <QKeyEvent>
+#include <QPainter>
+#include <QScrollBar>
+
+#include "shell/widget_kit_qt.h"
+
+namespace kelpa::qt {
+
+OutputView::OutputView(const OutputWindow& model, const WindowInfo& info, QWidget* parent)
+    : QAbstractScrollArea(parent), model_(model), background_(qColor(info.background)),
+      // The debug window keeps the system's black on white; elsewhere the
+      // control's own colour is black as well.
+      plainColour_(Qt::black), font_(monospaceFont(info.pointSize)) {
+    setObjectName(QString::fromLatin1(info.controlName));
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    setFocusPolicy(Qt::ClickFocus);
+    viewport()->setCursor(Qt::IBeamCursor);
+    viewport()->setAutoFillBackground(false);
+    const QFontMetrics fm(font_);
+    charWidth_ = qMax(1, fm.horizontalAdvance(QLatin1Char('M')));
+    lineHeight_ = qMax(1, fm.lineSpacing());
+    ascent_ = fm.ascent();
+}
+
+void OutputView::sync() {
+    if (model_.revision() == laidRevision_ || !isVisible()) return;
+    ensureLaidOut();
+    viewport()->update();
+}
+
+int OutputView::lineCount() {
+    ensureLaidOut();
+    return static_cast<int>(lines_.size());
+}
+
+QString OutputView::lineText(int line) {
+    ensureLaidOut();
+    if (line < 0 || line >= static_cast<int>(lines_.size())) return {};
+    return lines_[static_cast<std::size_t>(line)].text;
+}
+
+int OutputView::rowCount() {
+    ensureLaidOut();
+    return static_cast<int>(rows_.size());
+}
+
+int OutputView::columns() const { return qMax(1, viewport()->width() / charWidth_); }
+
+int OutputView::visibleRows() const { return qMax(1, viewport()->height() / lineHeight_); }
+
+void OutputView::ensureLaidOut() {
+    if (model_.revision() != laidRevision_) {
+        lines_ = layoutLines(model_, plainColour_);
+        laidRevision_ = model_.revision();
+        // New text moves the caret to the end, which drops a selection.
+        anchor_ = caret_ = Pos{};
+        selecting_ = false;
+        wrap();
+        updateScrollRange(true);
+    } else if (wrappedColumns_ != columns()) {
+        QScrollBar* bar = verticalScrollBar();
+        const bool atEnd = bar->value() >= bar->maximum();
+        const int topLine = rows_.empty() ? 0 : rows_[static_cast<std::size_t>(qMin<int>(bar->value(), static_cast<int>(rows_.size()) - 1))].line;
+        wrap();
+        updateScrollRange(atEnd);
+        if (!atEnd) {
+            int row = 0;
+            while (row < static_cast<int>(rows_.size()) && rows_[static_cast<std::size_t>(row)].line < topLine) ++row;
+            bar->setValue(row);
+        }
+    }
+}
+
+void OutputView::wrap() {
+    const int cols = columns();
+    wrappedColumns_ = cols;
+    rows_.clear();
+    for (int i = 0; i < static_cast<int>(lines_.size()); ++i) {
+        const int len = static_cast<int>(lines_[static_cast<std::size_t>(i)].text.size());
+        int start = 0;
+        do {
+            rows_.push_back({i, start, qMin(cols, len - start)});
+            start += cols;
+        } while (start < len);
+    }
+}
+
+void OutputView::updateScrollRange(bool toEnd) {
+    QScrollBar* bar = verticalScrollBar();
+    const int page = visibleRows();
+    bar->setPageStep(page);
+    bar->setSingleStep(1);
+    bar->setRange(0, qMax(0, static_cast<int>(rows_.size()) - page));
+    if (toEnd) bar->setValue(bar->maximum());
+}
+
+void OutputView::resizeEvent(QResizeEvent* e) {
+    QAbstractScrollArea::resizeEvent(e);
+    if (!isVisible()) return;
+    const QScrollBar* bar = verticalScrollBar();
+    const bool atEnd = bar->value() >= bar->maximum();
+    ensureLaidOut();
+    updateScrollRange(atEnd);
+}
+
+void OutputView::showEvent(QShowEvent* e) {
+    QAbstractScrollArea::showEvent(e);
+    ensureLaidOut();
+}
+
+void OutputView::paintEvent(QPaintEvent*) {
+    ensureLaidOut();
+    QPainter p(viewport());
+    p.fillRect(viewport()->rect(), background_);
+    p.setFont(font_);
+    const int first = verticalScrollBar()->value();
+    const int height = viewport()->height();
+    for (int r = first, y = 0; r < static_cast<int>(rows_.size()) && y < height; ++r, y += lineHeight_) {
+        const Row& row = rows_[static_cast<std::size_t>(r)];
+        paintSelection(p, row, y);
+        paintRow(p, row, y);
+    }
+}
+
+void OutputView::paintRow(QPainter& p, const Row& row, int y) {
+    const LaidLine& line = lines_[static_cast<std::size_t>(row.line)];
+    const int end = row.start + row.length;
+    QFont f = font_;
+    for (const LaidSpan& s : line.spans) {
+        const int a = qMax(s.start, row.start);
+        const int b = qMin(s.start + s.length, end);
+        if (a >= b) continue;
+        if (f.underline() != s.underline) {
+            f.setUnderline(s.underline);
+            p.setFont(f);
+        }
+        p.setPen(s.colour);
+        p.drawText(QPoint((a - row.start) * charWidth_, y + ascent_), line.text.mid(a, b - a));
+    }
+}
+
+void OutputView::paintSelection(QPainter& p, const Row& row, int y) {
+    const Pos from = qMin(anchor_, caret_), to = qMax(anchor_, caret_);
+    if (from == to || row.line < from.line || row.line > to.line) return;
+    int a = row.start, b = row.start + row.length;
+    if (row.line == from.line) a = qMax(a, from.col);
+    if (row.line == to.line) b = qMin(b, to.col);
+    // A selected line end shows as one cell.
+    if (row.line < to.line && b == static_cast<int>(lines_[static_cast<std::size_t>(row.line)].text.size())) ++b;
+    if (a >= b) return;
+    p.fillRect((a - row.start) * charWidth_, y, (b - a) * charWidth_, lineHeight_,
+               palette().color(QPalette::Highlight));
+}
+
+OutputView::Pos OutputView::posAt(const QPoint& pt) const {
+    if (rows_.empty()) return {};
+    const int r = qBound(0, verticalScrollBar()->value() + pt.y() / lineHeight_, static_cast<int>(rows_.size()) - 1);
+    const Row& row = rows_[static_cast<std::size_t>(r)];
+    const int col = qBound(0, (pt.x() + charWidth_ / 2) / charWidth_, row.length);
+    return {row.line, row.start + col};
+}
+
+void OutputView::mousePressEvent(QMouseEvent* e) {
+    if (e->button() != Qt::LeftButton) return QAbstractScrollArea::mousePressEvent(e);
+    anchor_ = caret_ = posAt(e->position().toPoint());
+    selecting_ = true;
+    viewport()->update();
+}
+
+void OutputView::mouseMoveEvent(QMouseEvent* e) {
+    if (!selecting_ || !(e->buttons() & Qt::LeftButton)) return;
+    caret_ = posAt(e->position().toPoint());
+    viewport()->update();
+}
+
+QString OutputView::selectedText() const {
+    const Pos from = qMin(anchor_, caret_), to = qMax(anchor_, caret_);
+    if (from == to) return {};
+    QStringList parts;
+    for (int l = from.line; l <= to.line && l < static_cast<int>(lines_.size()); ++l) {
+        const QString& t = lines_[static_cast<std::size_t>(l)].text;
+        const int a = l == from.line ? from.col : 0;
+        const int b = l == to.line ? to.col : static_cast<int>(t.size());
+        parts << t.mid(a, b - a);
+    }
+    return parts.join(QLatin1Char('\n'));
+}
+
+void OutputView::keyPressEvent(QKeyEvent* e) {
+    if (e->matches(QKeySequence::Copy)) {
+        if (const QString s = selectedText(); !s.isEmpty()) QApplication::clipboard()->setText(s);
+        return;
+    }
+    QAbstractScrollArea::keyPressEvent(e);
+}
+
+}  // namespace kelpa::qt

@@ -1,0 +1,80 @@
+// Paints one output window of the core. The view holds no text of its own:
+// it lays out the model again when the model's revision or the view's width
+// changed, draws only the rows in sight, and follows the end of the text.
+#pragma once
+
+#include <QAbstractScrollArea>
+#include <QColor>
+#include <QFont>
+
+#include <cstdint>
+#include <vector>
+
+#include "output/output_layout_qt.h"
+#include "output/window_state.h"
+
+namespace kelpa::qt {
+
+class OutputView : public QAbstractScrollArea {
+    Q_OBJECT
+public:
+    OutputView(const OutputWindow& model, const WindowInfo& info, QWidget* parent = nullptr);
+
+    // Follows the model; cheap when it did not change. A hidden view waits
+    // until it is shown.
+    void sync();
+
+    // The text of a line as it is drawn (lines end at LF, before wrapping).
+    int lineCount();
+    QString lineText(int line);
+    QString selectedText() const;
+    // Screen rows after wrapping at the view's width, and the width in cells.
+    int rowCount();
+    int columns() const;
+
+protected:
+    void paintEvent(QPaintEvent* e) override;
+    void resizeEvent(QResizeEvent* e) override;
+    void showEvent(QShowEvent* e) override;
+    void mousePressEvent(QMouseEvent* e) override;
+    void mouseMoveEvent(QMouseEvent* e) override;
+    void keyPressEvent(QKeyEvent* e) override;
+
+private:
+    struct Row {
+        int line;
+        int start;
+        int length;
+    };
+    struct Pos {
+        int line = 0;
+        int col = 0;
+        auto operator<=>(const Pos&) const = default;
+    };
+
+    void ensureLaidOut();
+    void wrap();
+    void updateScrollRange(bool toEnd);
+    int visibleRows() const;
+    Pos posAt(const QPoint& p) const;
+    void paintRow(QPainter& p, const Row& row, int y);
+    void paintSelection(QPainter& p, const Row& row, int y);
+
+    const OutputWindow& model_;
+    QColor background_;
+    QColor plainColour_;
+    QFont font_;
+    int charWidth_ = 8;
+    int lineHeight_ = 16;
+    int ascent_ = 12;
+
+    std::uint64_t laidRevision_ = ~std::uint64_t{0};
+    int wrappedColumns_ = -1;
+    std::vector<LaidLine> lines_;
+    std::vector<Row> rows_;
+
+    bool selecting_ = false;
+    Pos anchor_, caret_;
+};
+
+}  // namespace kelpa::qt
