@@ -1,0 +1,57 @@
+// The real outside world for the core: the Qt socket, the system clock, the
+// random source, the program's folder and the window as host.
+#pragma once
+
+#include <QLockFile>
+#include <QPointer>
+
+#include <memory>
+
+#include "platform/mt_random.h"
+#include "platform/platform.h"
+#include "platform/std_file_system.h"
+#include "shell/qt_socket_qt.h"
+
+class QWidget;
+
+namespace kelpa::qt {
+
+class QtClock : public Clock {
+public:
+    Date today() const override;
+    int secondsSinceMidnight() const override;
+};
+
+class QtHost : public Host {
+public:
+    QtHost();
+    // The window that hides and shows, and the box that takes the focus.
+    void attach(QWidget* window, QWidget* commandLine);
+
+    void hideMainForm() override;
+    void showMainForm() override;
+    void focusCommandLine() override;
+    void endProgramNow() override;
+    long long instanceHandle() const override;
+    bool previousInstance() const override { return previous_; }
+
+private:
+    QPointer<QWidget> window_;
+    QPointer<QWidget> commandLine_;
+    // Held while this program runs; a second one finds it taken.
+    std::unique_ptr<QLockFile> lock_;
+    bool previous_ = false;
+};
+
+struct QtPlatform {
+    QtPlatform();
+
+    QtSocket socket;
+    QtClock clock;
+    MtRandom random;
+    StdFileSystem files;
+    QtHost host;
+    Platform platform{socket, clock, random, files, host};
+};
+
+}  // namespace kelpa::qt

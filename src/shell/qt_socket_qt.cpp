@@ -1,0 +1,86 @@
+#include "shell/qt_socket_qt.h"
+
+#include <QTimer>
+
+#include "common/text.h"
+
+namespace kelpa::qt {
+
+QtSocket::QtSocket(QObject* parent) : QObject(parent) {
+    QObject::connect(&socket_, &QTcpSocket::connected, this, [this] {
+        open_ = true;
+        emit connected();
+    });
+    QObject::connect(&socket_, &QTcpSocket::readyRead, this, [this] { emit dataArrival(); });
+    QObject::connect(&socket_, &QTcpSocket::disconnected, this, &QtSocket::onDisconnected);
+    QObject::connect(&socket_, &QTcpSocket::errorOccurred, this, &QtSocket::onError);
+}
+
+void QtSocket::connect(const std::string& host, const std::string& port) {
+    open_ = false;
+    socket_.abort();
+    const int p = leadingInt32(port);
+    if (p <= 0 || p > 65535) {
+        // What the old control said of a connection to an impossible port.
+        QTimer::singleShot(0, this, [this] { fail(10049, QStringLiteral("Address not available")); });
+        return;
+    }
+    inConnectCall_ = true;
+    socket_.connectToHost(QString::fromLatin1(host.data(), static_cast<qsizetype>(host.size())),
+                          static_cast<quint16>(p));
+    inConnectCall_ = false;
+}
+
+void QtSocket::close() {
+    open_ = false;
+    socket_.close();
+}
+
+std::string QtSocket::getData() {
+    const QByteArray b = socket_.readAll();
+    return std::string(b.constData(), static_cast<std::size_t>(b.size()));
+}
+
+void QtSocket::sendData(const std::string& bytes) {
+    socket_.write(bytes.data(), static_cast<qint64>(bytes.size()));
+}
+
+void QtSocket::onDisconnected() {
+    if (!open_) return;  // our own close
+    // Bytes that arrived with the close come first.
+    if (socket_.bytesAvailable() > 0) emit dataArrival();
+    emit closed();
+    open_ = false;
+}
+
+void QtSocket::onError(QAbstractSocket::SocketError error) {
+    // The server's close is no error; it comes as the closed event.
+    if (error == QAbstractSocket::RemoteHostClosedError) return;
+    const int number = errorNumber(error);
+    const QString text = socket_.errorString();
+    if (inConnectCall_)
+        // The old control raised its events after the click had ended.
+        QTimer::singleShot(0, this, [this, number, text] { fail(number, text); });
+    else
+        fail(number, text);
+}
+
+void QtSocket::fail(int number, const QString& description) {
+    emit failed(number, description, statusCode(number));
+}
+
+int QtSocket::errorNumber(QAbstractSocket::SocketError error) {
+    switch (error) {
+    case QAbstractSocket::ConnectionRefusedError: return 10061;
+    case QAbstractSocket::HostNotFoundError: return 11001;
+    case QAbstractSocket::SocketTimeoutError: return 10060;
+    case QAbstractSocket::NetworkError: return 10050;
+    default: return 10000 + static_cast<int>(error);
+    }
+}
+
+long long QtSocket::statusCode(int number) {
+    return static_cast<std::int32_t>(0x800A0000u | static_cast<std::uint32_t>(number));
+}
+
+}  // namespace kelpa::qt

@@ -1,0 +1,46 @@
+// The one TCP connection over QTcpSocket, with the events of the old
+// socket control: connected, data, closed by the server, error.
+#pragma once
+
+#include <QObject>
+#include <QTcpSocket>
+
+#include "platform/platform.h"
+
+namespace kelpa::qt {
+
+class QtSocket : public QObject, public Socket {
+    Q_OBJECT
+public:
+    explicit QtSocket(QObject* parent = nullptr);
+
+    void connect(const std::string& host, const std::string& port) override;
+    void close() override;
+    int state() const override { return open_ ? kConnected : 0; }
+    std::string getData() override;
+    void sendData(const std::string& bytes) override;
+
+    // The old control's error numbers, and its 32-bit status code for one.
+    static int errorNumber(QAbstractSocket::SocketError error);
+    static long long statusCode(int number);
+
+signals:
+    void connected();
+    void dataArrival();
+    // The server ended the connection.
+    void closed();
+    void failed(int number, const QString& description, long long scode);
+
+private:
+    void onDisconnected();
+    void onError(QAbstractSocket::SocketError error);
+    void fail(int number, const QString& description);
+
+    QTcpSocket socket_;
+    // True from the connection until the close has been handled, so that
+    // bytes that came with the server's close are still read.
+    bool open_ = false;
+    bool inConnectCall_ = false;
+};
+
+}  // namespace kelpa::qt
