@@ -1,0 +1,60 @@
+#include "command/bulk_dialog_qt.h"
+
+#include <QPlainTextEdit>
+#include <QPushButton>
+
+#include "shell/widget_kit_qt.h"
+
+namespace kelpa::qt {
+
+BulkDialog::BulkDialog(QWidget* parent)
+    : QDialog(parent, Qt::Tool | Qt::WindowTitleHint | Qt::WindowCloseButtonHint),
+      TXT_Bulk(new QPlainTextEdit(this)),
+      OKButton(new QPushButton(QStringLiteral("&Send"), this)),
+      CancelButton(new QPushButton(QStringLiteral("&Cancel"), this)) {
+    setObjectName(QStringLiteral("Bulk"));
+    setWindowTitle(QStringLiteral("Bulk"));
+    setModal(true);
+    setFont(formFont());
+    setFixedSize(px(9825), px(5625));
+    setBackground(this, QColor(64, 64, 64));
+
+    TXT_Bulk->setObjectName(QStringLiteral("TXT_Bulk"));
+    TXT_Bulk->setGeometry(pxRect(120, 120, 9585, 4815));
+    TXT_Bulk->setFont(monospaceFont(9.75));
+    TXT_Bulk->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    TXT_Bulk->setLineWrapMode(QPlainTextEdit::NoWrap);
+    QPalette p = TXT_Bulk->palette();
+    p.setColor(QPalette::Base, Qt::black);
+    p.setColor(QPalette::Text, Qt::yellow);
+    TXT_Bulk->setPalette(p);
+
+    OKButton->setObjectName(QStringLiteral("OKButton"));
+    OKButton->setGeometry(pxRect(7080, 5100, 1215, 375));
+    OKButton->setAutoDefault(false);
+    CancelButton->setObjectName(QStringLiteral("CancelButton"));
+    CancelButton->setGeometry(pxRect(8490, 5100, 1215, 375));
+    CancelButton->setAutoDefault(false);
+
+    // Both only hide the dialog, so that a cancelled text is there next time.
+    connect(OKButton, &QPushButton::clicked, this, [this] {
+        BulkResult = true;
+        accept();
+    });
+    connect(CancelButton, &QPushButton::clicked, this, [this] {
+        BulkResult = false;
+        reject();
+    });
+    // Escape and the window's close box count as Cancel.
+    connect(this, &QDialog::rejected, this, [this] { BulkResult = false; });
+}
+
+QString BulkDialog::commandText() const {
+    QString t = TXT_Bulk->toPlainText();
+    t.replace(QLatin1Char('\n'), QStringLiteral("\r\n"));
+    return t;
+}
+
+void BulkDialog::clearText() { TXT_Bulk->clear(); }
+
+}  // namespace kelpa::qt

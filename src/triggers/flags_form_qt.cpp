@@ -1,0 +1,48 @@
+#include "triggers/flags_form_qt.h"
+
+#include <QCheckBox>
+#include <QPushButton>
+#include <QSignalBlocker>
+
+#include "shell/widget_kit_qt.h"
+
+namespace kelpa::qt {
+
+FlagsForm::FlagsForm(const FlagTable& flags, std::function<void(int, bool)> setFlag, QWidget* parent)
+    : QDialog(parent, Qt::Tool | Qt::WindowTitleHint | Qt::WindowCloseButtonHint),
+      BTN_Close(new QPushButton(QStringLiteral("Close"), this)), flags_(flags),
+      setFlag_(std::move(setFlag)) {
+    setObjectName(QStringLiteral("FlagsForm"));
+    setWindowTitle(QStringLiteral("Flags"));
+    setModal(false);
+    setFont(formFont());
+    setFixedSize(px(12300), px(7290));
+    for (int i = 0; i < FlagTable::kCount; ++i) {
+        auto* box = new CheckBox(this);
+        box->setObjectName(QStringLiteral("TRGFLAG(%1)").arg(i));
+        box->setGeometry(pxRect(120 + (i % 6) * 2040, 120 + (i / 6) * 480, 1935, 375));
+        // A click sets the flag at once; there is nothing to confirm.
+        connect(box, &QCheckBox::clicked, this, [this, i](bool on) { setFlag_(i, on); });
+        boxes_[static_cast<std::size_t>(i)] = box;
+    }
+    BTN_Close->setObjectName(QStringLiteral("BTN_Close"));
+    BTN_Close->setGeometry(pxRect(10920, 6810, 1215, 375));
+    BTN_Close->setAutoDefault(false);
+    // Close and Escape only hide: the check boxes keep their state.
+    connect(BTN_Close, &QPushButton::clicked, this, &QDialog::reject);
+    sync();
+}
+
+void FlagsForm::sync() {
+    if (flags_.revision == shownRevision_) return;
+    shownRevision_ = flags_.revision;
+    for (int i = 0; i < FlagTable::kCount; ++i) {
+        const auto k = static_cast<std::size_t>(i);
+        QCheckBox* box = boxes_[k];
+        const QSignalBlocker block(box);
+        box->setText(toQString(flags_.caption[k]));
+        box->setChecked(flags_.value[k]);
+    }
+}
+
+}  // namespace kelpa::qt
