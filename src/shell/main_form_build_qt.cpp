@@ -1,0 +1,116 @@
+// The tree of controls of the main window, with captions, fonts and colours.
+// Places come from FormLayout, except for controls that never move.
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+
+#include "command/macro_page_qt.h"
+#include "history/history_page_qt.h"
+#include "output/output_view_qt.h"
+#include "shell/main_form_qt.h"
+#include "shell/tab_control_qt.h"
+#include "shell/widget_kit_qt.h"
+#include "triggers/trigger_page_qt.h"
+
+namespace kelpa::qt {
+
+namespace {
+
+QPushButton* button(const char* name, const char* caption, QWidget* parent) {
+    auto* b = new QPushButton(QString::fromLatin1(caption), parent);
+    b->setObjectName(QString::fromLatin1(name));
+    b->setAutoDefault(false);
+    return b;
+}
+
+QLineEdit* textBox(const char* name, const std::string& text, QWidget* parent) {
+    auto* t = new QLineEdit(toQString(text), parent);
+    t->setObjectName(QString::fromLatin1(name));
+    return t;
+}
+
+QCheckBox* checkBox(const char* name, const char* caption, bool on, QWidget* parent) {
+    auto* c = new CheckBox(QString::fromLatin1(caption), parent);
+    c->setObjectName(QString::fromLatin1(name));
+    c->setChecked(on);
+    // Check boxes keep the button colour of their own, as in the old toolkit.
+    setBackground(c, c->palette().color(QPalette::Button));
+    return c;
+}
+
+}  // namespace
+
+void MainForm::buildLeftColumn() {
+    CB_Connections_ = new QComboBox(this);
+    CB_Connections_->setObjectName(QStringLiteral("CB_Connections"));
+    CB_Connections_->setEditable(false);
+    Site_ = textBox("Site", client_.bar.Site, this);
+    PPort_ = textBox("PPort", client_.bar.PPort, this);
+    SPort_ = textBox("SPort", client_.bar.SPort, this);
+    CMD_CONNECT_ = button("CMD_CONNECT", "C&onnect", this);
+    CMD_DISCONNECT_ = button("CMD_DISCONNECT", "&Disconnect", this);
+    CMD_DISCONNECT_->setEnabled(false);
+    status_.build(this);
+}
+
+void MainForm::buildWorkArea() {
+    PlayGround_ = new QWidget(this);
+    PlayGround_->setObjectName(QStringLiteral("PlayGround"));
+
+    SSTab1_ = new TabControl(QStringLiteral("SSTab1"), QColor(64, 64, 64), 7, PlayGround_);
+    QWidget* main = SSTab1_->addPage(QStringLiteral("Main"));
+    SSTab2_ = new TabControl(QStringLiteral("SSTab2"), QColor(64, 64, 64), 2, main);
+    makeView(kMainWindow, SSTab2_->addPage(QStringLiteral("Actual")));
+    makeView(kHistT, SSTab2_->addPage(QStringLiteral("History")));
+    buildSystemPage(SSTab1_->addPage(QStringLiteral("System")));
+    for (int i = 0; i < 4; ++i) makeView(kCustom1 + i, SSTab1_->addPage(QStringLiteral("Custom %1").arg(i + 1)));
+    buildToolsPage(SSTab1_->addPage(QStringLiteral("Tools")));
+
+    // Below the buttons, so that it never covers them.
+    auto* label11 = new QLabel(PlayGround_);
+    label11->setObjectName(QStringLiteral("Label11"));
+    Text1_ = new QLineEdit(PlayGround_);
+    Text1_->setObjectName(QStringLiteral("Text1"));
+    Text1_->setFont(monospaceFont(9.75));
+    BTN_BULK_ = button("BTN_BULK", "&Bulk", PlayGround_);
+    BTN_Flags_ = button("BTN_Flags", "&Flags", PlayGround_);
+}
+
+void MainForm::buildSystemPage(QWidget* page) {
+    makeView(kDebugWindow, page);
+    DebugInfo_ = checkBox("DebugInfo", "&Debug", false, page);
+    IG_ = checkBox("IG", "Graphics", true, page);
+    CT_ = checkBox("CT", "Cleaner Text", true, page);
+    button("CMD_SaveConnection", "&Connections", page);
+    button("CMD_About", "&About", page);
+}
+
+void MainForm::buildToolsPage(QWidget* page) {
+    ToolsTabs_ = new TabControl(QStringLiteral("ToolsTabs"), palette().color(QPalette::Button), 3, page);
+    QWidget* history = ToolsTabs_->addPage(QStringLiteral("History"));
+    makeView(kHistView, history);
+    buildHistoryPage(history);
+    buildTriggerPage(ToolsTabs_->addPage(QStringLiteral("Triggers")));
+    buildMacroPage(ToolsTabs_->addPage(QStringLiteral("Macros")));
+}
+
+OutputView* MainForm::makeView(int win, QWidget* parent) {
+    auto* v = new OutputView(client_.windows.text[static_cast<std::size_t>(win)], windowInfo(win), parent);
+    views_[static_cast<std::size_t>(win)] = v;
+    return v;
+}
+
+void MainForm::collectLaidOutControls() {
+    for (const auto& [name, rect] : layout_.all()) {
+        QWidget* w = findChild<QWidget*>(QString::fromStdString(name));
+        if (w) laidOut_[name] = w;
+    }
+}
+
+void MainForm::applyLayout() {
+    for (const auto& [name, w] : laidOut_) w->setGeometry(pxRect(layout_[name]));
+}
+
+}  // namespace kelpa::qt

@@ -1,0 +1,238 @@
+#include "shell/main_form_qt.h"
+
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QCoreApplication>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScreen>
+#include <QSignalBlocker>
+
+#include <exception>
+
+#include "command/bulk_dialog_qt.h"
+#include "output/output_view_qt.h"
+#include "shell/qt_platform_qt.h"
+#include "shell/tab_control_qt.h"
+#include "shell/widget_kit_qt.h"
+#include "triggers/flags_form_qt.h"
+
+namespace kelpa::qt {
+
+namespace {
+constexpr int kFrameMs = 16;
+}  // namespace
+
+MainForm::MainForm(Platform& platform, QWidget* parent) : QWidget(parent), client_(platform) {
+    setObjectName(QStringLiteral("MainForm"));
+    setWindowTitle(QStringLiteral("Kelpa"));
+    setBackground(this, QColor(128, 128, 128));
+    setFont(formFont());
+    resize(px(kFormInnerWidth), px(kFormInnerHeight));
+    if (const QScreen* s = screen()) move(s->availableGeometry().center() - rect().center());
+
+    buildLeftColumn();
+    buildWorkArea();
+    bulk_ = new BulkDialog(this);
+    flags_ = new FlagsForm(client_.flags, [this](int i, bool on) {
+        guarded("TRGFLAG_Click", [&] { client_.flags.set(i, on); });
+    }, this);
+    for (QWidget* dialog : {static_cast<QWidget*>(bulk_), static_cast<QWidget*>(flags_)})
+        dialog->setAttribute(Qt::WA_QuitOnClose, false);
+    collectLaidOutControls();
+    applyLayout();
+
+    refresh_.setSingleShot(true);
+    refresh_.setInterval(kFrameMs);
+    connect(&refresh_, &QTimer::timeout, this, &MainForm::syncFromCore);
+
+    guarded("Form_Load", [&] { client_.Form_Load(); });
+    syncFromCore();
+    connectControls();
+    startTimers();
+    connect(qApp, &QCoreApplication::aboutToQuit, this, &MainForm::terminate);
+}
+
+MainForm::~MainForm() { terminate(); }
+
+std::unique_ptr<MainForm> MainForm::createForThisSystem() {
+    auto platform = std::make_unique<QtPlatform>();
+    QtPlatform& p = *platform;
+    auto form = std::make_unique<MainForm>(p.platform);
+    MainForm* f = form.get();
+    f->ownPlatform_ = std::move(platform);
+    p.host.attach(f, f->Text1_);
+    connect(&p.socket, &QtSocket::connected, f, &MainForm::s_Connect);
+    connect(&p.socket, &QtSocket::dataArrival, f, &MainForm::s_DataArrival);
+    connect(&p.socket, &QtSocket::closed, f, &MainForm::s_Close);
+    connect(&p.socket, &QtSocket::failed, f, &MainForm::s_Error);
+    return form;
+}
+
+template <typename F>
+void MainForm::guarded(const char* handler, F&& f) {
+    try {
+        f();
+    } catch (const std::exception& e) {
+        try {
+            client_.debug.DebugLog(std::string(handler) + ": " + e.what());
+        } catch (...) {
+        }
+    } catch (...) {
+        try {
+            client_.debug.DebugLog(std::string(handler) + ": unknown failure");
+        } catch (...) {
+        }
+    }
+    scheduleRefresh();
+}
+
+void MainForm::scheduleRefresh() {
+    if (!refresh_.isActive()) refresh_.start();
+}
+
+void MainForm::syncFromCore() {
+    refresh_.stop();
+    for (OutputView* v : views_) v->sync();
+    syncConnectionBar();
+    flags_->sync();
+    for (auto [box, on] : {std::pair{IG_, client_.windows.Graphics}, {CT_, client_.pipeline.CleanerText},
+                           {DebugInfo_, client_.debug.enabled}}) {
+        const QSignalBlocker block(box);
+        box->setChecked(on);
+    }
+}
+
+void MainForm::syncConnectionBar() {
+    const ConnectionBar& bar = client_.bar;
+    if (bar.items != shownSites_) {
+        const QSignalBlocker block(CB_Connections_);
+        CB_Connections_->clear();
+        for (const std::string& s : bar.items) CB_Connections_->addItem(toQString(s));
+        shownSites_ = bar.items;
+    }
+    if (CB_Connections_->currentIndex() != bar.listIndex) {
+        const QSignalBlocker block(CB_Connections_);
+        CB_Connections_->setCurrentIndex(bar.listIndex);
+    }
+    // Only a real change is written, so that typing is not disturbed.
+    for (auto [box, text] : {std::pair{Site_, &bar.Site}, {PPort_, &bar.PPort}, {SPort_, &bar.SPort}})
+        if (toCoreBytes(box->text()) != *text) box->setText(toQString(*text));
+    CMD_CONNECT_->setEnabled(bar.connectEnabled);
+    CMD_DISCONNECT_->setEnabled(bar.disconnectEnabled);
+}
+
+void MainForm::connectControls() {
+    connect(CB_Connections_, &QComboBox::activated, this,
+            [this](int i) { guarded("CB_Connections_Click", [&] { client_.bar.CB_Connections_Click(i); }); });
+    for (auto [box, field] : {std::pair{Site_, &ConnectionBar::Site}, {PPort_, &ConnectionBar::PPort},
+                              {SPort_, &ConnectionBar::SPort}})
+        connect(box, &QLineEdit::textEdited, this, [this, field](const QString& t) {
+            guarded("TextBox_Change", [&] { client_.bar.*field = toCoreBytes(t); });
+        });
+    connect(CMD_CONNECT_, &QPushButton::clicked, this,
+            [this] { guarded("CMD_CONNECT_Click", [&] { client_.session.CMD_CONNECT_Click(); }); });
+    connect(CMD_DISCONNECT_, &QPushButton::clicked, this,
+            [this] { guarded("CMD_DISCONNECT_Click", [&] { client_.session.CMD_DISCONNECT_Click(); }); });
+    connect(DebugInfo_, &QCheckBox::toggled, this,
+            [this](bool on) { guarded("DebugInfo_Click", [&] { client_.setDebugInfo(on); }); });
+    connect(IG_, &QCheckBox::toggled, this,
+            [this](bool on) { guarded("IG_Click", [&] { client_.setGraphics(on); }); });
+    connect(CT_, &QCheckBox::toggled, this,
+            [this](bool on) { guarded("CT_Click", [&] { client_.setCleanerText(on); }); });
+    connect(BTN_BULK_, &QPushButton::clicked, this, &MainForm::BTN_BULK_Click);
+    connect(BTN_Flags_, &QPushButton::clicked, this, &MainForm::BTN_Flags_Click);
+    Text1_->installEventFilter(this);
+}
+
+void MainForm::startTimers() {
+    as_timer_ = new QTimer(this);
+    as_timer_->setObjectName(QStringLiteral("as_timer"));
+    connect(as_timer_, &QTimer::timeout, this, [this] { guarded("as_timer_Timer", [&] { client_.as_timer_Timer(); }); });
+    as_timer_->start(1000);
+
+    // Turns changed status cells grey again, once the panel is fed.
+    Timer3_ = new QTimer(this);
+    Timer3_->setObjectName(QStringLiteral("Timer3"));
+    Timer3_->start(500);
+
+    Queue_ = new QTimer(this);
+    Queue_->setObjectName(QStringLiteral("Queue"));
+    connect(Queue_, &QTimer::timeout, this, [this] {
+        guarded("Queue_Timer", [&] { Queue_->setInterval(client_.Queue_Timer()); });
+    });
+    Queue_->start(Sender::kFirstQueueInterval);
+}
+
+bool MainForm::eventFilter(QObject* watched, QEvent* e) {
+    if (watched == Text1_ && e->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(e)->key();
+        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+            Text1_Enter();
+            return true;
+        }
+        if (key == Qt::Key_Escape) guarded("Text1_KeyPress", [&] { client_.Text1_Escape(); });
+    }
+    return QWidget::eventFilter(watched, e);
+}
+
+void MainForm::Text1_Enter() {
+    const std::string text = toCoreBytes(Text1_->text());
+    guarded("Text1_KeyPress", [&] { client_.Text1_Enter(text); });
+    // Only now: the box keeps its text while the command runs.
+    Text1_->clear();
+}
+
+void MainForm::BTN_BULK_Click() {
+    bulk_->exec();
+    if (!bulk_->BulkResult) return;
+    const std::string text = toCoreBytes(bulk_->commandText());
+    guarded("BTN_BULK_Click", [&] { client_.Bulk_Send(text); });
+    bulk_->clearText();
+}
+
+void MainForm::BTN_Flags_Click() {
+    flags_->show();
+    flags_->raise();
+    flags_->activateWindow();
+}
+
+void MainForm::s_Connect() {
+    guarded("s_Connect", [&] { client_.session.s_Connect(); });
+}
+
+void MainForm::s_DataArrival() {
+    guarded("s_DataArrival", [&] { client_.session.s_DataArrival(); });
+}
+
+void MainForm::s_Close() {
+    guarded("s_Close", [&] { client_.session.s_Close(); });
+}
+
+void MainForm::s_Error(int number, const QString& description, long long scode) {
+    guarded("s_Error", [&] { client_.session.s_Error(number, toCoreBytes(description), scode); });
+}
+
+void MainForm::resizeEvent(QResizeEvent* e) {
+    QWidget::resizeEvent(e);
+    layout_.Form_Resize(width() * kTwipsPerPixel + kNominalFrameWidth,
+                        height() * kTwipsPerPixel + kNominalFrameHeight);
+    applyLayout();
+}
+
+void MainForm::closeEvent(QCloseEvent* e) {
+    guarded("Form_Unload", [&] { client_.Form_Unload(); });
+    flags_->hide();
+    bulk_->hide();
+    e->accept();
+}
+
+void MainForm::terminate() {
+    if (terminated_) return;
+    terminated_ = true;
+    guarded("Form_Terminate", [&] { client_.Form_Terminate(); });
+}
+
+}  // namespace kelpa::qt
