@@ -1,0 +1,64 @@
+// The flags dialog follows the core's table both ways.
+#include <gtest/gtest.h>
+
+#include <QCheckBox>
+#include <QPushButton>
+
+#include "form_fixture.h"
+#include "triggers/flags_form_qt.h"
+
+namespace kelpa::test {
+namespace {
+
+TEST(FlagsForm, AClickSetsTheFlagAndACoreChangeShowsWhileOpen) {
+    FormFixture f;
+    qt::FlagsForm* flags = f.form().flagsForm();
+    EXPECT_FALSE(flags->isVisible());
+    QTest::mouseClick(f.control<QPushButton>("BTN_Flags"), Qt::LeftButton);
+    ASSERT_TRUE(flags->isVisible());
+    EXPECT_EQ(flags->TRGFLAG(83)->text(), "83");
+
+    QTest::mouseClick(flags->TRGFLAG(5), Qt::LeftButton);
+    EXPECT_TRUE(f.form().client().flags.value[5]);
+
+    FlagTable& table = f.form().client().flags;
+    table.caption[7] = "hunting";
+    table.set(7, true);
+    table.set(5, false);
+    f.form().syncFromCore();
+    EXPECT_TRUE(flags->TRGFLAG(7)->isChecked());
+    EXPECT_EQ(flags->TRGFLAG(7)->text(), "hunting");
+    EXPECT_FALSE(flags->TRGFLAG(5)->isChecked());
+}
+
+TEST(FlagsForm, CloseAndEscapeOnlyHideTheDialog) {
+    FormFixture f;
+    qt::FlagsForm* flags = f.form().flagsForm();
+    QTest::mouseClick(f.control<QPushButton>("BTN_Flags"), Qt::LeftButton);
+    QTest::mouseClick(flags->TRGFLAG(12), Qt::LeftButton);
+    QTest::keyClick(flags, Qt::Key_Escape);
+    EXPECT_FALSE(flags->isVisible());
+    EXPECT_TRUE(f.form().client().flags.value[12]);
+
+    QTest::mouseClick(f.control<QPushButton>("BTN_Flags"), Qt::LeftButton);
+    EXPECT_TRUE(flags->TRGFLAG(12)->isChecked());
+    QTest::mouseClick(flags->BTN_Close, Qt::LeftButton);
+    EXPECT_FALSE(flags->isVisible());
+    EXPECT_TRUE(f.form().client().flags.value[12]);
+}
+
+TEST(FlagsForm, TheGridFitsTheDialogWithoutOverlaps) {
+    FormFixture f;
+    qt::FlagsForm* flags = f.form().flagsForm();
+    EXPECT_EQ(flags->windowTitle(), "Flags");
+    std::vector<QRect> taken{flags->BTN_Close->geometry()};
+    for (int i = 0; i < FlagTable::kCount; ++i) {
+        const QRect r = flags->TRGFLAG(i)->geometry();
+        EXPECT_TRUE(flags->rect().contains(r)) << i;
+        for (const QRect& other : taken) EXPECT_FALSE(r.intersects(other)) << i;
+        taken.push_back(r);
+    }
+}
+
+}  // namespace
+}  // namespace kelpa::test

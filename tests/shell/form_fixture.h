@@ -1,0 +1,38 @@
+// A main window over the fakes, shown on the offscreen screen.
+#pragma once
+
+#include <QApplication>
+#include <QTest>
+#include <QWidget>
+
+#include <memory>
+
+#include "shell/main_form_qt.h"
+#include "support/fakes.h"
+
+namespace kelpa::test {
+
+struct FormFixture {
+    FakePlatform fake;
+
+    // Created on demand, so that a test can prepare the folder first.
+    qt::MainForm& form() {
+        if (!form_) {
+            form_ = std::make_unique<qt::MainForm>(fake.platform);
+            form_->show();
+        }
+        return *form_;
+    }
+
+    template <typename W = QWidget>
+    W* control(const char* name) {
+        W* w = form().findChild<W*>(QString::fromLatin1(name));
+        if (!w) ADD_FAILURE() << "no control " << name;
+        return w;
+    }
+
+private:
+    std::unique_ptr<qt::MainForm> form_;
+};
+
+}  // namespace kelpa::test

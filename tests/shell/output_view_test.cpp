@@ -1,0 +1,170 @@
+// What the output views draw: characters, line breaks, wrapping, following
+// the end, and how often a flood repaints.
+#include <gtest/gtest.h>
+
+#include <QElapsedTimer>
+#include <QScrollBar>
+
+#include "form_fixture.h"
+#include "shell/widget_kit_qt.h"
+#include "output/output_layout_qt.h"
+#include "output/output_view_qt.h"
+
+namespace kelpa::test {
+namespace {
+
+QStringList linesOf(const OutputWindow& w) {
+    QStringList out;
+    for (const qt::LaidLine& l : qt::layoutLines(w, Qt::black)) out << l.text;
+    return out;
+}
+
+struct LayoutRow {
+    const char* name;
+    std::string bytes;
+    bool graphics;
+    QStringList lines;
+};
+
+TEST(OutputLayout, BytesBecomeTheCharactersTheUserSees) {
+    const LayoutRow rows[] = {
+        {"box bytes with graphics", "\xC9\xCD\xBB\r\n\xBA\xB1\xBA", true, {u"╔═╗"_qs, u"║░║"_qs}},
+        {"the same bytes without", "\xC9\xCD\xBB", false, {u"ÉÍ»"_qs}},
+        {"code page 1252 above 127", "caf\xE9 \x80 \x93q\x94", true, {u"café € “q”"_qs}},
+        {"CR LF is one break, a lone CR nothing", "a\r\nb\rc\n\nd", false, {"a", "bc", "", "d"}},
+        {"TAB to the next multiple of eight", "ab\tc\t\td", false, {"ab      c               d"}},
+        {"other controls draw nothing", std::string("x\0\x07\x08y\x1B", 6), false, {"xy"}},
+        {"phi and the half blocks", "\xE8\xDD\xDE", true, {u"Φ▌▐"_qs}},
+    };
+    for (const LayoutRow& row : rows) {
+        OutputWindow w;
+        TextStyle s;
+        s.graphics = row.graphics;
+        w.append(row.bytes, s);
+        EXPECT_EQ(linesOf(w), row.lines) << row.name;
+    }
+}
+
+TEST(OutputLayout, ColoursAndUnderlineFollowTheRuns) {
+    OutputWindow w;
+    TextStyle red{rgb(255, 0, 0), false, false, false};
+    TextStyle underlinedBlue{rgb(0, 0, 255), true, false, false};
+    TextStyle plain;
+    plain.plain = true;
+    w.append("ab", red);
+    w.append("cd\r\nef", underlinedBlue);
+    w.append("g", plain);
+    const auto lines = qt::layoutLines(w, Qt::darkGreen);
+    ASSERT_EQ(lines.size(), 2u);
+    ASSERT_EQ(lines[0].spans.size(), 2u);
+    EXPECT_EQ(lines[0].spans[0].colour, QColor(255, 0, 0));
+    EXPECT_FALSE(lines[0].spans[0].underline);
+    EXPECT_EQ(lines[0].spans[1].colour, QColor(0, 0, 255));
+    EXPECT_TRUE(lines[0].spans[1].underline);
+    ASSERT_EQ(lines[1].spans.size(), 2u);
+    EXPECT_EQ(lines[1].spans[1].start, 2);
+    EXPECT_EQ(lines[1].spans[1].colour, QColor(Qt::darkGreen));
+}
+
+TEST(OutputView, TheMainWindowShowsBoxGlyphsWrittenWithGraphicsOnAndBytesOtherwise) {
+    FormFixture f;
+    Client& c = f.form().client();
+    c.writer.W_Print("\xDA\xC4\xBF\r\n", kMainWindow);
+    c.setGraphics(false);
+    c.writer.W_Print("\xDA\xC4\xBF", kMainWindow);
+    f.form().syncFromCore();
+    qt::OutputView* t = f.form().outputWindow(kMainWindow);
+    ASSERT_EQ(t->lineCount(), 2);
+    EXPECT_EQ(t->lineText(0), u"┌─┐"_qs);
+    EXPECT_EQ(t->lineText(1), u"Ú\u0000¿"_qs.replace(QChar(0), QChar(0xC4)));
+}
+
+TEST(OutputView, LongLinesWrapAtTheViewsWidth) {
+    FormFixture f;
+    qt::OutputView* t = f.form().outputWindow(kMainWindow);
+    const int cols = t->columns();
+    ASSERT_GT(cols, 10);
+    f.form().client().writer.W_Print(std::string(static_cast<std::size_t>(cols * 2 + 1), 'x') + "\r\nshort", kMainWindow);
+    f.form().syncFromCore();
+    EXPECT_EQ(t->lineCount(), 2);
+    EXPECT_EQ(t->rowCount(), 4);
+
+    f.form().resize(f.form().width() + 200, f.form().height());
+    EXPECT_GT(t->columns(), cols);
+    EXPECT_EQ(t->rowCount(), 3);
+}
+
+TEST(OutputView, NewTextBringsTheViewBackToTheEnd) {
+    FormFixture f;
+    Client& c = f.form().client();
+    for (int i = 0; i < 100; ++i) c.writer.W_Print("line " + std::to_string(i) + "\r\n", kMainWindow);
+    f.form().syncFromCore();
+    QScrollBar* bar = f.form().outputWindow(kMainWindow)->verticalScrollBar();
+    ASSERT_GT(bar->maximum(), 0);
+    EXPECT_EQ(bar->value(), bar->maximum());
+    bar->setValue(0);
+    c.writer.W_Print("more\r\n", kMainWindow);
+    f.form().syncFromCore();
+    EXPECT_EQ(bar->value(), bar->maximum());
+}
+
+TEST(OutputView, ASelectionCopiesTheTextAcrossLines) {
+    FormFixture f;
+    f.form().client().writer.W_Print("abc\r\ndef", kMainWindow);
+    f.form().syncFromCore();
+    qt::OutputView* t = f.form().outputWindow(kMainWindow);
+    QWidget* vp = t->viewport();
+    const QFontMetrics fm(qt::monospaceFont(9.75));
+    const int cw = fm.horizontalAdvance('M'), lh = fm.lineSpacing();
+    // The view sits at the end, with both lines in sight from the top.
+    QTest::mousePress(vp, Qt::LeftButton, {}, QPoint(cw + 1, lh / 2));
+    QMouseEvent move(QEvent::MouseMove, QPointF(2 * cw + 1, lh + lh / 2), vp->mapToGlobal(QPointF(2 * cw + 1, lh + lh / 2)),
+                     Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(vp, &move);
+    QTest::mouseRelease(vp, Qt::LeftButton, {}, QPoint(2 * cw + 1, lh + lh / 2));
+    EXPECT_EQ(t->selectedText(), "bc\nde");
+}
+
+TEST(OutputView, TheViewsUseAFixedPitchFontAtTheWindowsSize) {
+    const QFont f = qt::monospaceFont(8.25);
+    const QFontInfo info(f);
+    EXPECT_TRUE(info.fixedPitch()) << info.family().toStdString();
+    EXPECT_DOUBLE_EQ(f.pointSizeF(), 8.25);
+    const QFontMetrics fm(f);
+    EXPECT_EQ(fm.horizontalAdvance('i'), fm.horizontalAdvance('W'));
+    EXPECT_EQ(fm.horizontalAdvance(QChar(0x2550)), fm.horizontalAdvance('W'));
+}
+
+class PaintCounter : public QObject {
+public:
+    int paints = 0;
+    bool eventFilter(QObject*, QEvent* e) override {
+        if (e->type() == QEvent::Paint) ++paints;
+        return false;
+    }
+};
+
+TEST(OutputView, AFloodOfChunksRepaintsAtMostOncePerFrame) {
+    FormFixture f;
+    f.fake.socket.connected = true;
+    qt::OutputView* t = f.form().outputWindow(kMainWindow);
+    QTest::qWait(50);
+    PaintCounter counter;
+    t->viewport()->installEventFilter(&counter);
+    QElapsedTimer clock;
+    clock.start();
+    // Each chunk is its own socket event, with the event loop running between.
+    for (int i = 0; i < 200; ++i) {
+        f.fake.socket.incoming = "chunk " + std::to_string(i) + "\r\n";
+        f.form().s_DataArrival();
+        QCoreApplication::processEvents();
+    }
+    QTest::qWait(50);
+    const qint64 ms = clock.elapsed();
+    EXPECT_GE(counter.paints, 1);
+    EXPECT_LE(counter.paints, ms / 16 + 2) << ms << " ms";
+    EXPECT_EQ(t->lineText(t->lineCount() - 2), "chunk 199");
+}
+
+}  // namespace
+}  // namespace kelpa::test
