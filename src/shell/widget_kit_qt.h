@@ -39,7 +39,7 @@ std::string toCoreBytes(const QString& text);
 // proportional substitute is never accepted.
 QFont monospaceFont(double pointSize);
 
-// The font of the forms' own controls, at the old toolkit's 8.25 points,
+// The font of the forms' own controls: a narrow sans serif at 8.25 points,
 // so that captions fit the places made for them.
 QFont formFont();
 

@@ -1,0 +1,112 @@
+#!/usr/bin/env bash
+# Starts Kelpa on a virtual X display against the scripted test server,
+# connects, types a command, and takes screenshots at the start size and
+# after enlarging the window. Usage: scripts/screenshots.sh [folder]
+# (default /tmp/kelpa-shots). Needs Xvfb, xdotool and imagemagick.
+set -euo pipefail
+root=$(cd "$(dirname "$0")/.." && pwd)
+out=${1:-/tmp/kelpa-shots}
+bin=${KELPA_BIN:-$root/build/kelpa}
+display=:99
+mkdir -p "$out"
+work=$(mktemp -d)
+pids=()
+
+cleanup() {
+  for ((i = ${#pids[@]} - 1; i >= 0; i--)); do kill "${pids[i]}" 2>/dev/null || true; done
+  wait 2>/dev/null || true
+  rm -rf "$work"
+}
+trap cleanup EXIT
+
+shot() { import -display "$display" -window root "$out/$1.png"; echo "wrote $out/$1.png"; }
+
+Xvfb "$display" -screen 0 1280x800x24 -nolisten tcp >/dev/null 2>&1 &
+pids+=($!)
+export DISPLAY=$display
+for _ in $(seq 50); do xdotool getdisplaygeometry >/dev/null 2>&1 && break; sleep 0.1; done
+
+python3 "$root/scripts/fake_mud.py" --port-file "$work/port" >/dev/null &
+pids+=($!)
+for _ in $(seq 50); do [ -s "$work/port" ] && break; sleep 0.1; done
+port=$(cat "$work/port")
+
+# A program folder of its own, with a site book naming the test server.
+mkdir "$work/app"
+cp "$bin" "$work/app/kelpa"
+printf 'SITE=Test server\r\nSSNA=test\r\nSDNS=127.0.0.1\r\nSDNA=\r\nSDP_=%s\r\nSAP_=0\r\nSTRI=\r\nSDSC=\r\nScripted server\r\n#\r\n' \
+  "$port" >"$work/app/CONN.ZIG"
+(cd "$work/app" && exec ./kelpa) &
+pids+=($!)
+
+wid=$(xdotool search --sync --onlyvisible --name '^Kelpa$' | head -1)
+sleep 1
+shot 01-start
+
+# Connect: the button stands at (240,1200) twips, 1575 by 255.
+xdotool mousemove --window "$wid" 60 88 click 1
+sleep 1.5
+shot 02-connected
+
+# The command line has the focus after connecting; without a window
+# manager the keyboard follows the pointer, so point into the window.
+xdotool mousemove --window "$wid" 400 300
+xdotool type --delay 30 "look around"
+xdotool key Return
+sleep 1
+shot 03-command
+
+xdotool windowmove "$wid" 0 0
+xdotool windowsize "$wid" 1200 760
+sleep 1
+shot 04-enlarged
+
+# Tabs of SSTab1: seven equal tabs from x 136 at the enlarged width.
+tabw=$(((1200 - 136 - 4) / 7))
+xdotool mousemove --window "$wid" $((136 + tabw + tabw / 2)) 20 click 1
+sleep 0.5
+shot 05-system
+xdotool mousemove --window "$wid" $((136 + 6 * tabw + tabw / 2)) 20 click 1
+sleep 0.5
+shot 06-tools
+# The page "Triggers" of the tool tabs, just right of "History".
+toolw=$(((1200 - 136 - 4 - 14) / 3))
+xdotool mousemove --window "$wid" $((144 + toolw + toolw / 2)) 44 click 1
+sleep 0.5
+shot 07-triggers
+xdotool mousemove --window "$wid" $((144 + 2 * toolw + toolw / 2)) 44 click 1
+sleep 0.5
+shot 08-macros
+
+# Back to "Main"; send two lines through the Bulk dialog.
+xdotool mousemove --window "$wid" $((136 + tabw / 2)) 20 click 1
+xdotool mousemove --window "$wid" 1110 740 click 1
+bid=$(xdotool search --sync --onlyvisible --name '^Bulk$' | head -1)
+xdotool mousemove --window "$bid" 200 100
+xdotool type --delay 30 "north"
+xdotool key Return
+xdotool type --delay 30 "south"
+sleep 0.5
+shot 09-bulk
+# Its Send button stands at (7080,5100) twips.
+xdotool mousemove --window "$bid" 512 352 click 1
+sleep 1
+shot 10-after-bulk
+
+# The flags dialog: tick flag 0 (top left), then Escape on it.
+xdotool mousemove --window "$wid" 1165 740 click 1
+fid=$(xdotool search --sync --onlyvisible --name '^Flags$' | head -1)
+xdotool mousemove --window "$fid" 20 20 click 1
+sleep 0.5
+shot 11-flags
+xdotool key Escape
+sleep 0.3
+
+# The debug switch on, then a command whose prompt leaves debug lines.
+xdotool mousemove --window "$wid" $((136 + tabw + tabw / 2)) 20 click 1
+xdotool mousemove --window "$wid" 154 701 click 1
+xdotool mousemove --window "$wid" 400 738 click 1
+xdotool type --delay 30 "score"
+xdotool key Return
+sleep 1
+shot 12-debug
