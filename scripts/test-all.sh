@@ -11,6 +11,6 @@ cmake --build build-core
 ctest --test-dir build-core --output-on-failure
 
 echo "== whole program =="
-cmake -S . -B build -G Ninja
+cmake -S . -B build -G Ninja -DKELPA_SHELL=ON -DKELPA_TESTS=ON
 cmake --build build
 ctest --test-dir build --output-on-failure
