@@ -64,11 +64,15 @@ std::unique_ptr<MainForm> MainForm::createForThisSystem() {
     MainForm* f = form.get();
     f->ownPlatform_ = std::move(platform);
     p.host.attach(f, f->Text1_);
-    connect(&p.socket, &QtSocket::connected, f, &MainForm::s_Connect);
-    connect(&p.socket, &QtSocket::dataArrival, f, &MainForm::s_DataArrival);
-    connect(&p.socket, &QtSocket::closed, f, &MainForm::s_Close);
-    connect(&p.socket, &QtSocket::failed, f, &MainForm::s_Error);
+    f->listenTo(p.socket);
     return form;
+}
+
+void MainForm::listenTo(QtSocket& socket) {
+    connect(&socket, &QtSocket::connected, this, &MainForm::s_Connect);
+    connect(&socket, &QtSocket::dataArrival, this, &MainForm::s_DataArrival);
+    connect(&socket, &QtSocket::closed, this, &MainForm::s_Close);
+    connect(&socket, &QtSocket::failed, this, &MainForm::s_Error);
 }
 
 template <typename F>

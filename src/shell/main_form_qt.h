@@ -28,6 +28,7 @@ namespace kelpa::qt {
 class BulkDialog;
 class FlagsForm;
 class OutputView;
+class QtSocket;
 class TabControl;
 struct QtPlatform;
 
@@ -48,6 +49,9 @@ public:
     OutputView* outputWindow(int win) const { return views_.at(static_cast<std::size_t>(win)); }
     BulkDialog* bulkDialog() const { return bulk_; }
     FlagsForm* flagsForm() const { return flags_; }
+
+    // The socket's events reach the handlers below.
+    void listenTo(QtSocket& socket);
 
     // The socket's events.
     void s_Connect();

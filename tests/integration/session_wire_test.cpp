@@ -1,0 +1,140 @@
+// The whole program over the real Qt socket against a scripted server on
+// the loopback interface: the bytes on the wire, the window and the log.
+#include <gtest/gtest.h>
+
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTest>
+
+#include "shell/main_form_qt.h"
+#include "shell/qt_socket_qt.h"
+#include "support/fakes.h"
+
+namespace kelpa::test {
+namespace {
+
+using namespace std::string_literals;
+
+const std::string kAnswer("\xFF\xFA\x18\x00" "ANSI" "\x00\xFF\xF0", 11);
+
+// Each connection gets the next greeting; what each one sent is kept.
+struct ScriptedServer {
+    explicit ScriptedServer(std::vector<std::string> greetings) : greetings_(std::move(greetings)) {
+        server.listen(QHostAddress::LocalHost);
+        QObject::connect(&server, &QTcpServer::newConnection, [this] {
+            QTcpSocket* c = server.nextPendingConnection();
+            const std::size_t n = received.size();
+            received.emplace_back();
+            current = c;
+            QObject::connect(c, &QTcpSocket::readyRead, [this, c, n] {
+                const QByteArray b = c->readAll();
+                received[n].append(b.constData(), static_cast<std::size_t>(b.size()));
+            });
+            if (n < greetings_.size())
+                c->write(greetings_[n].data(), static_cast<qint64>(greetings_[n].size()));
+        });
+    }
+    std::string port() const { return std::to_string(server.serverPort()); }
+
+    QTcpServer server;
+    std::vector<std::string> received;
+    QTcpSocket* current = nullptr;
+
+private:
+    std::vector<std::string> greetings_;
+};
+
+// The real socket with a clock, a host and a folder of the test's own.
+struct WirePlatform {
+    TempFolder folder;
+    qt::QtSocket socket;
+    FakeClock clock;
+    FakeRandom random;
+    StdFileSystem files{folder.path()};
+    FakeHost host;
+    Platform platform{socket, clock, random, files, host};
+};
+
+void type(QLineEdit* box, const char* line) {
+    QTest::keyClicks(box, QString::fromLatin1(line));
+    QTest::keyClick(box, Qt::Key_Return);
+}
+
+TEST(SessionOnTheWire, BytesWindowAndLogOfTwoConnectionsOnOneDay) {
+    ScriptedServer server({"\xFF\xFD\x18Welcome\r\n", "Again\r\n"});
+    WirePlatform p;
+    p.folder.write("CONN.ZIG", "SITE=Local\r\nSSNA=loc\r\nSDNS=127.0.0.1\r\nSDNA=\r\nSDP_=" + server.port() +
+                                   "\r\nSAP_=0\r\nSTRI=#24#hero#10#secret\r\nSDSC=\r\ntest\r\n#\r\n");
+    qt::MainForm form(p.platform);
+    form.listenTo(p.socket);
+    form.show();
+    auto* connectButton = form.findChild<QPushButton*>("CMD_CONNECT");
+    auto* disconnectButton = form.findChild<QPushButton*>("CMD_DISCONNECT");
+    auto* text1 = form.findChild<QLineEdit*>("Text1");
+    ASSERT_TRUE(connectButton && disconnectButton && text1);
+    ASSERT_EQ(form.client().bar.CurrentSite.ShortName, "loc");
+
+    // First connection: init string, then the terminal type answer to DO 24,
+    // then a typed line with ";;" in it.
+    QTest::mouseClick(connectButton, Qt::LeftButton);
+    const std::string init = "\x18hero\nsecret";
+    QTRY_VERIFY_WITH_TIMEOUT(server.received.size() == 1 && server.received[0].size() >= init.size() + 11, 5000);
+    type(text1, "look;;say hi");
+    QTRY_VERIFY_WITH_TIMEOUT(server.received[0].size() >= init.size() + 11 + 14, 5000);
+    EXPECT_EQ(server.received[0], init + kAnswer + "look\r\nsay hi\r\n");
+    EXPECT_TRUE(text1->text().isEmpty());
+
+    const std::string window0(form.client().windows.text[0].text());
+    EXPECT_NE(window0.find("Welcome"), std::string::npos);
+    EXPECT_EQ(window0.substr(window0.size() - 14), "look\r\nsay hi\r\n");  // the echo
+
+    // The server ends the session: the log is closed and the bar allows a new one.
+    server.current->disconnectFromHost();
+    QTRY_VERIFY_WITH_TIMEOUT(connectButton->isEnabled(), 5000);
+    EXPECT_FALSE(disconnectButton->isEnabled());
+
+    // Second connection on the same day appends to the same file.
+    QTest::mouseClick(connectButton, Qt::LeftButton);
+    QTRY_VERIFY_WITH_TIMEOUT(server.received.size() == 2 && server.received[1] == init, 5000);
+    QTRY_VERIFY_WITH_TIMEOUT(std::string(form.client().windows.text[0].text()).find("Again") != std::string::npos,
+                             5000);
+    type(text1, "quit");
+    QTRY_COMPARE_WITH_TIMEOUT(server.received[1], init + "quit\r\n", 5000);
+    QTest::mouseClick(disconnectButton, Qt::LeftButton);
+
+    // Every print is one line of its own: the answer, each chunk as it came,
+    // each sent text; the init string is never logged.
+    EXPECT_EQ(p.folder.read("logs/loc/H.20261123.txt"),
+              kAnswer + "\r\n" + "\xFF\xFD\x18Welcome\r\n\r\n" + "look\r\nsay hi\r\n\r\n" +
+                  "Again\r\n\r\n" + "quit\r\n\r\n");
+}
+
+TEST(SessionOnTheWire, ANewDayWhileConnectedStartsTheNextFile) {
+    ScriptedServer server({"one\r\n"});
+    WirePlatform p;
+    qt::MainForm form(p.platform);
+    form.listenTo(p.socket);
+    form.show();
+    for (auto [name, text] : {std::pair{"Site", "127.0.0.1"s}, {"PPort", server.port()}}) {
+        auto* box = form.findChild<QLineEdit*>(name);
+        box->selectAll();
+        QTest::keyClicks(box, QString::fromStdString(text));
+    }
+    QTest::mouseClick(form.findChild<QPushButton*>("CMD_CONNECT"), Qt::LeftButton);
+    QTRY_VERIFY_WITH_TIMEOUT(std::string(form.client().windows.text[0].text()).find("one") != std::string::npos, 5000);
+
+    p.clock.day = {2026, 11, 24};
+    form.client().as_timer_Timer();
+    server.current->write("two\r\n");
+    QTRY_VERIFY_WITH_TIMEOUT(std::string(form.client().windows.text[0].text()).find("two") != std::string::npos, 5000);
+
+    // With no site picked the log lies in the logs folder itself.
+    EXPECT_EQ(p.folder.read("logs/H.20261123.txt"), "one\r\n\r\n");
+    EXPECT_EQ(p.folder.read("logs/H.20261124.txt"), "two\r\n\r\n");
+}
+
+}  // namespace
+}  // namespace kelpa::test
