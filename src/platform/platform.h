@@ -72,6 +72,8 @@ public:
                                           const std::string& suffix) const = 0;
     // The full path, for messages and for the shell.
     virtual std::string absolute(const std::string& path) const = 0;
+    // Why the last failed write failed, in words, for a message box.
+    virtual std::string lastError() const { return {}; }
 };
 
 // What the core asks of the window around it.

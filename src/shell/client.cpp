@@ -10,9 +10,11 @@ Client::Client(Platform& p)
       writer(windows, debug, telnet, ansi),
       log(p.files, p.clock, debug),
       sender(p.socket, log, writer, history, debug, p.random, p.host),
-      pipeline(writer, log, noTriggers),
+      commands(sender, debug),
+      triggers(p.files, debug, flags, [this](std::string text) { commands.S_RunCommands(std::move(text)); }),
+      pipeline(writer, log, triggers),
       session(p, bar, log, debug, history, windows, pipeline),
-      commands(sender, debug) {
+      triggerEditor(p.files, [this] { LoadTriggers(); }) {
     telnet.setSender([this](std::string& answer) { sender.S_SendData(answer); });
 }
 
@@ -22,10 +24,17 @@ void Client::Form_Load() {
     pipeline.CleanerText = true;
     windows.resetStates();
     log.LogDate = platform.clock.today();
-    // Trigger files: the tables start empty until the store reads them.
+    LoadTriggers();
     flags.reset();
     platform.random.seed(static_cast<std::uint32_t>(platform.clock.secondsSinceMidnight()));
     bar.reload(platform.files, [this](const std::string& w) { debug.DebugLog(w); });
+    triggerEditor.brefresh2_Click();
+    triggerEditor.btnTRGNew_Click();
+}
+
+void Client::LoadTriggers() {
+    // The variable table is emptied here once the keywords keep one.
+    triggers.LoadTriggers();
 }
 
 void Client::Form_Unload() { platform.socket.close(); }

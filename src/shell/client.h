@@ -18,7 +18,8 @@
 #include "session/telnet.h"
 #include "sites/connection_bar.h"
 #include "triggers/flag_table.h"
-#include "triggers/trigger_passes.h"
+#include "triggers/trigger_editor.h"
+#include "triggers/trigger_store.h"
 
 namespace kelpa {
 
@@ -49,6 +50,9 @@ public:
     void setCleanerText(bool on) { pipeline.CleanerText = on; }
     void setDebugInfo(bool on) { debug.enabled = on; }
 
+    // Both trigger tables read again; the variables are forgotten.
+    void LoadTriggers();
+
     Platform& platform;
     OutputWindows windows;
     DebugChannel debug;
@@ -58,12 +62,13 @@ public:
     HistoryText history;
     SessionLog log;
     Sender sender;
-    EmptyTriggerTables noTriggers;
+    FlagTable flags;
+    CommandRoad commands;
+    TriggerStore triggers;
     LinePipeline pipeline;
     ConnectionBar bar;
     ServerSession session;
-    CommandRoad commands;
-    FlagTable flags;
+    TriggerEditor triggerEditor;
 };
 
 }  // namespace kelpa

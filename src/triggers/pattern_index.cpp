@@ -1,0 +1,208 @@
+#include "triggers/pattern_index.h"
+
+#include <algorithm>
+#include <unordered_map>
+
+namespace kelpa {
+
+namespace {
+
+struct TrieNode {
+    std::vector<std::pair<unsigned char, std::int32_t>> children;  // sorted by byte
+    std::int32_t output = -1;
+};
+
+std::int32_t findChild(const TrieNode& n, unsigned char c) {
+    auto it = std::lower_bound(n.children.begin(), n.children.end(), c,
+                               [](const auto& e, unsigned char b) { return e.first < b; });
+    return it != n.children.end() && it->first == c ? it->second : -1;
+}
+
+}  // namespace
+
+void PatternIndex::build(const TriggerRecords* const (&tables)[kTables], int flagCount) {
+    std::unordered_map<std::string_view, std::int32_t> ids;
+    std::vector<std::string> texts;
+    auto idOf = [&](const std::string& t) {
+        auto [it, added] = ids.try_emplace(t, static_cast<std::int32_t>(texts.size()));
+        if (added) texts.push_back(t);
+        return it->second;
+    };
+
+    std::vector<std::vector<std::int32_t>> groupTexts[kTables];
+    for (int t = 0; t < kTables; ++t) {
+        Table& tb = tables_[t];
+        tb = Table{};
+        const TriggerRecords& table = *tables[t];
+        for (std::size_t i = 0; i < table.size(); ++i) {
+            const TriggerRecord& r = table[i];
+            const auto rec = static_cast<std::int32_t>(i);
+            bool risky = false;
+            for (int g = 1; g <= r.FlagGroupCount; ++g)
+                for (std::int32_t v : r.flagGroup(g).Values) risky = risky || v < 0 || v >= flagCount;
+            if (risky) tb.risky.push_back(rec);
+
+            bool free = r.PatternGroupCount <= 0, freeNeedsText = true;
+            for (int g = 1; g <= r.PatternGroupCount; ++g) {
+                const PatternGroup& group = r.patternGroup(g);
+                std::vector<std::int32_t> distinct;
+                for (const std::string& text : group.Texts)
+                    if (!text.empty()) distinct.push_back(idOf(text));
+                std::sort(distinct.begin(), distinct.end());
+                distinct.erase(std::unique(distinct.begin(), distinct.end()), distinct.end());
+                if (distinct.empty()) {
+                    // Holds without a search: always when empty, on any
+                    // non-empty text when it holds only empty texts.
+                    free = true;
+                    freeNeedsText = freeNeedsText && group.Count() > 0;
+                    continue;
+                }
+                tb.groups.push_back({rec, static_cast<std::int32_t>(distinct.size())});
+                groupTexts[t].push_back(std::move(distinct));
+            }
+            if (r.PatternGroupCount <= 0) freeNeedsText = false;
+            if (free) tb.free.push_back({rec, freeNeedsText});
+        }
+        tb.recordStamp.assign(table.size(), 0);
+        tb.groupStamp.assign(tb.groups.size(), 0);
+        tb.groupHits.assign(tb.groups.size(), 0);
+    }
+
+    for (int t = 0; t < kTables; ++t) {
+        Table& tb = tables_[t];
+        tb.postingBegin.assign(texts.size() + 1, 0);
+        for (const auto& d : groupTexts[t])
+            for (std::int32_t id : d) ++tb.postingBegin[static_cast<std::size_t>(id) + 1];
+        for (std::size_t k = 1; k < tb.postingBegin.size(); ++k) tb.postingBegin[k] += tb.postingBegin[k - 1];
+        tb.postings.assign(tb.postingBegin.back(), 0);
+        std::vector<std::uint32_t> fill(tb.postingBegin.begin(), tb.postingBegin.end() - 1);
+        for (std::size_t g = 0; g < groupTexts[t].size(); ++g)
+            for (std::int32_t id : groupTexts[t][g]) tb.postings[fill[static_cast<std::size_t>(id)]++] = static_cast<std::int32_t>(g);
+    }
+
+    seenStamp_.assign(texts.size(), 0);
+    seenEpoch_ = 0;
+    seen_.clear();
+    buildAutomaton(texts);
+}
+
+void PatternIndex::buildAutomaton(std::vector<std::string>& texts) {
+    std::vector<TrieNode> trie(1);
+    for (std::size_t id = 0; id < texts.size(); ++id) {
+        std::int32_t s = 0;
+        for (char ch : texts[id]) {
+            const auto c = static_cast<unsigned char>(ch);
+            std::int32_t next = findChild(trie[static_cast<std::size_t>(s)], c);
+            if (next < 0) {
+                next = static_cast<std::int32_t>(trie.size());
+                auto& kids = trie[static_cast<std::size_t>(s)].children;
+                kids.insert(std::lower_bound(kids.begin(), kids.end(), c,
+                                             [](const auto& e, unsigned char b) { return e.first < b; }),
+                            {c, next});
+                trie.emplace_back();
+            }
+            s = next;
+        }
+        trie[static_cast<std::size_t>(s)].output = static_cast<std::int32_t>(id);
+    }
+
+    nodes_.assign(trie.size(), Node{});
+    edgeByte_.clear();
+    edgeTarget_.clear();
+    for (std::size_t n = 0; n < trie.size(); ++n) {
+        nodes_[n].output = trie[n].output;
+        nodes_[n].edgeBegin = static_cast<std::uint32_t>(edgeByte_.size());
+        nodes_[n].edgeCount = static_cast<std::uint32_t>(trie[n].children.size());
+        for (auto [c, next] : trie[n].children) {
+            edgeByte_.push_back(c);
+            edgeTarget_.push_back(next);
+        }
+    }
+    for (int c = 0; c < 256; ++c) root_[c] = 0;
+    for (auto [c, next] : trie[0].children) root_[c] = next;
+
+    // Fail links in breadth-first order, so a state's fail target is done
+    // before the state itself.
+    std::vector<std::int32_t> queue;
+    for (auto [c, next] : trie[0].children) queue.push_back(next);
+    for (std::size_t q = 0; q < queue.size(); ++q) {
+        const std::int32_t u = queue[q];
+        for (auto [c, v] : trie[static_cast<std::size_t>(u)].children) {
+            Node& nv = nodes_[static_cast<std::size_t>(v)];
+            nv.fail = step(nodes_[static_cast<std::size_t>(u)].fail, c);
+            const Node& f = nodes_[static_cast<std::size_t>(nv.fail)];
+            nv.nextOut = f.output >= 0 ? nv.fail : f.nextOut;
+            queue.push_back(v);
+        }
+    }
+}
+
+std::int32_t PatternIndex::step(std::int32_t s, unsigned char c) const {
+    while (s != 0) {
+        const Node& n = nodes_[static_cast<std::size_t>(s)];
+        const unsigned char* b = edgeByte_.data() + n.edgeBegin;
+        const unsigned char* e = b + n.edgeCount;
+        const unsigned char* it = n.edgeCount <= 8 ? std::find(b, e, c) : std::lower_bound(b, e, c);
+        if (it != e && *it == c) return edgeTarget_[n.edgeBegin + static_cast<std::size_t>(it - b)];
+        s = n.fail;
+    }
+    return root_[c];
+}
+
+void PatternIndex::scan(std::string_view text) {
+    seen_.clear();
+    if (++seenEpoch_ == 0) {
+        std::fill(seenStamp_.begin(), seenStamp_.end(), 0);
+        seenEpoch_ = 1;
+    }
+    if (nodes_.size() <= 1) return;
+    std::int32_t s = 0;
+    for (char ch : text) {
+        s = step(s, static_cast<unsigned char>(ch));
+        const Node& n = nodes_[static_cast<std::size_t>(s)];
+        for (std::int32_t o = n.output >= 0 ? s : n.nextOut; o >= 0; o = nodes_[static_cast<std::size_t>(o)].nextOut) {
+            const auto id = static_cast<std::size_t>(nodes_[static_cast<std::size_t>(o)].output);
+            if (seenStamp_[id] == seenEpoch_) continue;
+            seenStamp_[id] = seenEpoch_;
+            seen_.push_back(static_cast<std::int32_t>(id));
+        }
+    }
+}
+
+void PatternIndex::candidates(int t, std::string_view text, std::vector<Candidate>& out) {
+    out.clear();
+    Table& tb = tables_[t];
+    if (++tb.epoch == 0) {
+        std::fill(tb.groupStamp.begin(), tb.groupStamp.end(), 0);
+        std::fill(tb.recordStamp.begin(), tb.recordStamp.end(), 0);
+        tb.epoch = 1;
+    }
+    const std::uint32_t epoch = tb.epoch;
+    auto take = [&](std::int32_t rec, bool holds) {
+        std::uint32_t& stamp = tb.recordStamp[static_cast<std::size_t>(rec)];
+        if (stamp == epoch) return;
+        stamp = epoch;
+        out.push_back({rec, holds});
+    };
+    if (!text.empty() && !tb.groups.empty()) {
+        scan(text);
+        for (std::int32_t id : seen_) {
+            const std::uint32_t end = tb.postingBegin[static_cast<std::size_t>(id) + 1];
+            for (std::uint32_t p = tb.postingBegin[static_cast<std::size_t>(id)]; p < end; ++p) {
+                const auto g = static_cast<std::size_t>(tb.postings[p]);
+                if (tb.groupStamp[g] != epoch) {
+                    tb.groupStamp[g] = epoch;
+                    tb.groupHits[g] = 0;
+                }
+                if (++tb.groupHits[g] == tb.groups[g].need) take(tb.groups[g].record, true);
+            }
+        }
+    }
+    for (const FreeRecord& f : tb.free)
+        if (!f.needsText || !text.empty()) take(f.record, true);
+    for (std::int32_t rec : tb.risky) take(rec, false);
+    if (out.size() > 1)
+        std::sort(out.begin(), out.end(), [](const Candidate& a, const Candidate& b) { return a.record < b.record; });
+}
+
+}  // namespace kelpa
