@@ -13,6 +13,10 @@ void TriggerStore::LoadTriggers() {
     TriggerTable.clear();
     LoadTriggerDir(TriggerTable, std::string("/") + kNormalFolder);
     LoadTriggerDir(GlobalTriggerTable, std::string("/") + kGlobalFolder);
+    indexTables();
+}
+
+void TriggerStore::indexTables() {
     const TriggerRecords* tables[PatternIndex::kTables] = {&TriggerTable, &GlobalTriggerTable};
     index_.build(tables, FlagTable::kCount);
 }

@@ -42,6 +42,9 @@ public:
     void LoadTriggers();
     // Appends the records of one folder ("/triggers" or "/gtriggers").
     void LoadTriggerDir(TriggerRecords& table, const std::string& directoryName);
+    // Builds the pattern index over both tables as they stand; LoadTriggers
+    // calls it, and so may whoever fills the tables by hand.
+    void indexTables();
 
     void T_Match(TableId table, std::string_view text);
 
