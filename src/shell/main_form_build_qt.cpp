@@ -92,7 +92,8 @@ void MainForm::buildToolsPage(QWidget* page) {
     QWidget* history = ToolsTabs_->addPage(QStringLiteral("History"));
     makeView(kHistView, history);
     buildHistoryPage(history);
-    buildTriggerPage(ToolsTabs_->addPage(QStringLiteral("Triggers")));
+    triggerPage_ = new TriggerPage(ToolsTabs_->addPage(QStringLiteral("Triggers")), client_.triggerEditor,
+                                   [this](const char* handler, const std::function<void()>& f) { guarded(handler, f); });
     buildMacroPage(ToolsTabs_->addPage(QStringLiteral("Macros")));
 }
 

@@ -18,6 +18,7 @@
 #include "shell/tab_control_qt.h"
 #include "shell/widget_kit_qt.h"
 #include "triggers/flags_form_qt.h"
+#include "triggers/trigger_page_qt.h"
 
 namespace kelpa::qt {
 
@@ -89,6 +90,9 @@ void MainForm::guarded(const char* handler, F&& f) {
     scheduleRefresh();
 }
 
+// The pages built in main_form_build_qt.cpp hand their handlers in this form.
+template void MainForm::guarded<const std::function<void()>&>(const char*, const std::function<void()>&);
+
 void MainForm::scheduleRefresh() {
     if (!refresh_.isActive()) refresh_.start();
 }
@@ -98,6 +102,7 @@ void MainForm::syncFromCore() {
     for (OutputView* v : views_) v->sync();
     syncConnectionBar();
     flags_->sync();
+    triggerPage_->sync();
     for (auto [box, on] : {std::pair{IG_, client_.windows.Graphics}, {CT_, client_.pipeline.CleanerText},
                            {DebugInfo_, client_.debug.enabled}}) {
         const QSignalBlocker block(box);

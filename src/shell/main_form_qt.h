@@ -29,6 +29,7 @@ class BulkDialog;
 class FlagsForm;
 class OutputView;
 class TabControl;
+class TriggerPage;
 struct QtPlatform;
 
 class MainForm : public QWidget {
@@ -48,6 +49,7 @@ public:
     OutputView* outputWindow(int win) const { return views_.at(static_cast<std::size_t>(win)); }
     BulkDialog* bulkDialog() const { return bulk_; }
     FlagsForm* flagsForm() const { return flags_; }
+    TriggerPage* triggerPage() const { return triggerPage_; }
 
     // The socket's events.
     void s_Connect();
@@ -115,6 +117,7 @@ private:
     std::array<OutputView*, kWindowCount> views_{};
     BulkDialog* bulk_ = nullptr;
     FlagsForm* flags_ = nullptr;
+    TriggerPage* triggerPage_ = nullptr;
 
     std::vector<std::string> shownSites_;
 };
