@@ -20,7 +20,7 @@ std::int32_t findChild(const TrieNode& n, unsigned char c) {
 
 }  // namespace
 
-void PatternIndex::build(const TriggerRecords* const (&tables)[kTables], int flagCount) {
+void PatternIndex::build(const TriggerRecords* const (&tables)[kTables], int flagCount, std::size_t denseBudget) {
     std::unordered_map<std::string_view, std::int32_t> ids;
     std::vector<std::string> texts;
     auto idOf = [&](const std::string& t) {
@@ -83,15 +83,17 @@ void PatternIndex::build(const TriggerRecords* const (&tables)[kTables], int fla
     seenStamp_.assign(texts.size(), 0);
     seenEpoch_ = 0;
     seen_.clear();
-    buildAutomaton(texts);
+    buildAutomaton(texts, denseBudget);
 }
 
-void PatternIndex::buildAutomaton(std::vector<std::string>& texts) {
+void PatternIndex::buildAutomaton(std::vector<std::string>& texts, std::size_t denseBudget) {
     std::vector<TrieNode> trie(1);
+    bool used[256] = {};
     for (std::size_t id = 0; id < texts.size(); ++id) {
         std::int32_t s = 0;
         for (char ch : texts[id]) {
             const auto c = static_cast<unsigned char>(ch);
+            used[c] = true;
             std::int32_t next = findChild(trie[static_cast<std::size_t>(s)], c);
             if (next < 0) {
                 next = static_cast<std::int32_t>(trie.size());
@@ -106,47 +108,77 @@ void PatternIndex::buildAutomaton(std::vector<std::string>& texts) {
         trie[static_cast<std::size_t>(s)].output = static_cast<std::int32_t>(id);
     }
 
+    // Bytes that stand in no pattern share class 0.
+    classes_ = 1;
+    for (int c = 0; c < 256; ++c) classOf_[c] = used[c] ? static_cast<std::uint8_t>(classes_++) : 0;
+
+    // Breadth-first numbering: a state's fail target gets a lower number.
+    std::vector<std::int32_t> order{0}, number(trie.size(), 0);
+    for (std::size_t q = 0; q < order.size(); ++q)
+        for (auto [c, v] : trie[static_cast<std::size_t>(order[q])].children) {
+            number[static_cast<std::size_t>(v)] = static_cast<std::int32_t>(order.size());
+            order.push_back(v);
+        }
     nodes_.assign(trie.size(), Node{});
     edgeByte_.clear();
     edgeTarget_.clear();
-    for (std::size_t n = 0; n < trie.size(); ++n) {
-        nodes_[n].output = trie[n].output;
+    for (std::size_t n = 0; n < order.size(); ++n) {
+        const TrieNode& t = trie[static_cast<std::size_t>(order[n])];
+        nodes_[n].output = t.output;
         nodes_[n].edgeBegin = static_cast<std::uint32_t>(edgeByte_.size());
-        nodes_[n].edgeCount = static_cast<std::uint32_t>(trie[n].children.size());
-        for (auto [c, next] : trie[n].children) {
+        nodes_[n].edgeCount = static_cast<std::uint32_t>(t.children.size());
+        for (auto [c, v] : t.children) {
             edgeByte_.push_back(c);
-            edgeTarget_.push_back(next);
+            edgeTarget_.push_back(number[static_cast<std::size_t>(v)]);
         }
     }
-    for (int c = 0; c < 256; ++c) root_[c] = 0;
-    for (auto [c, next] : trie[0].children) root_[c] = next;
 
-    // Fail links in breadth-first order, so a state's fail target is done
-    // before the state itself.
-    std::vector<std::int32_t> queue;
-    for (auto [c, next] : trie[0].children) queue.push_back(next);
-    for (std::size_t q = 0; q < queue.size(); ++q) {
-        const std::int32_t u = queue[q];
-        for (auto [c, v] : trie[static_cast<std::size_t>(u)].children) {
-            Node& nv = nodes_[static_cast<std::size_t>(v)];
-            nv.fail = step(nodes_[static_cast<std::size_t>(u)].fail, c);
+    denseStates_ = std::min(nodes_.size(), std::max<std::size_t>(1, denseBudget / classes_));
+    dense_.assign(denseStates_ * classes_, 0);
+    firstOut_.assign(nodes_.size(), -1);
+    for (std::size_t u = 0; u < nodes_.size(); ++u) {
+        // Rows are copied from the fail target's finished row, then the
+        // state's own edges are written over it (below).
+        Node& nu = nodes_[u];
+        if (u < denseStates_) {
+            std::int32_t* row = &dense_[u * classes_];
+            if (u != 0) {
+                const std::int32_t* failRow = &dense_[static_cast<std::size_t>(nu.fail) * classes_];
+                std::copy(failRow, failRow + classes_, row);
+            }
+        }
+        // Children get their fail links and output chains before any row
+        // points at them: they are numbered after u.
+        for (std::uint32_t e = 0; e < nu.edgeCount; ++e) {
+            const auto v = static_cast<std::size_t>(edgeTarget_[nu.edgeBegin + e]);
+            Node& nv = nodes_[v];
+            nv.fail = u == 0 ? 0 : step(nu.fail, edgeByte_[nu.edgeBegin + e]) & kStateMask;
             const Node& f = nodes_[static_cast<std::size_t>(nv.fail)];
             nv.nextOut = f.output >= 0 ? nv.fail : f.nextOut;
-            queue.push_back(v);
+            firstOut_[v] = nv.output >= 0 ? static_cast<std::int32_t>(v) : nv.nextOut;
+        }
+        if (u < denseStates_) {
+            std::int32_t* row = &dense_[u * classes_];
+            for (std::uint32_t e = 0; e < nu.edgeCount; ++e)
+                row[classOf_[edgeByte_[nu.edgeBegin + e]]] = marked(edgeTarget_[nu.edgeBegin + e]);
         }
     }
 }
 
+std::int32_t PatternIndex::marked(std::int32_t state) const {
+    return firstOut_[static_cast<std::size_t>(state)] >= 0 ? (state | kHasOutput) : state;
+}
+
 std::int32_t PatternIndex::step(std::int32_t s, unsigned char c) const {
-    while (s != 0) {
+    while (static_cast<std::size_t>(s) >= denseStates_) {
         const Node& n = nodes_[static_cast<std::size_t>(s)];
         const unsigned char* b = edgeByte_.data() + n.edgeBegin;
         const unsigned char* e = b + n.edgeCount;
         const unsigned char* it = n.edgeCount <= 8 ? std::find(b, e, c) : std::lower_bound(b, e, c);
-        if (it != e && *it == c) return edgeTarget_[n.edgeBegin + static_cast<std::size_t>(it - b)];
+        if (it != e && *it == c) return marked(edgeTarget_[n.edgeBegin + static_cast<std::size_t>(it - b)]);
         s = n.fail;
     }
-    return root_[c];
+    return dense_[static_cast<std::size_t>(s) * classes_ + classOf_[c]];
 }
 
 void PatternIndex::scan(std::string_view text) {
@@ -156,11 +188,19 @@ void PatternIndex::scan(std::string_view text) {
         seenEpoch_ = 1;
     }
     if (nodes_.size() <= 1) return;
+    const std::int32_t* dense = dense_.data();
+    const std::size_t classes = classes_, denseStates = denseStates_;
     std::int32_t s = 0;
     for (char ch : text) {
-        s = step(s, static_cast<unsigned char>(ch));
-        const Node& n = nodes_[static_cast<std::size_t>(s)];
-        for (std::int32_t o = n.output >= 0 ? s : n.nextOut; o >= 0; o = nodes_[static_cast<std::size_t>(o)].nextOut) {
+        const auto c = static_cast<unsigned char>(ch);
+        std::int32_t next = static_cast<std::size_t>(s) < denseStates
+                                ? dense[static_cast<std::size_t>(s) * classes + classOf_[c]]
+                                : step(s, c);
+        // Dense entries carry a mark when an output chain starts there.
+        s = next & kStateMask;
+        if (next == s) continue;
+        for (std::int32_t o = firstOut_[static_cast<std::size_t>(s)]; o >= 0;
+             o = nodes_[static_cast<std::size_t>(o)].nextOut) {
             const auto id = static_cast<std::size_t>(nodes_[static_cast<std::size_t>(o)].output);
             if (seenStamp_[id] == seenEpoch_) continue;
             seenStamp_[id] = seenEpoch_;

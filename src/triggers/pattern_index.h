@@ -25,14 +25,17 @@ namespace kelpa {
 class PatternIndex {
 public:
     static constexpr int kTables = 2;
+    static constexpr std::size_t kDenseBudget = std::size_t{4} << 20;
 
     struct Candidate {
         std::int32_t record;
         bool patternsHold;
     };
 
-    // Built once per load, over both tables.
-    void build(const TriggerRecords* const (&tables)[kTables], int flagCount);
+    // Built once per load, over both tables. `denseBudget` bounds the
+    // table of full rows, in entries; tests make it small to walk the rest.
+    void build(const TriggerRecords* const (&tables)[kTables], int flagCount,
+               std::size_t denseBudget = kDenseBudget);
 
     // The candidates of table `t` for `text`, in table order, into `out`.
     // The index's own scratch state is free again when this returns, so a
@@ -70,14 +73,26 @@ private:
         std::uint32_t epoch = 0;
     };
 
-    void buildAutomaton(std::vector<std::string>& texts);
+    void buildAutomaton(std::vector<std::string>& texts, std::size_t denseBudget);
+    // The next state, marked with kHasOutput when an output chain starts.
     std::int32_t step(std::int32_t s, unsigned char c) const;
+    std::int32_t marked(std::int32_t state) const;
+    static constexpr std::int32_t kHasOutput = 0x40000000;
+    static constexpr std::int32_t kStateMask = kHasOutput - 1;
     void scan(std::string_view text);
 
+    // States are numbered breadth first. The first `denseStates_` have a
+    // full row of next states over the byte classes, so that the common
+    // case is one lookup per byte; deeper states, if the rows would grow
+    // too large, follow their fail links down to a dense one.
     std::vector<Node> nodes_;
+    std::vector<std::int32_t> firstOut_;  // per state: the first state of its output chain
     std::vector<unsigned char> edgeByte_;
     std::vector<std::int32_t> edgeTarget_;
-    std::int32_t root_[256] = {};
+    std::uint8_t classOf_[256] = {};
+    std::size_t classes_ = 1;
+    std::size_t denseStates_ = 0;
+    std::vector<std::int32_t> dense_;
     std::vector<std::uint32_t> seenStamp_;
     std::uint32_t seenEpoch_ = 0;
     std::vector<std::int32_t> seen_;

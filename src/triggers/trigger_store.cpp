@@ -16,9 +16,9 @@ void TriggerStore::LoadTriggers() {
     indexTables();
 }
 
-void TriggerStore::indexTables() {
+void TriggerStore::indexTables(std::size_t denseBudget) {
     const TriggerRecords* tables[PatternIndex::kTables] = {&TriggerTable, &GlobalTriggerTable};
-    index_.build(tables, FlagTable::kCount);
+    index_.build(tables, FlagTable::kCount, denseBudget);
 }
 
 void TriggerStore::LoadTriggerDir(TriggerRecords& table, const std::string& directoryName) {

@@ -44,7 +44,7 @@ public:
     void LoadTriggerDir(TriggerRecords& table, const std::string& directoryName);
     // Builds the pattern index over both tables as they stand; LoadTriggers
     // calls it, and so may whoever fills the tables by hand.
-    void indexTables();
+    void indexTables(std::size_t denseBudget = PatternIndex::kDenseBudget);
 
     void T_Match(TableId table, std::string_view text);
 
