@@ -12,8 +12,18 @@ Client::Client(Platform& p)
       sender(p.socket, log, writer, history, debug, p.random, p.host),
       pipeline(writer, log, noTriggers),
       session(p, bar, log, debug, history, windows, pipeline),
-      commands(sender, debug) {
+      commands(sender, debug),
+      variables(debug, p.clock),
+      keywords({variables, flags, windows, writer, debug, pipeline, sender, p.host, commands}),
+      macros(variables, p.files, debug, commands, keywords.OverrideDir),
+      macroEditor(p.files, p.host, keywords.OverrideDir) {
     telnet.setSender([this](std::string& answer) { sender.S_SendData(answer); });
+    commands.setExpander([this](const std::string& s) { return variables.S_ExpandVars(s); });
+    commands.setMacroRunner([this](const std::string& line) {
+        std::string l = line;
+        macros.S_RunMacro(l);
+    });
+    commands.setKeywordRunner([this](const std::string& line) { keywords.S_RunKeyword(line); });
 }
 
 void Client::Form_Load() {
@@ -26,6 +36,8 @@ void Client::Form_Load() {
     flags.reset();
     platform.random.seed(static_cast<std::uint32_t>(platform.clock.secondsSinceMidnight()));
     bar.reload(platform.files, [this](const std::string& w) { debug.DebugLog(w); });
+    macroEditor.brefresh3_Click();
+    macroEditor.BTNMacrosNew_Click();
 }
 
 void Client::Form_Unload() { platform.socket.close(); }

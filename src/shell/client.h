@@ -5,6 +5,10 @@
 #include <string>
 
 #include "command/command_road.h"
+#include "command/keyword_interpreter.h"
+#include "command/macro_editor.h"
+#include "command/macro_runner.h"
+#include "command/variables.h"
 #include "command/sender.h"
 #include "history/history_text.h"
 #include "history/session_log.h"
@@ -64,6 +68,10 @@ public:
     ServerSession session;
     CommandRoad commands;
     FlagTable flags;
+    VariableTable variables;
+    KeywordInterpreter keywords;
+    MacroRunner macros;
+    MacroEditor macroEditor;
 };
 
 }  // namespace kelpa
