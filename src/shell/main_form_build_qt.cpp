@@ -93,7 +93,11 @@ void MainForm::buildToolsPage(QWidget* page) {
     makeView(kHistView, history);
     buildHistoryPage(history);
     buildTriggerPage(ToolsTabs_->addPage(QStringLiteral("Triggers")));
-    buildMacroPage(ToolsTabs_->addPage(QStringLiteral("Macros")));
+    macroPage_ = new MacroPage(client_.macroEditor,
+                               [this](const char* handler, const std::function<void()>& call) {
+                                   guardedCall(handler, call);
+                               },
+                               ToolsTabs_->addPage(QStringLiteral("Macros")));
 }
 
 OutputView* MainForm::makeView(int win, QWidget* parent) {

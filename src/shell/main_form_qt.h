@@ -8,6 +8,8 @@
 #include <QWidget>
 
 #include <array>
+#include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -27,6 +29,7 @@ namespace kelpa::qt {
 
 class BulkDialog;
 class FlagsForm;
+class MacroPage;
 class OutputView;
 class TabControl;
 struct QtPlatform;
@@ -48,6 +51,8 @@ public:
     OutputView* outputWindow(int win) const { return views_.at(static_cast<std::size_t>(win)); }
     BulkDialog* bulkDialog() const { return bulk_; }
     FlagsForm* flagsForm() const { return flags_; }
+    MacroPage* macroPage() const { return macroPage_; }
+    TabControl* tabs() const { return SSTab1_; }
 
     // The socket's events.
     void s_Connect();
@@ -65,6 +70,7 @@ private:
     // debug channel and never ends the program.
     template <typename F>
     void guarded(const char* handler, F&& f);
+    void guardedCall(const char* handler, const std::function<void()>& call);
     void scheduleRefresh();
     void terminate();
 
@@ -115,6 +121,8 @@ private:
     std::array<OutputView*, kWindowCount> views_{};
     BulkDialog* bulk_ = nullptr;
     FlagsForm* flags_ = nullptr;
+    MacroPage* macroPage_ = nullptr;
+    std::uint64_t shownTabCaptions_ = 0;
 
     std::vector<std::string> shownSites_;
 };

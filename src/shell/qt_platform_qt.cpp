@@ -45,7 +45,8 @@ void QtHost::focusCommandLine() {
 void QtHost::endProgramNow() { std::_Exit(0); }
 
 void QtHost::messageBox(const std::string& text) {
-    QMessageBox::information(window_, QStringLiteral("Kelpa"), toQString(text), QMessageBox::Ok);
+    QMessageBox box(QMessageBox::NoIcon, QStringLiteral("Kelpa"), toQString(text), QMessageBox::Ok, window_);
+    box.exec();
 }
 
 bool QtHost::askYesNo(const std::string& text, const std::string& title) {
