@@ -4,7 +4,25 @@
 
 namespace kelpa {
 
+namespace {
+
+struct Nesting {
+    explicit Nesting(int& depth) : depth_(depth) { ++depth_; }
+    ~Nesting() { --depth_; }
+    int& depth_;
+};
+
+}  // namespace
+
 void CommandRoad::S_RunCommands(std::string text) {
+    if (depth_ >= kNestingLimit) {
+        const std::string trimmed = trimBlanks(text);
+        if (trimmed.empty()) return;
+        debug_.DebugLog("Commands nested more than " + decimal(kNestingLimit) +
+                        " deep, not run: " + trimmed.substr(0, trimmed.find("\r\n")));
+        return;
+    }
+    const Nesting nesting(depth_);
     // A loop in place of one level of recursion per line. Trimming the rest
     // at each turn only ever removes blanks at its front: its end is the
     // end of the text, trimmed once.

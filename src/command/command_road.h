@@ -14,6 +14,9 @@ class CommandRoad {
 public:
     using LineHandler = std::function<void(const std::string&)>;
     using Expander = std::function<std::string(const std::string&)>;
+    // Macros, then-parts and trigger actions nest command texts; a circle
+    // among them ends at this depth with a debug line.
+    static constexpr int kNestingLimit = 64;
 
     CommandRoad(Sender& sender, DebugChannel& debug) : sender_(sender), debug_(debug) {}
 
@@ -36,6 +39,7 @@ private:
     LineHandler runMacro_;
     LineHandler runKeyword_;
     Expander expand_;
+    int depth_ = 0;
 };
 
 }  // namespace kelpa

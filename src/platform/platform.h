@@ -85,6 +85,11 @@ public:
     virtual void focusCommandLine() = 0;
     // The queue's "###": ends the process at once, with no unload step.
     virtual void endProgramNow() = 0;
+    // A modal box with the text, one OK button and the program's title;
+    // returns when the user has closed it.
+    virtual void messageBox(const std::string& text) = 0;
+    // A modal question with the buttons Yes and No; true for Yes.
+    virtual bool askYesNo(const std::string& text, const std::string& title) = 0;
     virtual long long instanceHandle() const = 0;
     virtual bool previousInstance() const = 0;
 };

@@ -14,8 +14,18 @@ Client::Client(Platform& p)
       triggers(p.files, debug, flags, [this](std::string text) { commands.S_RunCommands(std::move(text)); }),
       pipeline(writer, log, triggers),
       session(p, bar, log, debug, history, windows, pipeline),
+      variables(debug, p.clock),
+      keywords({variables, flags, windows, writer, debug, pipeline, sender, p.host, commands}),
+      macros(variables, p.files, debug, commands, keywords.OverrideDir),
+      macroEditor(p.files, p.host, keywords.OverrideDir),
       triggerEditor(p.files, [this] { LoadTriggers(); }) {
     telnet.setSender([this](std::string& answer) { sender.S_SendData(answer); });
+    commands.setExpander([this](const std::string& s) { return variables.S_ExpandVars(s); });
+    commands.setMacroRunner([this](const std::string& line) {
+        std::string l = line;
+        macros.S_RunMacro(l);
+    });
+    commands.setKeywordRunner([this](const std::string& line) { keywords.S_RunKeyword(line); });
 }
 
 void Client::Form_Load() {
@@ -29,11 +39,13 @@ void Client::Form_Load() {
     platform.random.seed(static_cast<std::uint32_t>(platform.clock.secondsSinceMidnight()));
     bar.reload(platform.files, [this](const std::string& w) { debug.DebugLog(w); });
     triggerEditor.brefresh2_Click();
+    macroEditor.brefresh3_Click();
     triggerEditor.btnTRGNew_Click();
+    macroEditor.BTNMacrosNew_Click();
 }
 
 void Client::LoadTriggers() {
-    // The variable table is emptied here once the keywords keep one.
+    variables.clear();
     triggers.LoadTriggers();
 }
 

@@ -5,6 +5,10 @@
 #include <string>
 
 #include "command/command_road.h"
+#include "command/keyword_interpreter.h"
+#include "command/macro_editor.h"
+#include "command/macro_runner.h"
+#include "command/variables.h"
 #include "command/sender.h"
 #include "history/history_text.h"
 #include "history/session_log.h"
@@ -68,6 +72,10 @@ public:
     LinePipeline pipeline;
     ConnectionBar bar;
     ServerSession session;
+    VariableTable variables;
+    KeywordInterpreter keywords;
+    MacroRunner macros;
+    MacroEditor macroEditor;
     TriggerEditor triggerEditor;
 };
 

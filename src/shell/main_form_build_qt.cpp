@@ -93,8 +93,14 @@ void MainForm::buildToolsPage(QWidget* page) {
     makeView(kHistView, history);
     buildHistoryPage(history);
     triggerPage_ = new TriggerPage(ToolsTabs_->addPage(QStringLiteral("Triggers")), client_.triggerEditor,
-                                   [this](const char* handler, const std::function<void()>& f) { guarded(handler, f); });
-    buildMacroPage(ToolsTabs_->addPage(QStringLiteral("Macros")));
+                                   [this](const char* handler, const std::function<void()>& call) {
+                                       guardedCall(handler, call);
+                                   });
+    macroPage_ = new MacroPage(client_.macroEditor,
+                               [this](const char* handler, const std::function<void()>& call) {
+                                   guardedCall(handler, call);
+                               },
+                               ToolsTabs_->addPage(QStringLiteral("Macros")));
 }
 
 OutputView* MainForm::makeView(int win, QWidget* parent) {

@@ -13,6 +13,7 @@
 #include <exception>
 
 #include "command/bulk_dialog_qt.h"
+#include "command/macro_page_qt.h"
 #include "output/output_view_qt.h"
 #include "shell/qt_platform_qt.h"
 #include "shell/tab_control_qt.h"
@@ -90,8 +91,7 @@ void MainForm::guarded(const char* handler, F&& f) {
     scheduleRefresh();
 }
 
-// The pages built in main_form_build_qt.cpp hand their handlers in this form.
-template void MainForm::guarded<const std::function<void()>&>(const char*, const std::function<void()>&);
+void MainForm::guardedCall(const char* handler, const std::function<void()>& call) { guarded(handler, call); }
 
 void MainForm::scheduleRefresh() {
     if (!refresh_.isActive()) refresh_.start();
@@ -103,6 +103,14 @@ void MainForm::syncFromCore() {
     syncConnectionBar();
     flags_->sync();
     triggerPage_->sync();
+    macroPage_->sync();
+    // The captions of the custom tabs are the labels that LABELWINDOW gives.
+    const TabCaptions& tabs = client_.keywords.tabs;
+    if (tabs.revision != shownTabCaptions_) {
+        shownTabCaptions_ = tabs.revision;
+        for (int i = 0; i < TabCaptions::kCount; ++i)
+            SSTab1_->setTabCaption(i, toQString(tabs.caption[static_cast<std::size_t>(i)]));
+    }
     for (auto [box, on] : {std::pair{IG_, client_.windows.Graphics}, {CT_, client_.pipeline.CleanerText},
                            {DebugInfo_, client_.debug.enabled}}) {
         const QSignalBlocker block(box);

@@ -8,6 +8,8 @@
 #include <QWidget>
 
 #include <array>
+#include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -27,6 +29,7 @@ namespace kelpa::qt {
 
 class BulkDialog;
 class FlagsForm;
+class MacroPage;
 class OutputView;
 class TabControl;
 class TriggerPage;
@@ -50,6 +53,8 @@ public:
     BulkDialog* bulkDialog() const { return bulk_; }
     FlagsForm* flagsForm() const { return flags_; }
     TriggerPage* triggerPage() const { return triggerPage_; }
+    MacroPage* macroPage() const { return macroPage_; }
+    TabControl* tabs() const { return SSTab1_; }
 
     // The socket's events.
     void s_Connect();
@@ -67,6 +72,7 @@ private:
     // debug channel and never ends the program.
     template <typename F>
     void guarded(const char* handler, F&& f);
+    void guardedCall(const char* handler, const std::function<void()>& call);
     void scheduleRefresh();
     void terminate();
 
@@ -118,6 +124,8 @@ private:
     BulkDialog* bulk_ = nullptr;
     FlagsForm* flags_ = nullptr;
     TriggerPage* triggerPage_ = nullptr;
+    MacroPage* macroPage_ = nullptr;
+    std::uint64_t shownTabCaptions_ = 0;
 
     std::vector<std::string> shownSites_;
 };
