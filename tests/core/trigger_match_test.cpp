@@ -37,10 +37,10 @@ TEST(TriggerMatch, GroupsAndFlagsDecideWhichRecordsFireInTableOrder) {
 TEST(TriggerMatch, ActionsSetFlagsForTheRecordsBehindThemAndTheLinesThatFollow) {
     TriggerFixture t;
     t.trigger("a.trigger", "flag1=7\r\npattern1=x\r\naction=seven");
-    t.trigger("b.trigger", "pattern1=x\r\naction=#SET 7");
+    t.trigger("b.trigger", "pattern1=x\r\naction=#SF 7 1");
     t.trigger("b2.trigger", "flag1=7\r\npattern1=x\r\naction=seen");
-    t.trigger("c.trigger", "flag1=7\r\npattern1=x\r\naction=#CLR 7\r\npattern1=x\r\naction=behind");
-    t.trigger("g.trigger", "pattern1=go\r\naction=#SET 7", true);
+    t.trigger("c.trigger", "flag1=7\r\npattern1=x\r\naction=#SF 7 0\r\npattern1=x\r\naction=behind");
+    t.trigger("g.trigger", "pattern1=go\r\naction=#SF 7 1", true);
     t.c.LoadTriggers();
     t.receive("x\r\nx");
     // Each line: a misses, b sets 7 for b2, c's first part clears it again
@@ -87,7 +87,7 @@ TEST(TriggerMatch, InjectedTextNestsAndTheDepthGuardEndsRunawayLoops) {
     TriggerFixture t;
     t.openLog();
     t.trigger("a.trigger", "pattern1=ping\r\naction=#INJECT pong");
-    t.trigger("b.trigger", "pattern1=pong\r\naction=got $*");
+    t.trigger("b.trigger", "pattern1=PONG\r\naction=got $*");
     t.trigger("c.trigger", "pattern1=ping\r\naction=after");
     // A chain exactly as deep as the guard allows ends by itself.
     for (int i = 1; i < kMaxTriggerNesting; ++i)
@@ -95,24 +95,26 @@ TEST(TriggerMatch, InjectedTextNestsAndTheDepthGuardEndsRunawayLoops) {
                   "pattern1=<" + std::to_string(i) + ">\r\naction=#INJECT <" + std::to_string(i + 1) + ">");
     t.trigger("s" + std::to_string(1000 + kMaxTriggerNesting) + ".trigger",
               "pattern1=<" + std::to_string(kMaxTriggerNesting) + ">\r\naction=bottom");
-    t.trigger("z.trigger", "pattern1=loop\r\naction=#INJECT loop|loop");
+    // Two records that each inject what fires both again.
+    t.trigger("z1.trigger", "pattern1=LOOP\r\naction=#I LOOP");
+    t.trigger("z2.trigger", "pattern1=LOOP\r\naction=#I LOOP");
     t.c.LoadTriggers();
 
     t.receive("ping");
-    EXPECT_EQ(t.sent(), "got  pong\r\nafter\r\n");
+    EXPECT_EQ(t.sent(), "got  PONG\r\nafter\r\n");
     t.receive("<1>");
-    EXPECT_EQ(t.sent(), "got  pong\r\nafter\r\nbottom\r\n");
+    EXPECT_EQ(t.sent(), "got  PONG\r\nafter\r\nbottom\r\n");
     EXPECT_EQ(t.logFile().find("ERROR"), std::string::npos);
 
     t.fp.socket.sent.clear();
-    t.receive("<0>\r\nloop\r\nping");  // 2^100 firings if nothing stopped it
+    t.receive("<0>\r\nLOOP\r\nping");  // a doubling tree of firings, 64 deep, without the guard
     EXPECT_EQ(t.sent(), "");
     const std::string log = t.logFile();
     const std::string error = "\r\nERROR : 28/Out of stack space on line T_Match";
     EXPECT_NE(log.find(error), std::string::npos);
     EXPECT_EQ(log.find(error), log.rfind(error));
     t.receive("ping");  // and the road goes on
-    EXPECT_EQ(t.sent(), "got  pong\r\nafter\r\n");
+    EXPECT_EQ(t.sent(), "got  PONG\r\nafter\r\n");
 }
 
 }  // namespace
