@@ -40,6 +40,11 @@ printf 'SITE=Test server\r\nSSNA=test\r\nSDNS=127.0.0.1\r\nSDNA=\r\nSDP_=%s\r\nS
 mkdir -p "$work/app/macros"
 printf 'kill %%1\r\n#SV TARGET %%1\r\n#ECHO 2 fighting %%1\r\n' >"$work/app/macros/fight.macro"
 printf 'say hello %%1\r\n' >"$work/app/macros/greet.macro"
+# Triggers: one answers the banner, one is the editor's template, one global.
+mkdir -p "$work/app/triggers" "$work/app/gtriggers"
+printf 'pattern1=Welcome to the Kelpa\r\naction=wave\r\n' >"$work/app/triggers/greet.trigger"
+printf 'flag1=1\r\npattern1=?\r\naction=#nop\r\npattern1=?\r\naction=#nop\r\n' >"$work/app/triggers/template.trigger"
+printf 'pattern1=hp\r\npattern1=50m\r\naction=#E 2 prompt seen\r\n' >"$work/app/gtriggers/prompt.trigger"
 (cd "$work/app" && exec ./kelpa) &
 pids+=($!)
 
@@ -78,6 +83,10 @@ toolw=$(((1200 - 136 - 4 - 14) / 3))
 xdotool mousemove --window "$wid" $((144 + toolw + toolw / 2)) 44 click 1
 sleep 0.5
 shot 07-triggers
+# Open "greet.trigger", the first entry of the list, with a double click.
+xdotool mousemove --window "$wid" 570 131 click --repeat 2 --delay 80 1
+sleep 0.5
+shot 07b-trigger-open
 xdotool mousemove --window "$wid" $((144 + 2 * toolw + toolw / 2)) 44 click 1
 sleep 0.5
 shot 08-macros
