@@ -111,6 +111,7 @@ void PatternIndex::buildAutomaton(std::vector<std::string>& texts, std::size_t d
     // Bytes that stand in no pattern share class 0.
     classes_ = 1;
     for (int c = 0; c < 256; ++c) classOf_[c] = used[c] ? static_cast<std::uint8_t>(classes_++) : 0;
+    classes_ += classes_ % 2;
 
     // Breadth-first numbering: a state's fail target gets a lower number.
     std::vector<std::int32_t> order{0}, number(trie.size(), 0);
@@ -152,7 +153,7 @@ void PatternIndex::buildAutomaton(std::vector<std::string>& texts, std::size_t d
         for (std::uint32_t e = 0; e < nu.edgeCount; ++e) {
             const auto v = static_cast<std::size_t>(edgeTarget_[nu.edgeBegin + e]);
             Node& nv = nodes_[v];
-            nv.fail = u == 0 ? 0 : step(nu.fail, edgeByte_[nu.edgeBegin + e]) & kStateMask;
+            nv.fail = u == 0 ? 0 : step(nu.fail, edgeByte_[nu.edgeBegin + e]);
             const Node& f = nodes_[static_cast<std::size_t>(nv.fail)];
             nv.nextOut = f.output >= 0 ? nv.fail : f.nextOut;
             firstOut_[v] = nv.output >= 0 ? static_cast<std::int32_t>(v) : nv.nextOut;
@@ -160,13 +161,21 @@ void PatternIndex::buildAutomaton(std::vector<std::string>& texts, std::size_t d
         if (u < denseStates_) {
             std::int32_t* row = &dense_[u * classes_];
             for (std::uint32_t e = 0; e < nu.edgeCount; ++e)
-                row[classOf_[edgeByte_[nu.edgeBegin + e]]] = marked(edgeTarget_[nu.edgeBegin + e]);
+                row[classOf_[edgeByte_[nu.edgeBegin + e]]] = encode(edgeTarget_[nu.edgeBegin + e]);
         }
     }
 }
 
-std::int32_t PatternIndex::marked(std::int32_t state) const {
-    return firstOut_[static_cast<std::size_t>(state)] >= 0 ? (state | kHasOutput) : state;
+std::int32_t PatternIndex::encode(std::int32_t state) const {
+    const auto st = static_cast<std::size_t>(state);
+    const std::int32_t mark = firstOut_[st] >= 0 ? 1 : 0;
+    if (st < denseStates_) return static_cast<std::int32_t>(st * classes_) | mark;
+    return -2 * (state + 1) | mark;
+}
+
+std::int32_t PatternIndex::decode(std::int32_t entry) const {
+    const std::int32_t base = entry & ~1;
+    return base >= 0 ? static_cast<std::int32_t>(static_cast<std::size_t>(base) / classes_) : -(base / 2) - 1;
 }
 
 std::int32_t PatternIndex::step(std::int32_t s, unsigned char c) const {
@@ -175,10 +184,10 @@ std::int32_t PatternIndex::step(std::int32_t s, unsigned char c) const {
         const unsigned char* b = edgeByte_.data() + n.edgeBegin;
         const unsigned char* e = b + n.edgeCount;
         const unsigned char* it = n.edgeCount <= 8 ? std::find(b, e, c) : std::lower_bound(b, e, c);
-        if (it != e && *it == c) return marked(edgeTarget_[n.edgeBegin + static_cast<std::size_t>(it - b)]);
+        if (it != e && *it == c) return edgeTarget_[n.edgeBegin + static_cast<std::size_t>(it - b)];
         s = n.fail;
     }
-    return dense_[static_cast<std::size_t>(s) * classes_ + classOf_[c]];
+    return decode(dense_[static_cast<std::size_t>(s) * classes_ + classOf_[c]]);
 }
 
 void PatternIndex::scan(std::string_view text) {
@@ -189,17 +198,13 @@ void PatternIndex::scan(std::string_view text) {
     }
     if (nodes_.size() <= 1) return;
     const std::int32_t* dense = dense_.data();
-    const std::size_t classes = classes_, denseStates = denseStates_;
-    std::int32_t s = 0;
+    std::int32_t entry = 0;  // the root's row
     for (char ch : text) {
         const auto c = static_cast<unsigned char>(ch);
-        std::int32_t next = static_cast<std::size_t>(s) < denseStates
-                                ? dense[static_cast<std::size_t>(s) * classes + classOf_[c]]
-                                : step(s, c);
-        // Dense entries carry a mark when an output chain starts there.
-        s = next & kStateMask;
-        if (next == s) continue;
-        for (std::int32_t o = firstOut_[static_cast<std::size_t>(s)]; o >= 0;
+        const std::int32_t base = entry & ~1;
+        entry = base >= 0 ? dense[base + classOf_[c]] : encode(step(decode(base), c));
+        if (!(entry & 1)) continue;
+        for (std::int32_t o = firstOut_[static_cast<std::size_t>(decode(entry))]; o >= 0;
              o = nodes_[static_cast<std::size_t>(o)].nextOut) {
             const auto id = static_cast<std::size_t>(nodes_[static_cast<std::size_t>(o)].output);
             if (seenStamp_[id] == seenEpoch_) continue;

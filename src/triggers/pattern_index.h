@@ -74,11 +74,12 @@ private:
     };
 
     void buildAutomaton(std::vector<std::string>& texts, std::size_t denseBudget);
-    // The next state, marked with kHasOutput when an output chain starts.
     std::int32_t step(std::int32_t s, unsigned char c) const;
-    std::int32_t marked(std::int32_t state) const;
-    static constexpr std::int32_t kHasOutput = 0x40000000;
-    static constexpr std::int32_t kStateMask = kHasOutput - 1;
+    // Row entries: a dense state as the start of its row, a deeper one as a
+    // negative number; the low bit marks a state where an output chain
+    // starts. The walk then needs no multiplication per byte.
+    std::int32_t encode(std::int32_t state) const;
+    std::int32_t decode(std::int32_t entry) const;
     void scan(std::string_view text);
 
     // States are numbered breadth first. The first `denseStates_` have a
@@ -90,7 +91,7 @@ private:
     std::vector<unsigned char> edgeByte_;
     std::vector<std::int32_t> edgeTarget_;
     std::uint8_t classOf_[256] = {};
-    std::size_t classes_ = 1;
+    std::size_t classes_ = 1;  // even, so that row starts leave the low bit free
     std::size_t denseStates_ = 0;
     std::vector<std::int32_t> dense_;
     std::vector<std::uint32_t> seenStamp_;

@@ -84,11 +84,12 @@ TEST(TriggerFiles, EveryCaseOfTheFormatLoadsAsItShould) {
         EXPECT_EQ(table.back().Action, "three") << k.name;
         TriggerRecords middle(table.begin() + 1, table.end() - 1);
         EXPECT_EQ(describe(middle), k.records) << k.name;
-        if (std::string(k.records).empty())
+        if (std::string(k.records).empty()) {
             EXPECT_NE(t.debugText().find("Trigger file not loaded: " + t.fp.files.absolute("triggers/b.trigger") +
                                          " line "),
                       std::string::npos)
                 << k.name;
+        }
     }
 }
 
