@@ -15,13 +15,19 @@ struct Nesting {
 }  // namespace
 
 void CommandRoad::S_RunCommands(std::string text) {
-    if (depth_ >= kNestingLimit) {
+    if (depth_ == 0) nestedTexts_ = 0;
+    if (depth_ >= kNestingLimit || (depth_ > 0 && nestedTexts_ >= kNestedTextBudget)) {
         const std::string trimmed = trimBlanks(text);
         if (trimmed.empty()) return;
-        debug_.DebugLog("Commands nested more than " + decimal(kNestingLimit) +
-                        " deep, not run: " + trimmed.substr(0, trimmed.find("\r\n")));
+        const std::string head = trimmed.substr(0, trimmed.find("\r\n"));
+        if (depth_ >= kNestingLimit)
+            debug_.DebugLog("Commands nested more than " + decimal(kNestingLimit) + " deep, not run: " + head);
+        else if (nestedTexts_++ == kNestedTextBudget)
+            debug_.DebugLog("More than " + decimal(kNestedTextBudget) + " nested commands in one run, stopped at: " +
+                            head);
         return;
     }
+    if (depth_ > 0) ++nestedTexts_;
     const Nesting nesting(depth_);
     // A loop in place of one level of recursion per line. Trimming the rest
     // at each turn only ever removes blanks at its front: its end is the

@@ -17,6 +17,10 @@ public:
     // Macros, then-parts and trigger actions nest command texts; a circle
     // among them ends at this depth with a debug line.
     static constexpr int kNestingLimit = 64;
+    // A text that branches (a macro calling itself twice) stays under the
+    // depth yet doubles its work at every level; one command from outside
+    // may run at most this many nested texts.
+    static constexpr int kNestedTextBudget = 10000;
 
     CommandRoad(Sender& sender, DebugChannel& debug) : sender_(sender), debug_(debug) {}
 
@@ -40,6 +44,7 @@ private:
     LineHandler runKeyword_;
     Expander expand_;
     int depth_ = 0;
+    int nestedTexts_ = 0;
 };
 
 }  // namespace kelpa

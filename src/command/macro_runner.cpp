@@ -76,8 +76,9 @@ bool MacroRunner::putArguments(std::string& body, std::string args) {
         const std::string word = n <= static_cast<long long>(words.size())
                                      ? words[static_cast<std::size_t>(n - 1)]
                                      : std::string();
-        body = replaceAll(body, "%" + decimal(n), word);
-        if (body.size() > kMaxBodySize) return false;
+        const std::string ref = "%" + decimal(n);
+        if (replacedSize(body, ref, word) > kMaxBodySize) return false;
+        body = replaceAll(body, ref, word);
         due = referenced(body, last);
         due.erase(due.begin(), due.upper_bound(n));
     }

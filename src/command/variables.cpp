@@ -1,7 +1,6 @@
 #include "command/variables.h"
 
 #include <algorithm>
-#include <list>
 #include <queue>
 
 #include "command/words.h"
@@ -61,11 +60,12 @@ void VariableTable::addName(const std::string& name, int entry) {
 std::string VariableTable::expandByPasses(std::string_view text) const {
     std::string out(text);
     for (const Entry& e : Variables) {
-        out = replaceAll(out, "%" + e.Name, e.Value);
-        if (out.size() > kMaxExpandedSize) {
+        const std::string ref = "%" + e.Name;
+        if (replacedSize(out, ref, e.Value) > expansionLimit(text.size())) {
             debug_.DebugLog("Text too long after expansion, left as it was");
             return std::string(text);
         }
+        out = replaceAll(out, ref, e.Value);
     }
     return out;
 }
@@ -76,24 +76,25 @@ std::string VariableTable::expandByPasses(std::string_view text) const {
 // and each token waits for the first later entry whose name begins its
 // text. Running the entries' passes in table order then only touches the
 // tokens that match, and a replacement changes only its own token and the
-// one before it.
+// one before it. Pieces of text are views into the text and the values,
+// chained by index, so that joining two tokens costs nothing.
 class Expansion {
 public:
     Expansion(const VariableTable& table, std::string_view text) : t_(table) {
         const std::size_t first = text.find('%');
         tokens_.push_back(Token{});
-        if (first > 0) tokens_[0].tail.push_back(text.substr(0, std::min(first, text.size())));
+        if (first > 0) append(0, text.substr(0, first));
         std::size_t p = first;
         int prev = 0;
         while (p != std::string_view::npos) {
             const std::size_t next = text.find('%', p + 1);
-            const std::string_view tail = text.substr(p + 1, next == std::string_view::npos ? next : next - p - 1);
             const int id = newToken(prev);
-            if (!tail.empty()) tokens_[static_cast<std::size_t>(id)].tail.push_back(tail);
+            append(id, text.substr(p + 1, next == std::string_view::npos ? next : next - p - 1));
             prev = id;
             p = next;
         }
         size_ = text.size();
+        limit_ = VariableTable::expansionLimit(text.size());
     }
 
     // False when the text would grow beyond the limit.
@@ -112,12 +113,11 @@ public:
             touched.clear();
             for (int id : batch) {
                 replace(id, pass, touched);
-                if (size_ > VariableTable::kMaxExpandedSize) return false;
+                if (size_ > limit_) return false;
             }
-            std::sort(touched.begin(), touched.end());
-            touched.erase(std::unique(touched.begin(), touched.end()), touched.end());
             for (int id : touched) {
                 Token& tok = tokens_[static_cast<std::size_t>(id)];
+                tok.touchedIn = 0;
                 if (id == 0 || !tok.alive) continue;
                 ++tok.generation;
                 schedule(id, pass);
@@ -131,16 +131,22 @@ public:
         out.reserve(size_);
         for (int id = 0; id >= 0; id = tokens_[static_cast<std::size_t>(id)].next) {
             if (id != 0) out += '%';
-            for (std::string_view piece : tokens_[static_cast<std::size_t>(id)].tail) out.append(piece);
+            for (int p = tokens_[static_cast<std::size_t>(id)].head; p >= 0; p = pieces_[static_cast<std::size_t>(p)].next)
+                out.append(pieces_[static_cast<std::size_t>(p)].text);
         }
         return out;
     }
 
 private:
+    struct Piece {
+        std::string_view text;
+        int next = -1;
+    };
     struct Token {
-        std::list<std::string_view> tail;  // the text behind its "%"
+        int head = -1, last = -1;  // its pieces: the text behind its "%"
         int prev = -1, next = -1;
         unsigned generation = 0;
+        int touchedIn = 0;  // the pass that last changed it, while waiting
         bool alive = true;
     };
     struct Waiting {
@@ -150,21 +156,63 @@ private:
         bool operator>(const Waiting& o) const { return pass != o.pass ? pass > o.pass : token > o.token; }
     };
 
+    Token& at(int id) { return tokens_[static_cast<std::size_t>(id)]; }
+    Piece& piece(int p) { return pieces_[static_cast<std::size_t>(p)]; }
+
+    void append(int id, std::string_view text) {
+        if (text.empty()) return;
+        const int p = static_cast<int>(pieces_.size());
+        pieces_.push_back({text, -1});
+        Token& tok = at(id);
+        if (tok.last >= 0)
+            piece(tok.last).next = p;
+        else
+            tok.head = p;
+        tok.last = p;
+    }
+
+    void prepend(int id, std::string_view text) {
+        if (text.empty()) return;
+        const int p = static_cast<int>(pieces_.size());
+        pieces_.push_back({text, at(id).head});
+        Token& tok = at(id);
+        tok.head = p;
+        if (tok.last < 0) tok.last = p;
+    }
+
+    // Moves all of `from`'s text to the end of `to`'s.
+    void join(int to, int from) {
+        Token& src = at(from);
+        if (src.head < 0) return;
+        Token& dst = at(to);
+        if (dst.last >= 0)
+            piece(dst.last).next = src.head;
+        else
+            dst.head = src.head;
+        dst.last = src.last;
+        src.head = src.last = -1;
+    }
+
     int newToken(int after) {
         const int id = static_cast<int>(tokens_.size());
         Token tok;
         tok.prev = after;
-        tok.next = tokens_[static_cast<std::size_t>(after)].next;
-        tokens_.push_back(std::move(tok));
-        if (tokens_[static_cast<std::size_t>(id)].next >= 0)
-            tokens_[static_cast<std::size_t>(tokens_[static_cast<std::size_t>(id)].next)].prev = id;
-        tokens_[static_cast<std::size_t>(after)].next = id;
+        tok.next = at(after).next;
+        tokens_.push_back(tok);
+        if (tok.next >= 0) at(tok.next).prev = id;
+        at(after).next = id;
         return id;
+    }
+
+    void touch(int id, int pass, std::vector<int>& touched) {
+        Token& tok = at(id);
+        if (tok.touchedIn == pass) return;
+        tok.touchedIn = pass;
+        touched.push_back(id);
     }
 
     // The first entry after `pass` whose name begins the token's text.
     void schedule(int id, int pass) {
-        const Token& tok = tokens_[static_cast<std::size_t>(id)];
         int best = 0;
         auto consider = [&](int node) {
             const int e = t_.trie_[static_cast<std::size_t>(node)].entry;
@@ -172,80 +220,80 @@ private:
         };
         int node = 0;
         consider(node);
-        for (std::string_view piece : tok.tail) {
-            for (unsigned char c : piece) {
+        for (int p = at(id).head; p >= 0 && node >= 0; p = piece(p).next) {
+            for (unsigned char c : piece(p).text) {
                 node = t_.child(node, c);
-                if (node < 0) goto done;
+                if (node < 0) break;
                 consider(node);
             }
         }
-    done:
-        if (best > 0) queue_.push({best, id, tok.generation});
+        if (best > 0) queue_.push({best, id, at(id).generation});
     }
 
     void replace(int id, int entry, std::vector<int>& touched) {
-        Token& tok = tokens_[static_cast<std::size_t>(id)];
         const VariableTable::Entry& e = t_.entry(entry);
         // Drop the name from the front of the token's text.
         std::size_t drop = e.Name.size();
         while (drop > 0) {
-            std::string_view& front = tok.tail.front();
-            if (front.size() <= drop) {
-                drop -= front.size();
-                tok.tail.pop_front();
+            Token& tok = at(id);
+            Piece& front = piece(tok.head);
+            if (front.text.size() <= drop) {
+                drop -= front.text.size();
+                tok.head = front.next;
+                if (tok.head < 0) tok.last = -1;
             } else {
-                front.remove_prefix(drop);
+                front.text.remove_prefix(drop);
                 drop = 0;
             }
         }
         size_ = size_ + e.Value.size() - e.Name.size() - 1;
         const std::string_view value(e.Value);
         const std::size_t firstPercent = value.find('%');
-        Token& prev = tokens_[static_cast<std::size_t>(tok.prev)];
+        const int prev = at(id).prev;
         const std::string_view head = value.substr(0, firstPercent);
         if (!head.empty()) {
-            prev.tail.push_back(head);
-            touched.push_back(tok.prev);
+            append(prev, head);
+            touch(prev, entry, touched);
         }
         if (firstPercent == std::string_view::npos) {
             // The whole value and the rest of the token join the token before.
-            if (!tok.tail.empty()) touched.push_back(tok.prev);
-            prev.tail.splice(prev.tail.end(), tok.tail);
+            if (at(id).head >= 0) touch(prev, entry, touched);
+            join(prev, id);
             unlink(id);
             return;
         }
         // "%" pieces of the value become tokens; the last one keeps the rest.
-        int after = tok.prev;
+        int after = prev;
         std::size_t p = firstPercent;
         while (true) {
             const std::size_t next = value.find('%', p + 1);
-            const std::string_view piece =
-                value.substr(p + 1, next == std::string_view::npos ? next : next - p - 1);
+            const std::string_view text = value.substr(p + 1, next == std::string_view::npos ? next : next - p - 1);
             if (next == std::string_view::npos) {
-                Token& last = tokens_[static_cast<std::size_t>(id)];
-                if (!piece.empty()) last.tail.push_front(piece);
-                touched.push_back(id);
+                prepend(id, text);
+                touch(id, entry, touched);
                 return;
             }
             const int fresh = newToken(after);
-            if (!piece.empty()) tokens_[static_cast<std::size_t>(fresh)].tail.push_back(piece);
-            touched.push_back(fresh);
+            append(fresh, text);
+            touch(fresh, entry, touched);
             after = fresh;
             p = next;
         }
     }
 
     void unlink(int id) {
-        Token& tok = tokens_[static_cast<std::size_t>(id)];
+        Token& tok = at(id);
         tok.alive = false;
-        tokens_[static_cast<std::size_t>(tok.prev)].next = tok.next;
-        if (tok.next >= 0) tokens_[static_cast<std::size_t>(tok.next)].prev = tok.prev;
+        at(tok.prev).next = tok.next;
+        if (tok.next >= 0) at(tok.next).prev = tok.prev;
     }
 
     const VariableTable& t_;
     std::vector<Token> tokens_;
+    std::vector<Piece> pieces_;
     std::priority_queue<Waiting, std::vector<Waiting>, std::greater<Waiting>> queue_;
     std::size_t size_ = 0;
+    std::size_t limit_ = 0;
 };
 
 std::string VariableTable::S_ExpandVars(std::string_view text) const {

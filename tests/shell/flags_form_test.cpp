@@ -6,6 +6,7 @@
 #include <QPushButton>
 
 #include "form_fixture.h"
+#include "shell/tab_control_qt.h"
 #include "triggers/flags_form_qt.h"
 
 namespace kelpa::test {
@@ -57,6 +58,10 @@ TEST(FlagsForm, KeywordsShowWhileOpenAndClicksReachTheNextKeyword) {
     EXPECT_FALSE(flags->TRGFLAG(7)->isChecked());
     EXPECT_FALSE(flags->TRGFLAG(9)->isChecked());
     EXPECT_EQ(flags->TRGFLAG(7)->text(), "7");
+
+    // Window labels reach the custom tabs the same way.
+    type("#lw 1 hunt");
+    EXPECT_EQ(f.form().tabs()->tabCaption(2), "HUNT");
 }
 
 TEST(FlagsForm, CloseAndEscapeOnlyHideTheDialog) {
