@@ -94,6 +94,50 @@ void BM_ReceiveRoadWithTriggers(benchmark::State& state) {
 }
 BENCHMARK(BM_ReceiveRoadWithTriggers)->Arg(0)->Arg(100)->Arg(1000)->Arg(10000)->Unit(benchmark::kMicrosecond);
 
+// The same road with the old walk of every record for every line, for
+// comparison: flags, then a search for each pattern text.
+class PlainWalk : public TriggerPasses {
+public:
+    explicit PlainWalk(Client& c) : c_(c) {}
+    void matchGlobal(std::string_view chunk) override { walk(c_.triggers.GlobalTriggerTable, chunk); }
+    bool hasLineTriggers() const override { return !c_.triggers.TriggerTable.empty(); }
+    void matchLine(std::string_view line) override { walk(c_.triggers.TriggerTable, line); }
+
+private:
+    void walk(const TriggerRecords& table, std::string_view text) {
+        for (const TriggerRecord& r : table) {
+            if (!TriggerStore::flagsPass(r, c_.flags)) continue;
+            bool pass = true;
+            for (int g = 1; g <= r.PatternGroupCount; ++g) {
+                pass = true;
+                for (const std::string& p : r.patternGroup(g).Texts)
+                    if (text.empty() || text.find(p) == std::string_view::npos) pass = false;
+                if (pass) break;
+            }
+            if (pass) c_.commands.S_RunCommands(TriggerStore::commandText(r.Action, text));
+        }
+    }
+    Client& c_;
+};
+
+void BM_ReceiveRoadPlainWalk(benchmark::State& state) {
+    const int n = static_cast<int>(state.range(0));
+    Road road(n);
+    PlainWalk plain(road.c);
+    road.c.pipeline.setTriggers(plain);
+    const std::string data = stream(1 << 20, patterns(std::max(n, 100)));
+    const std::size_t chunk = 4096;
+    std::size_t pos = 0;
+    for (auto _ : state) {
+        if (pos >= data.size()) pos = 0;
+        road.fp.socket.incoming = data.substr(pos, chunk);
+        pos += chunk;
+        road.c.session.s_DataArrival();
+    }
+    state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * chunk));
+}
+BENCHMARK(BM_ReceiveRoadPlainWalk)->Arg(100)->Arg(1000)->Arg(10000)->Unit(benchmark::kMicrosecond);
+
 void BM_LoadTriggerFiles(benchmark::State& state) {
     Road road(0);
     writeTriggers(road.fp, patterns(static_cast<int>(state.range(0))));
