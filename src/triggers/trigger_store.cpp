@@ -9,6 +9,7 @@ TriggerStore::TriggerStore(FileSystem& files, DebugChannel& debug, const FlagTab
     : files_(files), debug_(debug), flags_(flags), run_(std::move(run)) {}
 
 void TriggerStore::LoadTriggers() {
+    ++generation_;
     GlobalTriggerTable.clear();
     TriggerTable.clear();
     LoadTriggerDir(TriggerTable, std::string("/") + kNormalFolder);
@@ -73,7 +74,11 @@ void TriggerStore::T_Match(TableId table, std::string_view text) {
     // takes the next list: this one stays as it is.
     std::vector<PatternIndex::Candidate>& candidates = scratch_[static_cast<std::size_t>(depth_)];
     index_.candidates(table, text, candidates);
+    const std::uint64_t generation = generation_;
     for (std::size_t k = 0; k < candidates.size(); ++k) {
+        // A reload while an action waited (a message box lets the Reload
+        // button be pressed) ends this pass: its records are gone.
+        if (generation_ != generation) return;
         const PatternIndex::Candidate c = candidates[k];
         const TriggerRecord& r = t[static_cast<std::size_t>(c.record)];
         if (!flagsPass(r, flags_) || !c.patternsHold) continue;

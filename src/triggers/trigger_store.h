@@ -73,6 +73,7 @@ private:
     CommandRunner run_;
     PatternIndex index_;
     int depth_ = 0;
+    std::uint64_t generation_ = 0;
     // One candidate list per nesting level, kept between calls.
     std::deque<std::vector<PatternIndex::Candidate>> scratch_;
 };

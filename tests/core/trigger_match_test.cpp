@@ -162,3 +162,25 @@ TEST(TriggerMatch, RandomTriggerSetsNeverStopTheRoad) {
 
 }  // namespace
 }  // namespace kelpa::test
+
+namespace kelpa::test {
+namespace {
+
+TEST(TriggerMatch, AReloadDuringAnActionEndsThePassOverTheOldTables) {
+    TriggerFixture t;
+    t.trigger("a.trigger", "pattern1=x\r\naction=#MB reload");
+    t.trigger("b.trigger", "pattern1=x\r\naction=after");
+    t.c.LoadTriggers();
+    // The message box waits for the player, who presses Reload meanwhile,
+    // after b.trigger has gone.
+    t.fp.host.onMessageBox = [&] {
+        std::filesystem::remove(t.fp.folder.path() / "triggers/b.trigger");
+        t.c.LoadTriggers();
+    };
+    t.receive("x\r\nx");
+    EXPECT_EQ(t.sent(), "");
+    EXPECT_EQ(t.c.triggers.TriggerCount(), 1);
+}
+
+}  // namespace
+}  // namespace kelpa::test

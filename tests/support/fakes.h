@@ -76,7 +76,10 @@ public:
     }
     void focusCommandLine() override { ++focuses; }
     void endProgramNow() override { ended = true; }
-    void messageBox(const std::string& text) override { messages.push_back(text); }
+    void messageBox(const std::string& text) override {
+        messages.push_back(text);
+        if (onMessageBox) onMessageBox();
+    }
     bool askYesNo(const std::string& text, const std::string& title) override {
         questions.push_back(title + ": " + text);
         return answerYes;
@@ -91,6 +94,8 @@ public:
     std::vector<std::string> messages;
     std::vector<std::string> questions;
     bool answerYes = true;
+    // What the player does while the box is open.
+    std::function<void()> onMessageBox;
 };
 
 // A fresh folder under the system's temporary folder, removed afterwards.
