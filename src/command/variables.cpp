@@ -70,6 +70,29 @@ std::string VariableTable::expandByPasses(std::string_view text) const {
     return out;
 }
 
+struct ExpansionScratch {
+    struct Piece {
+        std::string_view text;
+        int next = -1;
+    };
+    struct Token {
+        int head = -1, last = -1;  // its pieces: the text behind its "%"
+        int prev = -1, next = -1;
+        unsigned generation = 0;
+        int touchedIn = 0;  // the pass that last changed it, while waiting
+        bool alive = true;
+    };
+    std::vector<Token> tokens;
+    std::vector<Piece> pieces;
+};
+
+VariableTable::VariableTable(DebugChannel& debug, const Clock& clock)
+    : debug_(debug), clock_(clock), scratch_(std::make_unique<ExpansionScratch>()) {
+    clear();
+}
+
+VariableTable::~VariableTable() = default;
+
 // When no name holds "%", a reference is "%" and a name, so each "%" of the
 // text heads at most one match per pass and matches never overlap. The text
 // is kept as a chain of tokens, each a "%" and the text up to the next "%",
@@ -80,8 +103,14 @@ std::string VariableTable::expandByPasses(std::string_view text) const {
 // chained by index, so that joining two tokens costs nothing.
 class Expansion {
 public:
-    Expansion(const VariableTable& table, std::string_view text) : t_(table) {
+    Expansion(const VariableTable& table, std::string_view text)
+        : t_(table), tokens_(table.scratch_->tokens), pieces_(table.scratch_->pieces) {
+        tokens_.clear();
+        pieces_.clear();
         const std::size_t first = text.find('%');
+        const std::size_t references = countOf(text, "%");
+        tokens_.reserve(references + 1);
+        pieces_.reserve(references + 1);
         tokens_.push_back(Token{});
         if (first > 0) append(0, text.substr(0, first));
         std::size_t p = first;
@@ -138,17 +167,8 @@ public:
     }
 
 private:
-    struct Piece {
-        std::string_view text;
-        int next = -1;
-    };
-    struct Token {
-        int head = -1, last = -1;  // its pieces: the text behind its "%"
-        int prev = -1, next = -1;
-        unsigned generation = 0;
-        int touchedIn = 0;  // the pass that last changed it, while waiting
-        bool alive = true;
-    };
+    using Piece = ExpansionScratch::Piece;
+    using Token = ExpansionScratch::Token;
     struct Waiting {
         int pass;
         int token;
@@ -289,8 +309,10 @@ private:
     }
 
     const VariableTable& t_;
-    std::vector<Token> tokens_;
-    std::vector<Piece> pieces_;
+    // Kept by the table between calls, so that long texts do not fault
+    // fresh pages in at every expansion.
+    std::vector<Token>& tokens_;
+    std::vector<Piece>& pieces_;
     std::priority_queue<Waiting, std::vector<Waiting>, std::greater<Waiting>> queue_;
     std::size_t size_ = 0;
     std::size_t limit_ = 0;
@@ -299,12 +321,21 @@ private:
 std::string VariableTable::S_ExpandVars(std::string_view text) const {
     if (Variables.empty() || text.find('%') == std::string_view::npos) return std::string(text);
     if (percentInName_) return expandByPasses(text);
-    Expansion run(*this, text);
-    if (!run.run()) {
+    std::string out;
+    bool done;
+    {
+        Expansion run(*this, text);
+        done = run.run();
+        if (done) out = run.text();
+    }
+    // The scratch stays for the next line, unless a huge text grew it.
+    constexpr std::size_t kKept = 1u << 20;
+    if (scratch_->tokens.capacity() > kKept || scratch_->pieces.capacity() > kKept) *scratch_ = ExpansionScratch{};
+    if (!done) {
         debug_.DebugLog("Text too long after expansion, left as it was");
         return std::string(text);
     }
-    return run.text();
+    return out;
 }
 
 }  // namespace kelpa

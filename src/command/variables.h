@@ -2,6 +2,7 @@
 // their names were first set; that order is the order of substitution.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -12,6 +13,8 @@
 #include "platform/platform.h"
 
 namespace kelpa {
+
+struct ExpansionScratch;
 
 class VariableTable {
 public:
@@ -27,7 +30,8 @@ public:
         return textSize > kMaxExpandedSize / 2 ? textSize * 2 : kMaxExpandedSize;
     }
 
-    VariableTable(DebugChannel& debug, const Clock& clock) : debug_(debug), clock_(clock) { clear(); }
+    VariableTable(DebugChannel& debug, const Clock& clock);
+    ~VariableTable();
 
     int VariableCount() const { return static_cast<int>(Variables.size()); }
     // Entry n, numbered from 1.
@@ -62,6 +66,7 @@ private:
     // A name holding "%" can span several references; such tables take
     // the plain road of one pass per entry.
     bool percentInName_ = false;
+    std::unique_ptr<ExpansionScratch> scratch_;
 };
 
 }  // namespace kelpa
