@@ -36,6 +36,15 @@ mkdir "$work/app"
 cp "$bin" "$work/app/kelpa"
 printf 'SITE=Test server\r\nSSNA=test\r\nSDNS=127.0.0.1\r\nSDNA=\r\nSDP_=%s\r\nSAP_=0\r\nSTRI=\r\nSDSC=\r\nScripted server\r\n#\r\n' \
   "$port" >"$work/app/CONN.ZIG"
+# Two macros for the editor's list.
+mkdir -p "$work/app/macros"
+printf 'kill %%1\r\n#SV TARGET %%1\r\n#ECHO 2 fighting %%1\r\n' >"$work/app/macros/fight.macro"
+printf 'say hello %%1\r\n' >"$work/app/macros/greet.macro"
+# Triggers: one answers the banner, one is the editor's template, one global.
+mkdir -p "$work/app/triggers" "$work/app/gtriggers"
+printf 'pattern1=Welcome to the Kelpa\r\naction=wave\r\n' >"$work/app/triggers/greet.trigger"
+printf 'flag1=1\r\npattern1=?\r\naction=#nop\r\npattern1=?\r\naction=#nop\r\n' >"$work/app/triggers/template.trigger"
+printf 'pattern1=hp\r\npattern1=50m\r\naction=#E 2 prompt seen\r\n' >"$work/app/gtriggers/prompt.trigger"
 (cd "$work/app" && exec ./kelpa) &
 pids+=($!)
 
@@ -74,9 +83,17 @@ toolw=$(((1200 - 136 - 4 - 14) / 3))
 xdotool mousemove --window "$wid" $((144 + toolw + toolw / 2)) 44 click 1
 sleep 0.5
 shot 07-triggers
+# Open "greet.trigger", the first entry of the list, with a double click.
+xdotool mousemove --window "$wid" 570 131 click --repeat 2 --delay 80 1
+sleep 0.5
+shot 07b-trigger-open
 xdotool mousemove --window "$wid" $((144 + 2 * toolw + toolw / 2)) 44 click 1
 sleep 0.5
 shot 08-macros
+# Open "fight.macro", the first entry of the list, with a double click.
+xdotool mousemove --window "$wid" 575 95 click --repeat 2 --delay 80 1
+sleep 0.5
+shot 08b-macro-open
 
 # Back to "Main"; send two lines through the Bulk dialog.
 xdotool mousemove --window "$wid" $((136 + tabw / 2)) 20 click 1
@@ -92,6 +109,15 @@ shot 09-bulk
 xdotool mousemove --window "$bid" 512 352 click 1
 sleep 1
 shot 10-after-bulk
+
+# Keyword lines and a macro call: a flag label, a flag, a window label.
+xdotool mousemove --window "$wid" 400 738 click 1
+for line in "#lf 0 hunting" "#sf 3" "#lw 1 hunt" "@fight orc"; do
+  xdotool type --delay 20 "$line"
+  xdotool key Return
+done
+sleep 0.5
+shot 10b-keywords
 
 # The flags dialog: tick flag 0 (top left), then Escape on it.
 xdotool mousemove --window "$wid" 1165 740 click 1

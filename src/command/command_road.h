@@ -14,6 +14,13 @@ class CommandRoad {
 public:
     using LineHandler = std::function<void(const std::string&)>;
     using Expander = std::function<std::string(const std::string&)>;
+    // Macros, then-parts and trigger actions nest command texts; a circle
+    // among them ends at this depth with a debug line.
+    static constexpr int kNestingLimit = 64;
+    // A text that branches (a macro calling itself twice) stays under the
+    // depth yet doubles its work at every level; one command from outside
+    // may run at most this many nested texts.
+    static constexpr int kNestedTextBudget = 10000;
 
     CommandRoad(Sender& sender, DebugChannel& debug) : sender_(sender), debug_(debug) {}
 
@@ -36,6 +43,8 @@ private:
     LineHandler runMacro_;
     LineHandler runKeyword_;
     Expander expand_;
+    int depth_ = 0;
+    int nestedTexts_ = 0;
 };
 
 }  // namespace kelpa

@@ -5,28 +5,85 @@
 #include <QListWidget>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QSignalBlocker>
 
+#include "common/text.h"
 #include "shell/widget_kit_qt.h"
 
 namespace kelpa::qt {
 
+namespace {
+
+// The box shows lines; the core keeps them with CR LF.
+QString shown(const std::string& text) { return toQString(replaceAll(text, "\r\n", "\n")); }
+std::string kept(const QString& text) { return replaceAll(toCoreBytes(text), "\n", "\r\n"); }
+
+QPushButton* button(const char* caption, const char* name, int left, int top, int width, QWidget* page) {
+    auto* b = placed(new QPushButton(QString::fromLatin1(caption), page), name, left, top, width, 375);
+    b->setAutoDefault(false);
+    return b;
+}
+
+}  // namespace
+
 // These controls keep their places at any window size.
-void buildMacroPage(QWidget* page) {
+MacroPage::MacroPage(MacroEditor& editor, Runner run, QWidget* page)
+    : QObject(page), editor_(editor), run_(std::move(run)) {
     const QFont small = monospaceFont(8.25);
     placed(new QLabel(QStringLiteral("Label"), page), nullptr, 120, 480, 960, 285);
-    placed(new QLineEdit(page), "txtMacrosLabel", 1080, 480, 4560, 285)->setFont(small);
+    txtMacrosLabel = placed(new QLineEdit(page), "txtMacrosLabel", 1080, 480, 4560, 285);
+    txtMacrosLabel->setFont(small);
     placed(new QLabel(QStringLiteral("Commands"), page), nullptr, 120, 840, 960, 285);
-    placed(new QPlainTextEdit(page), "txtMacrosCommands", 1080, 840, 4560, 4935)->setFont(small);
+    txtMacrosCommands = placed(new QPlainTextEdit(page), "txtMacrosCommands", 1080, 840, 4560, 4935);
+    txtMacrosCommands->setFont(small);
+    txtMacrosCommands->setLineWrapMode(QPlainTextEdit::NoWrap);
 
-    placed(new QLabel(QStringLiteral("Main"), page), "MListName", 5880, 480, 3255, 285);
-    auto* list = placed(new QListWidget(page), "Mlist", 5880, 840, 3255, 4215);
-    list->setSortingEnabled(true);
-    list->setFont(small);
-    placed(new QPushButton(QStringLiteral("Main"), page), "brefresh3", 5880, 5160, 1575, 375);
-    placed(new QPushButton(QStringLiteral("OverDir"), page), "Command1", 7560, 5160, 1575, 375);
-    placed(new QPushButton(QStringLiteral("New"), page), "BTNMacrosNew", 1080, 5880, 1215, 375);
-    placed(new QPushButton(QStringLiteral("Save"), page), "BTNMacrosSave", 2400, 5880, 1215, 375);
-    placed(new QPushButton(QStringLiteral("Delete"), page), "BTNMacrosDelete", 3720, 5880, 1215, 375);
+    MListName = placed(new QLabel(QStringLiteral("Main"), page), "MListName", 5880, 480, 3255, 285);
+    Mlist = placed(new QListWidget(page), "Mlist", 5880, 840, 3255, 4215);
+    Mlist->setSortingEnabled(true);
+    Mlist->setFont(small);
+    brefresh3 = button("Main", "brefresh3", 5880, 5160, 1575, page);
+    Command1 = button("OverDir", "Command1", 7560, 5160, 1575, page);
+    BTNMacrosNew = button("New", "BTNMacrosNew", 1080, 5880, 1215, page);
+    BTNMacrosSave = button("Save", "BTNMacrosSave", 2400, 5880, 1215, page);
+    BTNMacrosDelete = button("Delete", "BTNMacrosDelete", 3720, 5880, 1215, page);
+
+    // What the user types is the model's text at once: Save writes the boxes.
+    connect(txtMacrosLabel, &QLineEdit::textEdited, this,
+            [this](const QString& t) { editor_.txtMacrosLabel = toCoreBytes(t); });
+    connect(txtMacrosCommands, &QPlainTextEdit::textChanged, this,
+            [this] { editor_.txtMacrosCommands = kept(txtMacrosCommands->toPlainText()); });
+    connect(Mlist, &QListWidget::itemDoubleClicked, this, [this](QListWidgetItem* item) {
+        const std::string entry = item ? toCoreBytes(item->text()) : std::string();
+        run_("Mlist_DblClick", [&] { editor_.Mlist_DblClick(entry); });
+        sync();
+    });
+    click(brefresh3, "brefresh3_Click", &MacroEditor::brefresh3_Click);
+    click(Command1, "Command1_Click", &MacroEditor::Command1_Click);
+    click(BTNMacrosNew, "BTNMacrosNew_Click", &MacroEditor::BTNMacrosNew_Click);
+    click(BTNMacrosSave, "BTNMacrosSave_Click", &MacroEditor::BTNMacrosSave_Click);
+    click(BTNMacrosDelete, "BTNMacrosDelete_Click", &MacroEditor::BTNMacrosDelete_Click);
+    sync();
+}
+
+void MacroPage::click(QPushButton* b, const char* handler, void (MacroEditor::*action)()) {
+    connect(b, &QPushButton::clicked, this, [this, handler, action] {
+        run_(handler, [&] { (editor_.*action)(); });
+        sync();
+    });
+}
+
+void MacroPage::sync() {
+    if (editor_.revision == shownRevision_) return;
+    shownRevision_ = editor_.revision;
+    const QSignalBlocker blockList(Mlist), blockLabel(txtMacrosLabel), blockText(txtMacrosCommands);
+    Mlist->clear();
+    for (const std::string& name : editor_.Mlist) Mlist->addItem(toQString(name));
+    MListName->setText(toQString(editor_.MListName));
+    if (toCoreBytes(txtMacrosLabel->text()) != editor_.txtMacrosLabel)
+        txtMacrosLabel->setText(toQString(editor_.txtMacrosLabel));
+    if (kept(txtMacrosCommands->toPlainText()) != editor_.txtMacrosCommands)
+        txtMacrosCommands->setPlainText(shown(editor_.txtMacrosCommands));
 }
 
 }  // namespace kelpa::qt

@@ -25,4 +25,13 @@ private:
     std::string source_;
 };
 
+// Trigger actions that inject text which fires triggers again, nested past
+// the limit. The receive road lets it pass through the nested chunks and
+// writes its line once, for the outermost one, so a runaway loop ends the
+// whole received chunk and its cost stays bounded.
+class NestingTooDeep : public RunError {
+public:
+    NestingTooDeep() : RunError(28, "Out of stack space", "T_Match") {}
+};
+
 }  // namespace kelpa

@@ -27,6 +27,12 @@ std::string replaceAll(std::string_view s, std::string_view from, std::string_vi
     return out;
 }
 
+std::size_t countOf(std::string_view s, std::string_view what) {
+    std::size_t n = 0;
+    for (std::size_t p = s.find(what); p != std::string_view::npos; p = s.find(what, p + what.size())) ++n;
+    return n;
+}
+
 std::string decimal(long long n) { return std::to_string(n); }
 
 int leadingInt32(std::string_view s) {

@@ -19,6 +19,15 @@ std::string trimBlanks(std::string_view s);
 // in one pass.
 std::string replaceAll(std::string_view s, std::string_view from, std::string_view to);
 
+// How many times `what` (non-empty) occurs, left to right, without overlap.
+std::size_t countOf(std::string_view s, std::string_view what);
+
+// The length of replaceAll(s, from, to), without building it.
+inline std::size_t replacedSize(std::string_view s, std::string_view from, std::string_view to) {
+    const std::size_t n = countOf(s, from);
+    return s.size() - n * from.size() + n * to.size();
+}
+
 // Decimal text of a number, as the old program printed numbers.
 std::string decimal(long long n);
 

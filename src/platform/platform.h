@@ -72,6 +72,8 @@ public:
                                           const std::string& suffix) const = 0;
     // The full path, for messages and for the shell.
     virtual std::string absolute(const std::string& path) const = 0;
+    // Why the last failed write failed, in words, for a message box.
+    virtual std::string lastError() const { return {}; }
 };
 
 // What the core asks of the window around it.
@@ -83,6 +85,11 @@ public:
     virtual void focusCommandLine() = 0;
     // The queue's "###": ends the process at once, with no unload step.
     virtual void endProgramNow() = 0;
+    // A modal box with the text, one OK button and the program's title;
+    // returns when the user has closed it.
+    virtual void messageBox(const std::string& text) = 0;
+    // A modal question with the buttons Yes and No; true for Yes.
+    virtual bool askYesNo(const std::string& text, const std::string& title) = 0;
     virtual long long instanceHandle() const = 0;
     virtual bool previousInstance() const = 0;
 };

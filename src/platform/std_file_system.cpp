@@ -1,7 +1,9 @@
 #include "platform/std_file_system.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <system_error>
 
 namespace kelpa {
@@ -72,12 +74,22 @@ bool StdFileSystem::writeAll(const std::string& path, const std::string& bytes) 
     std::filesystem::path tmp = target;
     tmp += ".tmp";
     std::FILE* f = std::fopen(tmp.c_str(), "wb");
-    if (!f) return false;
+    if (!f) {
+        lastError_ = std::strerror(errno);
+        return false;
+    }
     bool ok = std::fwrite(bytes.data(), 1, bytes.size(), f) == bytes.size();
     ok = (std::fflush(f) == 0) && ok;
-    ok = (std::fclose(f) == 0) && ok;
+    if (!ok) lastError_ = std::strerror(errno);
+    if (std::fclose(f) != 0 && ok) {
+        lastError_ = std::strerror(errno);
+        ok = false;
+    }
     std::error_code ec;
-    if (ok) std::filesystem::rename(tmp, target, ec);
+    if (ok) {
+        std::filesystem::rename(tmp, target, ec);
+        if (ec) lastError_ = ec.message();
+    }
     if (!ok || ec) {
         std::filesystem::remove(tmp, ec);
         return false;

@@ -20,12 +20,14 @@ public:
     std::vector<std::string> list(const std::string& folder,
                                   const std::string& suffix) const override;
     std::string absolute(const std::string& path) const override;
+    std::string lastError() const override { return lastError_; }
 
     const std::filesystem::path& root() const { return root_; }
 
 private:
     std::filesystem::path full(const std::string& path) const;
     std::filesystem::path root_;
+    std::string lastError_;
 };
 
 }  // namespace kelpa

@@ -19,9 +19,15 @@ void LinePipeline::cleanerText(std::string& data) {
 }
 
 void LinePipeline::S_ProcessLines(std::string& data) {
+    struct Nesting {
+        int& n;
+        explicit Nesting(int& depth) : n(depth) { ++n; }
+        ~Nesting() { --n; }
+    } nesting(nesting_);
     try {
         run(data);
     } catch (const RunError& e) {
+        if (dynamic_cast<const NestingTooDeep*>(&e) && nesting_ > 1) throw;
         log_.print("\r\nERROR : " + decimal(e.number()) + "/" + e.what() + " on line " +
                    e.source());
     }
@@ -37,7 +43,7 @@ void LinePipeline::run(std::string& data) {
     const std::string chunk = data;
     LineCursor lines(chunk);
     std::string_view line;
-    while (lines.next(line)) triggers_->matchLine(std::string(line));
+    while (lines.next(line)) triggers_->matchLine(line);
 }
 
 }  // namespace kelpa

@@ -31,6 +31,7 @@ private:
     OutputWriter& writer_;
     SessionLog& log_;
     TriggerPasses* triggers_;
+    int nesting_ = 0;
 };
 
 }  // namespace kelpa

@@ -10,10 +10,22 @@ Client::Client(Platform& p)
       writer(windows, debug, telnet, ansi),
       log(p.files, p.clock, debug),
       sender(p.socket, log, writer, history, debug, p.random, p.host),
-      pipeline(writer, log, noTriggers),
+      commands(sender, debug),
+      triggers(p.files, debug, flags, [this](std::string text) { commands.S_RunCommands(std::move(text)); }),
+      pipeline(writer, log, triggers),
       session(p, bar, log, debug, history, windows, pipeline),
-      commands(sender, debug) {
+      variables(debug, p.clock),
+      keywords({variables, flags, windows, writer, debug, pipeline, sender, p.host, commands}),
+      macros(variables, p.files, debug, commands, keywords.OverrideDir),
+      macroEditor(p.files, p.host, keywords.OverrideDir),
+      triggerEditor(p.files, [this] { LoadTriggers(); }) {
     telnet.setSender([this](std::string& answer) { sender.S_SendData(answer); });
+    commands.setExpander([this](const std::string& s) { return variables.S_ExpandVars(s); });
+    commands.setMacroRunner([this](const std::string& line) {
+        std::string l = line;
+        macros.S_RunMacro(l);
+    });
+    commands.setKeywordRunner([this](const std::string& line) { keywords.S_RunKeyword(line); });
 }
 
 void Client::Form_Load() {
@@ -22,10 +34,19 @@ void Client::Form_Load() {
     pipeline.CleanerText = true;
     windows.resetStates();
     log.LogDate = platform.clock.today();
-    // Trigger files: the tables start empty until the store reads them.
+    LoadTriggers();
     flags.reset();
     platform.random.seed(static_cast<std::uint32_t>(platform.clock.secondsSinceMidnight()));
     bar.reload(platform.files, [this](const std::string& w) { debug.DebugLog(w); });
+    triggerEditor.brefresh2_Click();
+    macroEditor.brefresh3_Click();
+    triggerEditor.btnTRGNew_Click();
+    macroEditor.BTNMacrosNew_Click();
+}
+
+void Client::LoadTriggers() {
+    variables.clear();
+    triggers.LoadTriggers();
 }
 
 void Client::Form_Unload() { platform.socket.close(); }

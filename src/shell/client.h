@@ -5,6 +5,10 @@
 #include <string>
 
 #include "command/command_road.h"
+#include "command/keyword_interpreter.h"
+#include "command/macro_editor.h"
+#include "command/macro_runner.h"
+#include "command/variables.h"
 #include "command/sender.h"
 #include "history/history_text.h"
 #include "history/session_log.h"
@@ -18,7 +22,8 @@
 #include "session/telnet.h"
 #include "sites/connection_bar.h"
 #include "triggers/flag_table.h"
-#include "triggers/trigger_passes.h"
+#include "triggers/trigger_editor.h"
+#include "triggers/trigger_store.h"
 
 namespace kelpa {
 
@@ -49,6 +54,9 @@ public:
     void setCleanerText(bool on) { pipeline.CleanerText = on; }
     void setDebugInfo(bool on) { debug.enabled = on; }
 
+    // Both trigger tables read again; the variables are forgotten.
+    void LoadTriggers();
+
     Platform& platform;
     OutputWindows windows;
     DebugChannel debug;
@@ -58,12 +66,17 @@ public:
     HistoryText history;
     SessionLog log;
     Sender sender;
-    EmptyTriggerTables noTriggers;
+    FlagTable flags;
+    CommandRoad commands;
+    TriggerStore triggers;
     LinePipeline pipeline;
     ConnectionBar bar;
     ServerSession session;
-    CommandRoad commands;
-    FlagTable flags;
+    VariableTable variables;
+    KeywordInterpreter keywords;
+    MacroRunner macros;
+    MacroEditor macroEditor;
+    TriggerEditor triggerEditor;
 };
 
 }  // namespace kelpa

@@ -92,8 +92,15 @@ void MainForm::buildToolsPage(QWidget* page) {
     QWidget* history = ToolsTabs_->addPage(QStringLiteral("History"));
     makeView(kHistView, history);
     buildHistoryPage(history);
-    buildTriggerPage(ToolsTabs_->addPage(QStringLiteral("Triggers")));
-    buildMacroPage(ToolsTabs_->addPage(QStringLiteral("Macros")));
+    triggerPage_ = new TriggerPage(ToolsTabs_->addPage(QStringLiteral("Triggers")), client_.triggerEditor,
+                                   [this](const char* handler, const std::function<void()>& call) {
+                                       guardedCall(handler, call);
+                                   });
+    macroPage_ = new MacroPage(client_.macroEditor,
+                               [this](const char* handler, const std::function<void()>& call) {
+                                   guardedCall(handler, call);
+                               },
+                               ToolsTabs_->addPage(QStringLiteral("Macros")));
 }
 
 OutputView* MainForm::makeView(int win, QWidget* parent) {

@@ -13,11 +13,13 @@
 #include <exception>
 
 #include "command/bulk_dialog_qt.h"
+#include "command/macro_page_qt.h"
 #include "output/output_view_qt.h"
 #include "shell/qt_platform_qt.h"
 #include "shell/tab_control_qt.h"
 #include "shell/widget_kit_qt.h"
 #include "triggers/flags_form_qt.h"
+#include "triggers/trigger_page_qt.h"
 
 namespace kelpa::qt {
 
@@ -93,6 +95,8 @@ void MainForm::guarded(const char* handler, F&& f) {
     scheduleRefresh();
 }
 
+void MainForm::guardedCall(const char* handler, const std::function<void()>& call) { guarded(handler, call); }
+
 void MainForm::scheduleRefresh() {
     if (!refresh_.isActive()) refresh_.start();
 }
@@ -102,6 +106,15 @@ void MainForm::syncFromCore() {
     for (OutputView* v : views_) v->sync();
     syncConnectionBar();
     flags_->sync();
+    triggerPage_->sync();
+    macroPage_->sync();
+    // The captions of the custom tabs are the labels that LABELWINDOW gives.
+    const TabCaptions& tabs = client_.keywords.tabs;
+    if (tabs.revision != shownTabCaptions_) {
+        shownTabCaptions_ = tabs.revision;
+        for (int i = 0; i < TabCaptions::kCount; ++i)
+            SSTab1_->setTabCaption(i, toQString(tabs.caption[static_cast<std::size_t>(i)]));
+    }
     for (auto [box, on] : {std::pair{IG_, client_.windows.Graphics}, {CT_, client_.pipeline.CleanerText},
                            {DebugInfo_, client_.debug.enabled}}) {
         const QSignalBlocker block(box);

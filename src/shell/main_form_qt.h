@@ -8,6 +8,8 @@
 #include <QWidget>
 
 #include <array>
+#include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -27,9 +29,11 @@ namespace kelpa::qt {
 
 class BulkDialog;
 class FlagsForm;
+class MacroPage;
 class OutputView;
 class QtSocket;
 class TabControl;
+class TriggerPage;
 struct QtPlatform;
 
 class MainForm : public QWidget {
@@ -49,6 +53,9 @@ public:
     OutputView* outputWindow(int win) const { return views_.at(static_cast<std::size_t>(win)); }
     BulkDialog* bulkDialog() const { return bulk_; }
     FlagsForm* flagsForm() const { return flags_; }
+    TriggerPage* triggerPage() const { return triggerPage_; }
+    MacroPage* macroPage() const { return macroPage_; }
+    TabControl* tabs() const { return SSTab1_; }
 
     // The socket's events reach the handlers below.
     void listenTo(QtSocket& socket);
@@ -69,6 +76,7 @@ private:
     // debug channel and never ends the program.
     template <typename F>
     void guarded(const char* handler, F&& f);
+    void guardedCall(const char* handler, const std::function<void()>& call);
     void scheduleRefresh();
     void terminate();
 
@@ -119,6 +127,9 @@ private:
     std::array<OutputView*, kWindowCount> views_{};
     BulkDialog* bulk_ = nullptr;
     FlagsForm* flags_ = nullptr;
+    TriggerPage* triggerPage_ = nullptr;
+    MacroPage* macroPage_ = nullptr;
+    std::uint64_t shownTabCaptions_ = 0;
 
     std::vector<std::string> shownSites_;
 };

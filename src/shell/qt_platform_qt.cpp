@@ -3,8 +3,11 @@
 #include <QCoreApplication>
 #include <QDate>
 #include <QDir>
+#include <QMessageBox>
 #include <QTime>
 #include <QWidget>
+
+#include "shell/widget_kit_qt.h"
 
 #include <cstdlib>
 
@@ -40,6 +43,16 @@ void QtHost::focusCommandLine() {
 }
 
 void QtHost::endProgramNow() { std::_Exit(0); }
+
+void QtHost::messageBox(const std::string& text) {
+    QMessageBox box(QMessageBox::NoIcon, QStringLiteral("Kelpa"), toQString(text), QMessageBox::Ok, window_);
+    box.exec();
+}
+
+bool QtHost::askYesNo(const std::string& text, const std::string& title) {
+    return QMessageBox::question(window_, toQString(title), toQString(text), QMessageBox::Yes | QMessageBox::No,
+                                 QMessageBox::No) == QMessageBox::Yes;
+}
 
 long long QtHost::instanceHandle() const { return QCoreApplication::applicationPid(); }
 

@@ -32,6 +32,8 @@ public:
     void showMainForm() override;
     void focusCommandLine() override;
     void endProgramNow() override;
+    void messageBox(const std::string& text) override;
+    bool askYesNo(const std::string& text, const std::string& title) override;
     long long instanceHandle() const override;
     bool previousInstance() const override { return previous_; }
 

@@ -25,6 +25,10 @@ struct FlagTable {
         value[static_cast<std::size_t>(i)] = on;
         ++revision;
     }
+    void setCaption(int i, std::string text) {
+        caption[static_cast<std::size_t>(i)] = std::move(text);
+        ++revision;
+    }
 };
 
 }  // namespace kelpa

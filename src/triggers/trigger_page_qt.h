@@ -1,10 +1,48 @@
-// The controls of the trigger editor page.
+// The "Triggers" tab: its controls mirror the core's trigger editor, and
+// every click is handed to it.
 #pragma once
 
+#include <QObject>
+
+#include <cstdint>
+#include <functional>
+
+#include "triggers/trigger_editor.h"
+
+class QLineEdit;
+class QListWidget;
+class QPlainTextEdit;
+class QRadioButton;
 class QWidget;
 
 namespace kelpa::qt {
 
-void buildTriggerPage(QWidget* page);
+class TriggerPage : public QObject {
+    Q_OBJECT
+public:
+    // `guard` runs a handler of the core so that a failure never ends the
+    // program.
+    using Guard = std::function<void(const char* handler, const std::function<void()>& f)>;
+
+    TriggerPage(QWidget* page, TriggerEditor& editor, Guard guard);
+
+    // Shows what the editor changed since the last call.
+    void sync();
+
+private:
+    void connectControls();
+    void tell(const std::string& message);
+
+    QWidget* page_;
+    TriggerEditor& editor_;
+    Guard guard_;
+    QLineEdit* txtTRGLabel_;
+    QPlainTextEdit* TxtTrgFlags_;
+    QPlainTextEdit* txtTRGBody_;
+    QRadioButton* Option1_[2];
+    QListWidget* TList_;
+    std::uint64_t shownRevision_ = ~std::uint64_t{0};
+    bool syncing_ = false;
+};
 
 }  // namespace kelpa::qt

@@ -2,7 +2,7 @@
 // trigger store serves them; with no triggers loaded both do nothing.
 #pragma once
 
-#include <string>
+#include <string_view>
 
 namespace kelpa {
 
@@ -10,20 +10,20 @@ class TriggerPasses {
 public:
     virtual ~TriggerPasses() = default;
     // Global triggers: the whole chunk, CR LF pairs included.
-    virtual void matchGlobal(const std::string& chunk) = 0;
+    virtual void matchGlobal(std::string_view chunk) = 0;
     // Whether the line pass has anything to test; lets the road skip
     // cutting the chunk into lines.
     virtual bool hasLineTriggers() const = 0;
     // Normal triggers: one line at a time.
-    virtual void matchLine(const std::string& line) = 0;
+    virtual void matchLine(std::string_view line) = 0;
 };
 
 // The tables before any trigger file is read.
 class EmptyTriggerTables : public TriggerPasses {
 public:
-    void matchGlobal(const std::string&) override {}
+    void matchGlobal(std::string_view) override {}
     bool hasLineTriggers() const override { return false; }
-    void matchLine(const std::string&) override {}
+    void matchLine(std::string_view) override {}
 };
 
 }  // namespace kelpa

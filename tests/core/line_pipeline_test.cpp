@@ -15,9 +15,9 @@ namespace {
 
 class RecordingTriggers : public TriggerPasses {
 public:
-    void matchGlobal(const std::string& chunk) override { global.push_back(chunk); }
+    void matchGlobal(std::string_view chunk) override { global.emplace_back(chunk); }
     bool hasLineTriggers() const override { return true; }
-    void matchLine(const std::string& line) override { lines.push_back(line); }
+    void matchLine(std::string_view line) override { lines.emplace_back(line); }
     std::vector<std::string> global, lines;
 };
 

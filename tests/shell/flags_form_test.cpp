@@ -2,9 +2,11 @@
 #include <gtest/gtest.h>
 
 #include <QCheckBox>
+#include <QLineEdit>
 #include <QPushButton>
 
 #include "form_fixture.h"
+#include "shell/tab_control_qt.h"
 #include "triggers/flags_form_qt.h"
 
 namespace kelpa::test {
@@ -29,6 +31,37 @@ TEST(FlagsForm, AClickSetsTheFlagAndACoreChangeShowsWhileOpen) {
     EXPECT_TRUE(flags->TRGFLAG(7)->isChecked());
     EXPECT_EQ(flags->TRGFLAG(7)->text(), "hunting");
     EXPECT_FALSE(flags->TRGFLAG(5)->isChecked());
+}
+
+TEST(FlagsForm, KeywordsShowWhileOpenAndClicksReachTheNextKeyword) {
+    FormFixture f;
+    f.fake.socket.connected = true;
+    qt::FlagsForm* flags = f.form().flagsForm();
+    QTest::mouseClick(f.control<QPushButton>("BTN_Flags"), Qt::LeftButton);
+    auto* text1 = f.control<QLineEdit>("Text1");
+    auto type = [&](const char* line) {
+        QTest::keyClicks(text1, line);
+        QTest::keyClick(text1, Qt::Key_Return);
+        // The mirrors follow within a frame.
+        QTest::qWait(40);
+    };
+    type("#sf 7");
+    type("#lf 7 hunting");
+    EXPECT_TRUE(flags->TRGFLAG(7)->isChecked());
+    EXPECT_EQ(flags->TRGFLAG(7)->text(), "HUNTING");
+
+    QTest::mouseClick(flags->TRGFLAG(9), Qt::LeftButton);
+    type("#ifgt 1 0 #swf 9");
+    EXPECT_FALSE(flags->TRGFLAG(9)->isChecked());
+    QTest::mouseClick(flags->TRGFLAG(9), Qt::LeftButton);
+    type("#cf");
+    EXPECT_FALSE(flags->TRGFLAG(7)->isChecked());
+    EXPECT_FALSE(flags->TRGFLAG(9)->isChecked());
+    EXPECT_EQ(flags->TRGFLAG(7)->text(), "7");
+
+    // Window labels reach the custom tabs the same way.
+    type("#lw 1 hunt");
+    EXPECT_EQ(f.form().tabs()->tabCaption(2), "HUNT");
 }
 
 TEST(FlagsForm, CloseAndEscapeOnlyHideTheDialog) {

@@ -76,6 +76,14 @@ public:
     }
     void focusCommandLine() override { ++focuses; }
     void endProgramNow() override { ended = true; }
+    void messageBox(const std::string& text) override {
+        messages.push_back(text);
+        if (onMessageBox) onMessageBox();
+    }
+    bool askYesNo(const std::string& text, const std::string& title) override {
+        questions.push_back(title + ": " + text);
+        return answerYes;
+    }
     long long instanceHandle() const override { return 4242; }
     bool previousInstance() const override { return false; }
 
@@ -83,6 +91,11 @@ public:
     bool ended = false;
     int shows = 0;
     int focuses = 0;
+    std::vector<std::string> messages;
+    std::vector<std::string> questions;
+    bool answerYes = true;
+    // What the player does while the box is open.
+    std::function<void()> onMessageBox;
 };
 
 // A fresh folder under the system's temporary folder, removed afterwards.

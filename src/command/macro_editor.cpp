@@ -1,0 +1,102 @@
+#include "command/macro_editor.h"
+
+#include "command/macro_runner.h"
+#include "common/text.h"
+
+namespace kelpa {
+
+void MacroEditor::fill(const std::string& folder) {
+    Mlist = files_.list(folder, ".macro");
+    ++revision;
+}
+
+void MacroEditor::brefresh3_Click() {
+    MListName = "Main";
+    fill(MacroRunner::folder(""));
+}
+
+void MacroEditor::Command1_Click() {
+    MListName = "Override(" + overrideDir_ + ")";
+    Mlist.clear();
+    ++revision;
+    if (!overrideDir_.empty()) fill(MacroRunner::folder(overrideDir_));
+}
+
+std::string MacroEditor::workingFolder() const {
+    return MacroRunner::folder(MListName != "Main" ? overrideDir_ : std::string());
+}
+
+void MacroEditor::Mlist_DblClick(const std::string& entry) {
+    if (entry.empty()) {
+        txtMacrosLabel.clear();
+        txtMacrosCommands.clear();
+        ++revision;
+        return;
+    }
+    const std::string path = workingFolder() + entry;
+    std::string text;
+    // A file that has gone leaves the boxes as they were.
+    if (!files_.readAll(path, text)) {
+        host_.messageBox("Cannot read the macro " + files_.absolute(path));
+        return;
+    }
+    std::string lines;
+    std::size_t start = 0;
+    while (start < text.size()) {
+        std::size_t end = text.find_first_of("\r\n", start);
+        if (end == std::string::npos) end = text.size();
+        if (start > 0) lines += kCrLf;
+        lines.append(text, start, end - start);
+        start = end;
+        if (start < text.size() && text[start] == '\r') ++start;
+        if (start < text.size() && text[start] == '\n') ++start;
+    }
+    txtMacrosLabel = entry;
+    txtMacrosCommands = lines;
+    ++revision;
+}
+
+void MacroEditor::BTNMacrosNew_Click() {
+    txtMacrosLabel = "?.macro";
+    txtMacrosCommands =
+        "#NOP  ************************************* \r\n"
+        "#NOP  *                MACRO              * \r\n"
+        "#NOP  ************************************* \r\n";
+    ++revision;
+}
+
+bool MacroEditor::usableName(const std::string& name) {
+    // Characters that a case-blind system refuses stay refused here too,
+    // so that a macro folder can move between systems; the template's "?"
+    // is one of them.
+    if (trimBlanks(name).empty() || name.find_first_of("\\/:*?\"<>|") != std::string::npos ||
+        name.find('\0') != std::string::npos) {
+        host_.messageBox("Cannot use the macro name \"" + name + "\"; write the name in place of \"?\"");
+        return false;
+    }
+    return true;
+}
+
+void MacroEditor::BTNMacrosSave_Click() {
+    if (!usableName(txtMacrosLabel)) return;
+    // The program's own macro folder is made on the first save; an
+    // override folder that is missing is reported like any failure.
+    if (MListName == "Main" || overrideDir_.empty()) files_.createDirectories(MacroRunner::kFolder);
+    const std::string path = workingFolder() + txtMacrosLabel;
+    if (!files_.writeAll(path, trimBlanks(txtMacrosCommands) + "\r\n"))
+        host_.messageBox("Cannot save the macro " + files_.absolute(path));
+}
+
+void MacroEditor::BTNMacrosDelete_Click() {
+    if (!host_.askYesNo("Please confirm macro deletion", "Deletion confirmation")) return;
+    if (!usableName(txtMacrosLabel)) return;
+    const std::string path = workingFolder() + txtMacrosLabel;
+    if (!files_.remove(path)) {
+        host_.messageBox("Cannot delete the macro " + files_.absolute(path));
+        return;
+    }
+    brefresh3_Click();
+    BTNMacrosNew_Click();
+}
+
+}  // namespace kelpa

@@ -1,0 +1,253 @@
+#include "triggers/pattern_index.h"
+
+#include <algorithm>
+#include <unordered_map>
+
+namespace kelpa {
+
+namespace {
+
+struct TrieNode {
+    std::vector<std::pair<unsigned char, std::int32_t>> children;  // sorted by byte
+    std::int32_t output = -1;
+};
+
+std::int32_t findChild(const TrieNode& n, unsigned char c) {
+    auto it = std::lower_bound(n.children.begin(), n.children.end(), c,
+                               [](const auto& e, unsigned char b) { return e.first < b; });
+    return it != n.children.end() && it->first == c ? it->second : -1;
+}
+
+}  // namespace
+
+void PatternIndex::build(const TriggerRecords* const (&tables)[kTables], int flagCount, std::size_t denseBudget) {
+    std::unordered_map<std::string_view, std::int32_t> ids;
+    std::vector<std::string> texts;
+    auto idOf = [&](const std::string& t) {
+        auto [it, added] = ids.try_emplace(t, static_cast<std::int32_t>(texts.size()));
+        if (added) texts.push_back(t);
+        return it->second;
+    };
+
+    std::vector<std::vector<std::int32_t>> groupTexts[kTables];
+    for (int t = 0; t < kTables; ++t) {
+        Table& tb = tables_[t];
+        tb = Table{};
+        const TriggerRecords& table = *tables[t];
+        for (std::size_t i = 0; i < table.size(); ++i) {
+            const TriggerRecord& r = table[i];
+            const auto rec = static_cast<std::int32_t>(i);
+            bool risky = false;
+            for (int g = 1; g <= r.FlagGroupCount; ++g)
+                for (std::int32_t v : r.flagGroup(g).Values) risky = risky || v < 0 || v >= flagCount;
+            if (risky) tb.risky.push_back(rec);
+
+            bool free = r.PatternGroupCount <= 0, freeNeedsText = true;
+            for (int g = 1; g <= r.PatternGroupCount; ++g) {
+                const PatternGroup& group = r.patternGroup(g);
+                std::vector<std::int32_t> distinct;
+                for (const std::string& text : group.Texts)
+                    if (!text.empty()) distinct.push_back(idOf(text));
+                std::sort(distinct.begin(), distinct.end());
+                distinct.erase(std::unique(distinct.begin(), distinct.end()), distinct.end());
+                if (distinct.empty()) {
+                    // Holds without a search: always when empty, on any
+                    // non-empty text when it holds only empty texts.
+                    free = true;
+                    freeNeedsText = freeNeedsText && group.Count() > 0;
+                    continue;
+                }
+                tb.groups.push_back({rec, static_cast<std::int32_t>(distinct.size())});
+                groupTexts[t].push_back(std::move(distinct));
+            }
+            if (r.PatternGroupCount <= 0) freeNeedsText = false;
+            if (free) tb.free.push_back({rec, freeNeedsText});
+        }
+        tb.recordStamp.assign(table.size(), 0);
+        tb.groupStamp.assign(tb.groups.size(), 0);
+        tb.groupHits.assign(tb.groups.size(), 0);
+    }
+
+    for (int t = 0; t < kTables; ++t) {
+        Table& tb = tables_[t];
+        tb.postingBegin.assign(texts.size() + 1, 0);
+        for (const auto& d : groupTexts[t])
+            for (std::int32_t id : d) ++tb.postingBegin[static_cast<std::size_t>(id) + 1];
+        for (std::size_t k = 1; k < tb.postingBegin.size(); ++k) tb.postingBegin[k] += tb.postingBegin[k - 1];
+        tb.postings.assign(tb.postingBegin.back(), 0);
+        std::vector<std::uint32_t> fill(tb.postingBegin.begin(), tb.postingBegin.end() - 1);
+        for (std::size_t g = 0; g < groupTexts[t].size(); ++g)
+            for (std::int32_t id : groupTexts[t][g]) tb.postings[fill[static_cast<std::size_t>(id)]++] = static_cast<std::int32_t>(g);
+    }
+
+    seenStamp_.assign(texts.size(), 0);
+    seenEpoch_ = 0;
+    seen_.clear();
+    buildAutomaton(texts, denseBudget);
+}
+
+void PatternIndex::buildAutomaton(std::vector<std::string>& texts, std::size_t denseBudget) {
+    std::vector<TrieNode> trie(1);
+    bool used[256] = {};
+    for (std::size_t id = 0; id < texts.size(); ++id) {
+        std::int32_t s = 0;
+        for (char ch : texts[id]) {
+            const auto c = static_cast<unsigned char>(ch);
+            used[c] = true;
+            std::int32_t next = findChild(trie[static_cast<std::size_t>(s)], c);
+            if (next < 0) {
+                next = static_cast<std::int32_t>(trie.size());
+                auto& kids = trie[static_cast<std::size_t>(s)].children;
+                kids.insert(std::lower_bound(kids.begin(), kids.end(), c,
+                                             [](const auto& e, unsigned char b) { return e.first < b; }),
+                            {c, next});
+                trie.emplace_back();
+            }
+            s = next;
+        }
+        trie[static_cast<std::size_t>(s)].output = static_cast<std::int32_t>(id);
+    }
+
+    // Bytes that stand in no pattern share class 0.
+    classes_ = 1;
+    for (int c = 0; c < 256; ++c) classOf_[c] = used[c] ? static_cast<std::uint8_t>(classes_++) : 0;
+    classes_ += classes_ % 2;
+
+    // Breadth-first numbering: a state's fail target gets a lower number.
+    std::vector<std::int32_t> order{0}, number(trie.size(), 0);
+    for (std::size_t q = 0; q < order.size(); ++q)
+        for (auto [c, v] : trie[static_cast<std::size_t>(order[q])].children) {
+            number[static_cast<std::size_t>(v)] = static_cast<std::int32_t>(order.size());
+            order.push_back(v);
+        }
+    nodes_.assign(trie.size(), Node{});
+    edgeByte_.clear();
+    edgeTarget_.clear();
+    for (std::size_t n = 0; n < order.size(); ++n) {
+        const TrieNode& t = trie[static_cast<std::size_t>(order[n])];
+        nodes_[n].output = t.output;
+        nodes_[n].edgeBegin = static_cast<std::uint32_t>(edgeByte_.size());
+        nodes_[n].edgeCount = static_cast<std::uint32_t>(t.children.size());
+        for (auto [c, v] : t.children) {
+            edgeByte_.push_back(c);
+            edgeTarget_.push_back(number[static_cast<std::size_t>(v)]);
+        }
+    }
+
+    denseStates_ = std::min(nodes_.size(), std::max<std::size_t>(1, denseBudget / classes_));
+    dense_.assign(denseStates_ * classes_, 0);
+    firstOut_.assign(nodes_.size(), -1);
+    for (std::size_t u = 0; u < nodes_.size(); ++u) {
+        // Rows are copied from the fail target's finished row, then the
+        // state's own edges are written over it (below).
+        Node& nu = nodes_[u];
+        if (u < denseStates_) {
+            std::int32_t* row = &dense_[u * classes_];
+            if (u != 0) {
+                const std::int32_t* failRow = &dense_[static_cast<std::size_t>(nu.fail) * classes_];
+                std::copy(failRow, failRow + classes_, row);
+            }
+        }
+        // Children get their fail links and output chains before any row
+        // points at them: they are numbered after u.
+        for (std::uint32_t e = 0; e < nu.edgeCount; ++e) {
+            const auto v = static_cast<std::size_t>(edgeTarget_[nu.edgeBegin + e]);
+            Node& nv = nodes_[v];
+            nv.fail = u == 0 ? 0 : step(nu.fail, edgeByte_[nu.edgeBegin + e]);
+            const Node& f = nodes_[static_cast<std::size_t>(nv.fail)];
+            nv.nextOut = f.output >= 0 ? nv.fail : f.nextOut;
+            firstOut_[v] = nv.output >= 0 ? static_cast<std::int32_t>(v) : nv.nextOut;
+        }
+        if (u < denseStates_) {
+            std::int32_t* row = &dense_[u * classes_];
+            for (std::uint32_t e = 0; e < nu.edgeCount; ++e)
+                row[classOf_[edgeByte_[nu.edgeBegin + e]]] = encode(edgeTarget_[nu.edgeBegin + e]);
+        }
+    }
+}
+
+std::int32_t PatternIndex::encode(std::int32_t state) const {
+    const auto st = static_cast<std::size_t>(state);
+    const std::int32_t mark = firstOut_[st] >= 0 ? 1 : 0;
+    if (st < denseStates_) return static_cast<std::int32_t>(st * classes_) | mark;
+    return -2 * (state + 1) | mark;
+}
+
+std::int32_t PatternIndex::decode(std::int32_t entry) const {
+    const std::int32_t base = entry & ~1;
+    return base >= 0 ? static_cast<std::int32_t>(static_cast<std::size_t>(base) / classes_) : -(base / 2) - 1;
+}
+
+std::int32_t PatternIndex::step(std::int32_t s, unsigned char c) const {
+    while (static_cast<std::size_t>(s) >= denseStates_) {
+        const Node& n = nodes_[static_cast<std::size_t>(s)];
+        const unsigned char* b = edgeByte_.data() + n.edgeBegin;
+        const unsigned char* e = b + n.edgeCount;
+        const unsigned char* it = n.edgeCount <= 8 ? std::find(b, e, c) : std::lower_bound(b, e, c);
+        if (it != e && *it == c) return edgeTarget_[n.edgeBegin + static_cast<std::size_t>(it - b)];
+        s = n.fail;
+    }
+    return decode(dense_[static_cast<std::size_t>(s) * classes_ + classOf_[c]]);
+}
+
+void PatternIndex::scan(std::string_view text) {
+    seen_.clear();
+    if (++seenEpoch_ == 0) {
+        std::fill(seenStamp_.begin(), seenStamp_.end(), 0);
+        seenEpoch_ = 1;
+    }
+    if (nodes_.size() <= 1) return;
+    const std::int32_t* dense = dense_.data();
+    std::int32_t entry = 0;  // the root's row
+    for (char ch : text) {
+        const auto c = static_cast<unsigned char>(ch);
+        const std::int32_t base = entry & ~1;
+        entry = base >= 0 ? dense[base + classOf_[c]] : encode(step(decode(base), c));
+        if (!(entry & 1)) continue;
+        for (std::int32_t o = firstOut_[static_cast<std::size_t>(decode(entry))]; o >= 0;
+             o = nodes_[static_cast<std::size_t>(o)].nextOut) {
+            const auto id = static_cast<std::size_t>(nodes_[static_cast<std::size_t>(o)].output);
+            if (seenStamp_[id] == seenEpoch_) continue;
+            seenStamp_[id] = seenEpoch_;
+            seen_.push_back(static_cast<std::int32_t>(id));
+        }
+    }
+}
+
+void PatternIndex::candidates(int t, std::string_view text, std::vector<Candidate>& out) {
+    out.clear();
+    Table& tb = tables_[t];
+    if (++tb.epoch == 0) {
+        std::fill(tb.groupStamp.begin(), tb.groupStamp.end(), 0);
+        std::fill(tb.recordStamp.begin(), tb.recordStamp.end(), 0);
+        tb.epoch = 1;
+    }
+    const std::uint32_t epoch = tb.epoch;
+    auto take = [&](std::int32_t rec, bool holds) {
+        std::uint32_t& stamp = tb.recordStamp[static_cast<std::size_t>(rec)];
+        if (stamp == epoch) return;
+        stamp = epoch;
+        out.push_back({rec, holds});
+    };
+    if (!text.empty() && !tb.groups.empty()) {
+        scan(text);
+        for (std::int32_t id : seen_) {
+            const std::uint32_t end = tb.postingBegin[static_cast<std::size_t>(id) + 1];
+            for (std::uint32_t p = tb.postingBegin[static_cast<std::size_t>(id)]; p < end; ++p) {
+                const auto g = static_cast<std::size_t>(tb.postings[p]);
+                if (tb.groupStamp[g] != epoch) {
+                    tb.groupStamp[g] = epoch;
+                    tb.groupHits[g] = 0;
+                }
+                if (++tb.groupHits[g] == tb.groups[g].need) take(tb.groups[g].record, true);
+            }
+        }
+    }
+    for (const FreeRecord& f : tb.free)
+        if (!f.needsText || !text.empty()) take(f.record, true);
+    for (std::int32_t rec : tb.risky) take(rec, false);
+    if (out.size() > 1)
+        std::sort(out.begin(), out.end(), [](const Candidate& a, const Candidate& b) { return a.record < b.record; });
+}
+
+}  // namespace kelpa

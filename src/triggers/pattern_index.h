@@ -1,0 +1,103 @@
+// Which records of a table can fire on a text, found with one pass over the
+// text instead of a search per record and pattern.
+//
+// Every non-empty pattern text of both tables goes into one Aho-Corasick
+// automaton. A pass reports the texts that occur; each occurring text
+// counts towards the groups that hold it, and a group whose distinct texts
+// have all been counted holds. A record is a candidate when one of its
+// tested groups holds, or when a group holds without any search (empty,
+// or only empty texts and the text is not empty), or when its flag block
+// names a flag that does not exist (the flag test must then still run, to
+// fail as it always did). Candidates come back in table order, each with
+// the result of its pattern test; the caller tests the flags at that
+// moment.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "triggers/trigger_record.h"
+
+namespace kelpa {
+
+class PatternIndex {
+public:
+    static constexpr int kTables = 2;
+    static constexpr std::size_t kDenseBudget = std::size_t{4} << 20;
+
+    struct Candidate {
+        std::int32_t record;
+        bool patternsHold;
+    };
+
+    // Built once per load, over both tables. `denseBudget` bounds the
+    // table of full rows, in entries; tests make it small to walk the rest.
+    void build(const TriggerRecords* const (&tables)[kTables], int flagCount,
+               std::size_t denseBudget = kDenseBudget);
+
+    // The candidates of table `t` for `text`, in table order, into `out`.
+    // The index's own scratch state is free again when this returns, so a
+    // nested call (an action that injects text) is safe.
+    void candidates(int t, std::string_view text, std::vector<Candidate>& out);
+
+    std::size_t patternTexts() const { return seenStamp_.size(); }
+    std::size_t states() const { return nodes_.size(); }
+
+private:
+    struct Node {
+        std::int32_t fail = 0;
+        std::int32_t output = -1;   // text ending here, or -1
+        std::int32_t nextOut = -1;  // nearest state down the fail chain with an output
+        std::uint32_t edgeBegin = 0;
+        std::uint32_t edgeCount = 0;
+    };
+    struct Group {
+        std::int32_t record;
+        std::int32_t need;  // distinct non-empty texts
+    };
+    struct FreeRecord {
+        std::int32_t record;
+        bool needsText;  // its free groups hold only empty texts
+    };
+    struct Table {
+        std::vector<Group> groups;
+        std::vector<std::uint32_t> postingBegin;  // per text id, into postings
+        std::vector<std::int32_t> postings;       // group ids
+        std::vector<FreeRecord> free;
+        std::vector<std::int32_t> risky;  // names a flag that does not exist
+        std::vector<std::uint32_t> groupStamp;
+        std::vector<std::int32_t> groupHits;
+        std::vector<std::uint32_t> recordStamp;
+        std::uint32_t epoch = 0;
+    };
+
+    void buildAutomaton(std::vector<std::string>& texts, std::size_t denseBudget);
+    std::int32_t step(std::int32_t s, unsigned char c) const;
+    // Row entries: a dense state as the start of its row, a deeper one as a
+    // negative number; the low bit marks a state where an output chain
+    // starts. The walk then needs no multiplication per byte.
+    std::int32_t encode(std::int32_t state) const;
+    std::int32_t decode(std::int32_t entry) const;
+    void scan(std::string_view text);
+
+    // States are numbered breadth first. The first `denseStates_` have a
+    // full row of next states over the byte classes, so that the common
+    // case is one lookup per byte; deeper states, if the rows would grow
+    // too large, follow their fail links down to a dense one.
+    std::vector<Node> nodes_;
+    std::vector<std::int32_t> firstOut_;  // per state: the first state of its output chain
+    std::vector<unsigned char> edgeByte_;
+    std::vector<std::int32_t> edgeTarget_;
+    std::uint8_t classOf_[256] = {};
+    std::size_t classes_ = 1;  // even, so that row starts leave the low bit free
+    std::size_t denseStates_ = 0;
+    std::vector<std::int32_t> dense_;
+    std::vector<std::uint32_t> seenStamp_;
+    std::uint32_t seenEpoch_ = 0;
+    std::vector<std::int32_t> seen_;
+    Table tables_[kTables];
+};
+
+}  // namespace kelpa

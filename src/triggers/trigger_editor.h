@@ -1,0 +1,55 @@
+// The trigger editor of the "Triggers" tab: three boxes, a list of the
+// files of one folder, and the buttons that load, write and delete them.
+// The page's widgets mirror this and hand every click to it.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "platform/platform.h"
+
+namespace kelpa {
+
+class TriggerEditor {
+public:
+    // Asks a Yes/No question; true for Yes.
+    using Ask = std::function<bool(const std::string& title, const std::string& text)>;
+
+    TriggerEditor(FileSystem& files, std::function<void()> loadTriggers)
+        : files_(files), loadTriggers_(std::move(loadTriggers)) {}
+
+    // The boxes, in the core's text (lines end in CR LF).
+    std::string txtTRGLabel;
+    std::string TxtTrgFlags;
+    std::string txtTRGBody;
+    // Option1(1) "Global" selected; Option1(0) "Normal" otherwise.
+    bool global = false;
+    std::vector<std::string> TList;
+    int listIndex = -1;
+    // Changes whenever the editor itself rewrites the boxes or the list.
+    std::uint64_t revision = 0;
+
+    // The folder the option names at this moment.
+    std::string folder() const;
+
+    void brefresh2_Click();
+    void Option1_Click(int index);
+    // A failure to read the file comes back as the text of a message box.
+    std::string TList_DblClick();
+    void btnTRGNew_Click();
+    // "" when saved; otherwise the message for the box, and the boxes stay.
+    std::string btnTRGSave_Click();
+    std::string btnTRGDelete_Click(const Ask& ask);
+    void Reload_Click() { loadTriggers_(); }
+
+private:
+    std::string pathOf(const std::string& name) const { return folder() + "/" + name; }
+    std::string refusedName() const;
+
+    FileSystem& files_;
+    std::function<void()> loadTriggers_;
+};
+
+}  // namespace kelpa

@@ -1,0 +1,102 @@
+#include "triggers/trigger_store.h"
+
+#include "common/text.h"
+#include "triggers/trigger_file.h"
+
+namespace kelpa {
+
+TriggerStore::TriggerStore(FileSystem& files, DebugChannel& debug, const FlagTable& flags, CommandRunner run)
+    : files_(files), debug_(debug), flags_(flags), run_(std::move(run)) {}
+
+void TriggerStore::LoadTriggers() {
+    ++generation_;
+    GlobalTriggerTable.clear();
+    TriggerTable.clear();
+    LoadTriggerDir(TriggerTable, std::string("/") + kNormalFolder);
+    LoadTriggerDir(GlobalTriggerTable, std::string("/") + kGlobalFolder);
+    indexTables();
+}
+
+void TriggerStore::indexTables(std::size_t denseBudget) {
+    const TriggerRecords* tables[PatternIndex::kTables] = {&TriggerTable, &GlobalTriggerTable};
+    index_.build(tables, FlagTable::kCount, denseBudget);
+}
+
+void TriggerStore::LoadTriggerDir(TriggerRecords& table, const std::string& directoryName) {
+    const std::string folder = directoryName.substr(1);
+    auto debug = [this](const std::string& s) { debug_.DebugLog(s); };
+    for (const std::string& name : files_.list(folder, kExtension)) {
+        debug_.DebugLog("loading trigger " + name + " from " + directoryName);
+        const std::string path = folder + "/" + name;
+        std::string bytes;
+        if (!files_.readAll(path, bytes)) {
+            debug_.DebugLog("Trigger file not read: " + files_.absolute(path));
+            continue;
+        }
+        const TriggerFileResult r = readTriggerFile(bytes, files_.absolute(path), table, debug);
+        if (!r.ok)
+            debug_.DebugLog("Trigger file not loaded: " + files_.absolute(path) + " line " +
+                            decimal(r.fault.line) + ": " + r.fault.reason);
+    }
+}
+
+bool TriggerStore::flagsPass(const TriggerRecord& r, const FlagTable& flags) {
+    bool pass = true;
+    for (int g = 1; g <= r.FlagGroupCount; ++g) {
+        pass = true;
+        // Every entry is read, also after one failed: a flag that does not
+        // exist fails the chunk even then.
+        for (std::int32_t v : r.flagGroup(g).Values) {
+            if (v < 0 || v >= FlagTable::kCount)
+                throw RunError(340, "Control array element '" + decimal(v) + "' doesn't exist", "T_Match");
+            if (!flags.value[static_cast<std::size_t>(v)]) pass = false;
+        }
+        if (pass) break;
+    }
+    return pass;
+}
+
+std::string TriggerStore::commandText(const std::string& action, std::string_view text) {
+    if (action.find("$*") == std::string::npos) return action;
+    std::string with;
+    with.reserve(text.size() + 2);
+    with += ' ';
+    with += text;
+    with += ' ';
+    return replaceAll(action, "$*", with);
+}
+
+void TriggerStore::T_Match(TableId table, std::string_view text) {
+    const TriggerRecords& t = table == kGlobal ? GlobalTriggerTable : TriggerTable;
+    if (t.empty()) return;
+    if (scratch_.size() <= static_cast<std::size_t>(depth_)) scratch_.resize(static_cast<std::size_t>(depth_) + 1);
+    // Actions run inside this loop and may nest a pass of their own, which
+    // takes the next list: this one stays as it is.
+    std::vector<PatternIndex::Candidate>& candidates = scratch_[static_cast<std::size_t>(depth_)];
+    index_.candidates(table, text, candidates);
+    const std::uint64_t generation = generation_;
+    for (std::size_t k = 0; k < candidates.size(); ++k) {
+        // A reload while an action waited (a message box lets the Reload
+        // button be pressed) ends this pass: its records are gone.
+        if (generation_ != generation) return;
+        const PatternIndex::Candidate c = candidates[k];
+        const TriggerRecord& r = t[static_cast<std::size_t>(c.record)];
+        if (!flagsPass(r, flags_) || !c.patternsHold) continue;
+        fire(r, c.record, text);
+    }
+}
+
+void TriggerStore::fire(const TriggerRecord& r, std::int32_t index, std::string_view text) {
+    std::string command = commandText(r.Action, text);
+    if (debug_.enabled)
+        debug_.DebugLog("Fired trigger " + decimal(index) + " :" + r.FilePath + " Part " + decimal(r.PartNumber));
+    if (depth_ >= kMaxTriggerNesting) throw NestingTooDeep();
+    struct Level {
+        int& d;
+        explicit Level(int& depth) : d(depth) { ++d; }
+        ~Level() { --d; }
+    } level(depth_);
+    run_(std::move(command));
+}
+
+}  // namespace kelpa

@@ -1,0 +1,101 @@
+// A scripted server on 127.0.0.1 sends lines that fire triggers; the bytes
+// that come back over the real socket are the contract.
+#include <gtest/gtest.h>
+
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QElapsedTimer>
+#include <QTest>
+
+#include "shell/client.h"
+#include "shell/qt_socket_qt.h"
+#include "support/fakes.h"
+
+namespace kelpa::test {
+namespace {
+
+struct ScriptedServer {
+    ScriptedServer() {
+        server.listen(QHostAddress::LocalHost);
+        QObject::connect(&server, &QTcpServer::newConnection, [this] {
+            peer = server.nextPendingConnection();
+            QObject::connect(peer, &QTcpSocket::readyRead, [this] { got += peer->readAll().toStdString(); });
+        });
+    }
+    void send(const char* text) {
+        peer->write(text);
+        peer->flush();
+    }
+    QTcpServer server;
+    QTcpSocket* peer = nullptr;
+    std::string got;
+};
+
+struct LiveClient {
+    TempFolder folder;
+    qt::QtSocket socket;
+    FakeClock clock;
+    FakeRandom random;
+    StdFileSystem files{folder.path()};
+    FakeHost host;
+    Platform platform{socket, clock, random, files, host};
+    std::unique_ptr<Client> c;
+
+    // The socket outlives the client and tells of its close when it goes.
+    ~LiveClient() { QObject::disconnect(&socket, nullptr, nullptr, nullptr); }
+
+    void start(const std::string& port) {
+        c = std::make_unique<Client>(platform);
+        c->Form_Load();
+        QObject::connect(&socket, &qt::QtSocket::connected, [this] { c->session.s_Connect(); });
+        QObject::connect(&socket, &qt::QtSocket::dataArrival, [this] { c->session.s_DataArrival(); });
+        QObject::connect(&socket, &qt::QtSocket::closed, [this] { c->session.s_Close(); });
+        c->bar.Site = "127.0.0.1";
+        c->bar.PPort = port;
+        c->session.CMD_CONNECT_Click();
+    }
+};
+
+TEST(TriggerServer, LinesFireActionsThatSendSetFlagsAndInject) {
+    ScriptedServer server;
+    LiveClient client;
+    client.folder.write("triggers/a_rat.trigger", "pattern1=A rat arrives\r\naction=kill rat");
+    client.folder.write("triggers/b_hungry.trigger", "flag1=3\r\npattern1=You are hungry\r\naction=eat bread");
+    client.folder.write("triggers/c_moon.trigger", "pattern1=The moon rises\r\naction=#SF 3 1");
+    client.folder.write("triggers/d_whisper.trigger", "pattern1=whispers\r\naction=#I you hear $*");
+    client.folder.write("triggers/e_heard.trigger", "pattern1=YOU HEAR  BOB\r\naction=reply %WHO");
+    client.folder.write("gtriggers/prompt.trigger",
+                        "pattern1=HP:\r\npattern1=MV:\r\naction=#SV WHO bob\r\npattern1=HP:\r\npattern1=MV:\r\naction=look");
+    client.start(std::to_string(server.server.serverPort()));
+    QElapsedTimer t;
+    t.start();
+    while (!(server.peer && client.socket.state() == Socket::kConnected) && t.elapsed() < 5000) QTest::qWait(5);
+    ASSERT_EQ(client.socket.state(), Socket::kConnected);
+
+    auto exchange = [&](const char* text, const std::string& expected) {
+        server.got.clear();
+        server.send(text);
+        // QTest's own waiting macros do not report to GoogleTest.
+        QElapsedTimer t;
+        t.start();
+        while (server.got.size() < expected.size() && t.elapsed() < 5000) QTest::qWait(5);
+        EXPECT_EQ(server.got, expected) << text;
+    };
+    // The flag is clear, so only the rat answers.
+    exchange("You are hungry\r\nA rat arrives.\r\n", "kill rat\r\n");
+    // The first line's action sets the flag for the second line.
+    exchange("The moon rises.\r\nYou are hungry\r\n", "eat bread\r\n");
+    // A global trigger fires once on a chunk whose two patterns stand in
+    // different lines; its first part sets a variable (the keyword line is
+    // read in capitals) that a later action sends.
+    exchange("HP:10\r\nMV:20\r\n", "look\r\n");
+    // The whisper is injected in capitals and fires a trigger of its own.
+    exchange("Bob whispers hi\r\n", "reply BOB\r\n");
+    server.got.clear();
+    server.send("nothing here\r\n");
+    QTest::qWait(100);
+    EXPECT_EQ(server.got, "");
+}
+
+}  // namespace
+}  // namespace kelpa::test
