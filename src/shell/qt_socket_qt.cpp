@@ -58,10 +58,14 @@ void QtSocket::postRest() {
     QTimer::singleShot(0, this, [this] {
         restPosted_ = false;
         if (!open_) return;
-        if (socket_.bytesAvailable() > 0)
-            emit dataArrival();
-        else if (closing_)
-            finishClose();
+        const qint64 before = socket_.bytesAvailable();
+        if (before == 0) {
+            if (closing_) finishClose();
+            return;
+        }
+        emit dataArrival();
+        // A handler that left the bytes must not hold up the close.
+        if (open_ && closing_ && !restPosted_ && socket_.bytesAvailable() == before) finishClose();
     });
 }
 
