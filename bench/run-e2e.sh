@@ -7,15 +7,13 @@ build=${1:-build}
 size=${2:-20M}
 typing=${3:-5}
 bin=$(cd "$build/bench" && pwd)
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-"$bin/kelpa-streamgen" "$size" 1 "$work/stream" > /dev/null
 
 floor() {
   coproc server { exec "$bin/kelpa-stream-server" "$work/stream" 2>/dev/null; }
+  local pid=$server_PID port
   read -r _ port <&"${server[0]}"
   "$bin/kelpa-floor-client" "$port" "$work/floor.out"
-  wait "$server_PID" || true
+  wait "$pid" 2>/dev/null || true
 }
 
 run() {
@@ -29,11 +27,11 @@ run() {
   "$bin/kelpa-bench" "$work/stream" --typing "$typing"
 }
 
-echo "machine: nproc=$(nproc), $(grep -m1 'model name' /proc/cpuinfo | cut -d: -f2 | sed 's/^ //'), $(free -m | awk '/Mem:/ {print $2}') MB"
 if [ -z "${DISPLAY:-}" ] && [ "${QT_QPA_PLATFORM:-}" != offscreen ] && command -v xvfb-run > /dev/null; then
-  export -f run floor
-  export bin work typing
-  xvfb-run -a -s "-screen 0 1280x1024x24" bash -c run
-else
-  run
+  exec xvfb-run -a -s "-screen 0 1280x1024x24" "$0" "$@"
 fi
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+"$bin/kelpa-streamgen" "$size" 1 "$work/stream" > /dev/null
+echo "machine: nproc=$(nproc), $(grep -m1 'model name' /proc/cpuinfo | cut -d: -f2 | sed 's/^ //'), $(free -m | awk '/Mem:/ {print $2}') MB; display ${DISPLAY:-offscreen}"
+run

@@ -5,6 +5,7 @@
 // seconds, if given), then closes. Lines received meanwhile that read
 // "t<n> <monotonic ns>" are written to OUT with their delay.
 #include <arpa/inet.h>
+#include <fcntl.h>
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
@@ -59,6 +60,8 @@ int main(int argc, char** argv) {
     std::fflush(stdout);
     const int fd = accept(lfd, nullptr, nullptr);
     close(lfd);
+    // Non-blocking, so that a full socket never keeps a typed line unread.
+    fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) | O_NONBLOCK);
 
     const long long start = nowNs();
     std::size_t pos = 0;
@@ -66,26 +69,29 @@ int main(int argc, char** argv) {
     std::string incoming;
     std::string report;
     bool more = !data.empty();
+    auto take = [&](const char* buf, ssize_t n) {
+        incoming.append(buf, static_cast<std::size_t>(n));
+        std::size_t eol;
+        while ((eol = incoming.find("\r\n")) != std::string::npos) {
+            const std::string line = incoming.substr(0, eol);
+            incoming.erase(0, eol + 2);
+            const long long now = nowNs();
+            const std::size_t at = line.find('t');
+            const std::size_t sp = line.find(' ', at == std::string::npos ? 0 : at);
+            if (at != std::string::npos && sp != std::string::npos) {
+                const long long typed = std::atoll(line.c_str() + sp + 1);
+                if (typed > 0) report += std::to_string((now - typed) / 1000) + " us " + line + "\n";
+            }
+        }
+    };
     while (more) {
         pollfd p{fd, POLLIN | POLLOUT, 0};
         if (poll(&p, 1, 1000) < 0 && errno != EINTR) break;
         if (p.revents & POLLIN) {
             char buf[4096];
             const ssize_t n = read(fd, buf, sizeof buf);
-            if (n <= 0) break;
-            incoming.append(buf, static_cast<std::size_t>(n));
-            std::size_t eol;
-            while ((eol = incoming.find("\r\n")) != std::string::npos) {
-                const std::string line = incoming.substr(0, eol);
-                incoming.erase(0, eol + 2);
-                const long long now = nowNs();
-                std::size_t at = line.find('t');
-                std::size_t sp = line.find(' ', at == std::string::npos ? 0 : at);
-                if (at != std::string::npos && sp != std::string::npos) {
-                    const long long typed = std::atoll(line.c_str() + sp + 1);
-                    if (typed > 0) report += std::to_string((now - typed) / 1000) + " us " + line + "\n";
-                }
-            }
+            if (n == 0 || (n < 0 && errno != EAGAIN && errno != EINTR)) break;
+            if (n > 0) take(buf, n);
         }
         if (p.revents & POLLOUT) {
             const ssize_t n = write(fd, data.data() + pos, data.size() - pos);
@@ -105,11 +111,14 @@ int main(int argc, char** argv) {
     // input would reset the connection and drop what the client had not
     // read yet.
     shutdown(fd, SHUT_WR);
+    fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) & ~O_NONBLOCK);
     for (;;) {
         pollfd p{fd, POLLIN, 0};
         if (poll(&p, 1, 10000) <= 0) break;
         char buf[4096];
-        if (read(fd, buf, sizeof buf) <= 0) break;
+        const ssize_t n = read(fd, buf, sizeof buf);
+        if (n <= 0) break;
+        take(buf, n);
     }
     close(fd);
     if (linesOut) std::ofstream(linesOut) << report;

@@ -9,6 +9,9 @@
 namespace kelpa::qt {
 
 QtSocket::QtSocket(QObject* parent) : QObject(parent) {
+    // Qt reads no further ahead than one chunk: a flood then waits in the
+    // kernel and slows the sender down, instead of piling up in memory.
+    socket_.setReadBufferSize(kChunk);
     QObject::connect(&socket_, &QTcpSocket::connected, this, [this] {
         open_ = true;
         emit connected();
