@@ -63,13 +63,15 @@ void BM_ReceiveRoad(benchmark::State& state) {
 }
 BENCHMARK(BM_ReceiveRoad)->Arg(512)->Arg(4 << 10)->Arg(64 << 10)->Unit(benchmark::kMillisecond);
 
-// The cost per byte as the run grows: history and log hold everything.
+// The cost per byte as the run grows: the history holds everything; the
+// log in memory keeps it too (second argument 1) or only counts it (0).
 void BM_ReceiveRoadRun(benchmark::State& state) {
     const std::size_t total = static_cast<std::size_t>(state.range(0));
     const std::string& data = sampleStream();
     for (auto _ : state) {
         state.PauseTiming();
         auto m = std::make_unique<MemoryClient>();
+        m->files.keepAppends = state.range(1) != 0;
         state.ResumeTiming();
         std::size_t pos = 0;
         for (std::size_t done = 0; done < total; done += 4096) {
@@ -84,7 +86,7 @@ void BM_ReceiveRoadRun(benchmark::State& state) {
     state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * total));
 }
 BENCHMARK(BM_ReceiveRoadRun)
-    ->Arg(1 << 20)->Arg(10 << 20)->Arg(100 << 20)
+    ->ArgsProduct({{1 << 20, 10 << 20, 100 << 20}, {1, 0}})
     ->Unit(benchmark::kMillisecond)->Iterations(3);
 
 // Bytes appended to a window at its limit, in 1 KB calls.

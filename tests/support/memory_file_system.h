@@ -65,6 +65,8 @@ public:
     std::size_t used = 0;
     // Opens and writes fail, as on a folder made read-only.
     bool readOnly = false;
+    // Appends are counted but not kept (a sink for long benches).
+    bool keepAppends = true;
 
 private:
     bool room(std::size_t n) const { return !readOnly && n <= capacity - std::min(used, capacity); }
@@ -75,7 +77,7 @@ private:
         bool write(const std::string& bytes) override {
             if (!fs_.room(bytes.size())) return false;
             fs_.used += bytes.size();
-            fs_.files[path_] += bytes;
+            if (fs_.keepAppends) fs_.files[path_] += bytes;
             return true;
         }
 
