@@ -1,6 +1,7 @@
 #include "output/output_writer.h"
 
 #include <array>
+#include <cstring>
 
 #include "common/text.h"
 
@@ -39,6 +40,34 @@ private:
     std::size_t scanned_ = 0;
 };
 
+// The next ESC or IAC, moving forward only. Each of the two bytes is
+// searched with memchr, and a hit found ahead is kept until it is passed, so
+// a call still looks at each byte at most twice, at memchr's speed.
+class ControlFinder {
+public:
+    explicit ControlFinder(std::string_view text) : text_(text) {}
+    std::size_t next(std::size_t pos) {
+        return std::min(refresh(esc_, '\x1B', pos), refresh(iac_, '\xFF', pos));
+    }
+    static constexpr std::size_t npos = std::string_view::npos;
+
+private:
+    struct Cached {
+        std::size_t at = 0;  // the hit, npos for none left
+        bool valid = false;
+    };
+    std::size_t refresh(Cached& c, char byte, std::size_t pos) {
+        if (c.valid && (c.at == npos || c.at >= pos)) return c.at;
+        c.valid = true;
+        if (pos >= text_.size()) return c.at = npos;
+        const void* hit = std::memchr(text_.data() + pos, byte, text_.size() - pos);
+        c.at = hit ? static_cast<std::size_t>(static_cast<const char*>(hit) - text_.data()) : npos;
+        return c.at;
+    }
+    std::string_view text_;
+    Cached esc_, iac_;
+};
+
 // A final at position 10000 or later of the cut text counts as none.
 constexpr std::size_t kFinalReach = 9999;
 constexpr std::size_t kLongestPending = 5;
@@ -58,13 +87,25 @@ void OutputWriter::W_Print(std::string_view input, int win) {
     st.Pending.clear();
     st.StartLen = windows_.text[win].size();
 
-    const std::string_view all(text);
-    ForwardFinder controls(all, std::string_view("\x1B\xFF", 2));
+    try {
+        writeAll(text, win);
+    } catch (...) {
+        // A failed call still leaves the window within its limit, or a flood
+        // of broken sequences would grow it without end.
+        applyLimit(win);
+        throw;
+    }
+    applyLimit(win);
+}
+
+void OutputWriter::writeAll(std::string_view all, int win) {
+    WindowState& st = windows_.state[win];
+    ControlFinder controls(all);
     ForwardFinder finals(all, CsiFinals);
     std::size_t pos = 0;
     while (true) {
-        const std::size_t ctl = controls.next(pos, all.size());
-        if (ctl == ForwardFinder::npos) break;
+        const std::size_t ctl = controls.next(pos);
+        if (ctl == ControlFinder::npos) break;
         writeSegment(all.substr(pos, ctl - pos), win, false);
         pos = ctl;
         if (all[pos] == kIac) {
@@ -85,7 +126,6 @@ void OutputWriter::W_Print(std::string_view input, int win) {
         pos = fin + 1;
     }
     writeSegment(all.substr(pos), win, true);
-    applyLimit(win);
 }
 
 void OutputWriter::writeSegment(std::string_view segment, int win, bool last) {

@@ -26,6 +26,7 @@ public:
     void W_Print(std::string_view text, int win);
 
 private:
+    void writeAll(std::string_view text, int win);
     void writeSegment(std::string_view segment, int win, bool last);
     void applyLimit(int win);
 

@@ -60,7 +60,10 @@ MainForm::MainForm(Platform& platform, QWidget* parent) : QWidget(parent), clien
 MainForm::~MainForm() { terminate(); }
 
 std::unique_ptr<MainForm> MainForm::createForThisSystem() {
-    auto platform = std::make_unique<QtPlatform>();
+    return createOn(std::make_unique<QtPlatform>());
+}
+
+std::unique_ptr<MainForm> MainForm::createOn(std::unique_ptr<QtPlatform> platform) {
     QtPlatform& p = *platform;
     auto form = std::make_unique<MainForm>(p.platform);
     MainForm* f = form.get();

@@ -45,6 +45,9 @@ public:
 
     // The window over the real socket, clock and program folder.
     static std::unique_ptr<MainForm> createForThisSystem();
+    // The same over a given platform, such as one rooted in another folder.
+    static std::unique_ptr<MainForm> createOn(std::unique_ptr<QtPlatform> platform);
+    QtPlatform* qtPlatform() const { return ownPlatform_.get(); }
 
     Client& client() { return client_; }
     // Mirrors the core now, instead of at the next frame.

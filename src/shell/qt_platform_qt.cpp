@@ -59,4 +59,6 @@ long long QtHost::instanceHandle() const { return QCoreApplication::applicationP
 QtPlatform::QtPlatform()
     : files(QCoreApplication::applicationDirPath().toStdString()) {}
 
+QtPlatform::QtPlatform(const std::filesystem::path& folder) : files(folder) {}
+
 }  // namespace kelpa::qt

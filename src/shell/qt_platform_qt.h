@@ -5,6 +5,7 @@
 #include <QLockFile>
 #include <QPointer>
 
+#include <filesystem>
 #include <memory>
 
 #include "platform/mt_random.h"
@@ -46,7 +47,9 @@ private:
 };
 
 struct QtPlatform {
+    // The program's folder is the executable's, unless given (benches, tests).
     QtPlatform();
+    explicit QtPlatform(const std::filesystem::path& folder);
 
     QtSocket socket;
     QtClock clock;

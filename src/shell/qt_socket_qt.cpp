@@ -2,11 +2,16 @@
 
 #include <QTimer>
 
+#include <algorithm>
+
 #include "common/text.h"
 
 namespace kelpa::qt {
 
 QtSocket::QtSocket(QObject* parent) : QObject(parent) {
+    // Qt reads no further ahead than one chunk: a flood then waits in the
+    // kernel and slows the sender down, instead of piling up in memory.
+    socket_.setReadBufferSize(kChunk);
     QObject::connect(&socket_, &QTcpSocket::connected, this, [this] {
         open_ = true;
         emit connected();
@@ -18,6 +23,7 @@ QtSocket::QtSocket(QObject* parent) : QObject(parent) {
 
 void QtSocket::connect(const std::string& host, const std::string& port) {
     open_ = false;
+    closing_ = false;
     socket_.abort();
     const int p = leadingInt32(port);
     if (p <= 0 || p > 65535) {
@@ -33,12 +39,43 @@ void QtSocket::connect(const std::string& host, const std::string& port) {
 
 void QtSocket::close() {
     open_ = false;
+    closing_ = false;
     socket_.close();
 }
 
 std::string QtSocket::getData() {
-    const QByteArray b = socket_.readAll();
-    return std::string(b.constData(), static_cast<std::size_t>(b.size()));
+    // At most one chunk per event: a flood then leaves the event loop
+    // turning between chunks, and the chunks reuse memory instead of
+    // taking megabytes of fresh pages at a time. The rest comes with a
+    // posted event of its own.
+    std::string data(static_cast<std::size_t>(std::min(socket_.bytesAvailable(), kChunk)), '\0');
+    const qint64 n = socket_.read(data.data(), static_cast<qint64>(data.size()));
+    data.resize(n > 0 ? static_cast<std::size_t>(n) : 0);
+    if (socket_.bytesAvailable() > 0 || closing_) postRest();
+    return data;
+}
+
+void QtSocket::postRest() {
+    if (restPosted_) return;
+    restPosted_ = true;
+    QTimer::singleShot(0, this, [this] {
+        restPosted_ = false;
+        if (!open_) return;
+        const qint64 before = socket_.bytesAvailable();
+        if (before == 0) {
+            if (closing_) finishClose();
+            return;
+        }
+        emit dataArrival();
+        // A handler that left the bytes must not hold up the close.
+        if (open_ && closing_ && !restPosted_ && socket_.bytesAvailable() == before) finishClose();
+    });
+}
+
+void QtSocket::finishClose() {
+    closing_ = false;
+    emit closed();
+    open_ = false;
 }
 
 void QtSocket::sendData(const std::string& bytes) {
@@ -47,10 +84,12 @@ void QtSocket::sendData(const std::string& bytes) {
 
 void QtSocket::onDisconnected() {
     if (!open_) return;  // our own close
-    // Bytes that arrived with the close come first.
-    if (socket_.bytesAvailable() > 0) emit dataArrival();
-    emit closed();
-    open_ = false;
+    // Bytes that arrived with the close come first, chunk by chunk.
+    closing_ = true;
+    if (socket_.bytesAvailable() > 0)
+        postRest();
+    else
+        finishClose();
 }
 
 void QtSocket::onError(QAbstractSocket::SocketError error) {

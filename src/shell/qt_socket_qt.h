@@ -12,6 +12,8 @@ namespace kelpa::qt {
 class QtSocket : public QObject, public Socket {
     Q_OBJECT
 public:
+    // The most one data event hands to the core.
+    static constexpr qint64 kChunk = 64 * 1024;
     explicit QtSocket(QObject* parent = nullptr);
 
     void connect(const std::string& host, const std::string& port) override;
@@ -35,12 +37,17 @@ private:
     void onDisconnected();
     void onError(QAbstractSocket::SocketError error);
     void fail(int number, const QString& description);
+    void postRest();
+    void finishClose();
 
     QTcpSocket socket_;
     // True from the connection until the close has been handled, so that
     // bytes that came with the server's close are still read.
     bool open_ = false;
     bool inConnectCall_ = false;
+    // The server closed; the close is told once its bytes were handed on.
+    bool closing_ = false;
+    bool restPosted_ = false;
 };
 
 }  // namespace kelpa::qt

@@ -113,3 +113,33 @@ TEST(QtSocket, ErrorNumbersAndStatusCodes) {
 
 }  // namespace
 }  // namespace kelpa::test
+
+namespace kelpa::test {
+namespace {
+
+TEST(QtSocket, AFloodComesInBoundedChunksAndWhollyBeforeTheClose) {
+    QByteArray flood;
+    for (int i = 0; flood.size() < 300 * 1024; ++i) flood += "line " + QByteArray::number(i) + "\r\n";
+    OneShotServer server(flood);
+    qt::QtSocket s;
+    Recorder r;
+    std::size_t largest = 0;
+    QObject::connect(&s, &qt::QtSocket::dataArrival, [&] {
+        if (s.state() != Socket::kConnected) return;
+        const std::string d = s.getData();
+        largest = std::max(largest, d.size());
+        r.data += d;
+    });
+    QObject::connect(&s, &qt::QtSocket::closed, [&] {
+        r.events.push_back("close:" + std::to_string(r.data.size()));
+        s.close();
+    });
+    s.connect("127.0.0.1", server.port());
+    QTRY_VERIFY_WITH_TIMEOUT(!r.events.empty(), 5000);
+    EXPECT_EQ(r.events.front(), "close:" + std::to_string(flood.size()));
+    EXPECT_EQ(r.data, flood.toStdString());
+    EXPECT_LE(largest, static_cast<std::size_t>(qt::QtSocket::kChunk));
+}
+
+}  // namespace
+}  // namespace kelpa::test

@@ -1,0 +1,242 @@
+// kelpa-bench: the whole program under a flood. Builds the real main window
+// in a temporary program folder, starts kelpa-stream-server in its own
+// process with a generated stream, connects, and reports what the player
+// would feel: the rate, the peak memory, the longest stall of the event
+// loop, the repaints, and whether every counted piece arrived.
+//
+//   kelpa-bench STREAM [--typing SECONDS] [--server PATH]
+//
+// STREAM comes from kelpa-streamgen, with STREAM.counts beside it. With
+// --typing the server repeats the stream for SECONDS while a line is typed
+// into the command line every 100 ms; the delays until the server has each
+// line are reported.
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTimer>
+
+#include <sys/resource.h>
+#include <time.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <map>
+#include <sstream>
+#include <vector>
+
+#include "output/output_view_qt.h"
+#include "shell/main_form_qt.h"
+#include "shell/qt_platform_qt.h"
+
+using namespace kelpa;
+
+namespace {
+
+long long nowNs() {
+    timespec ts;
+    clock_gettime(CLOCK_MONOTONIC, &ts);
+    return ts.tv_sec * 1000000000LL + ts.tv_nsec;
+}
+
+std::map<std::string, long long> readCounts(const std::string& path) {
+    std::map<std::string, long long> m;
+    std::ifstream in(path);
+    std::string line;
+    while (std::getline(in, line)) {
+        const auto eq = line.find('=');
+        if (eq != std::string::npos) m[line.substr(0, eq)] = std::atoll(line.c_str() + eq + 1);
+    }
+    return m;
+}
+
+long long countOf(const std::string& s, std::string_view what) {
+    long long n = 0;
+    for (std::size_t p = s.find(what); p != std::string::npos; p = s.find(what, p + what.size())) ++n;
+    return n;
+}
+
+// Counts paint events of a widget.
+class PaintCounter : public QObject {
+public:
+    long long paints = 0;
+    long long close = 0;  // paints within 2 ms of the one before
+    long long last = 0;
+    bool eventFilter(QObject*, QEvent* e) override {
+        if (e->type() == QEvent::Paint) {
+            ++paints;
+            const long long t = nowNs();
+            if (t - last < 2000000) ++close;
+            last = t;
+        }
+        return false;
+    }
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    QApplication app(argc, argv);
+    if (argc < 2) {
+        std::fprintf(stderr, "usage: %s STREAM [--typing SECONDS] [--server PATH]\n", argv[0]);
+        return 2;
+    }
+    const std::string stream = argv[1];
+    double typingSeconds = 0;
+    QString serverPath = QCoreApplication::applicationDirPath() + "/kelpa-stream-server";
+    for (int i = 2; i + 1 < argc; i += 2) {
+        if (!std::strcmp(argv[i], "--typing")) typingSeconds = std::atof(argv[i + 1]);
+        if (!std::strcmp(argv[i], "--server")) serverPath = QString::fromLocal8Bit(argv[i + 1]);
+    }
+    const auto counts = readCounts(stream + ".counts");
+    if (counts.empty()) {
+        std::fprintf(stderr, "no counts beside %s\n", stream.c_str());
+        return 2;
+    }
+
+    QTemporaryDir folder;
+    const QString linesOut = folder.filePath("lines.txt");
+    QProcess server;
+    QStringList serverArgs{QString::fromStdString(stream)};
+    if (typingSeconds > 0)
+        serverArgs << "--repeat-seconds" << QString::number(typingSeconds) << "--lines-out" << linesOut;
+    server.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    server.start(serverPath, serverArgs);
+    if (!server.waitForReadyRead(5000)) {
+        std::fprintf(stderr, "the server did not start\n");
+        return 1;
+    }
+    const QByteArray portLine = server.readLine().trimmed();
+    const QByteArray port = portLine.mid(5);
+
+    {
+        QFile book(folder.filePath("CONN.ZIG"));
+        book.open(QIODevice::WriteOnly);
+        book.write("SITE=Bench\r\nSSNA=bench\r\nSDNS=127.0.0.1\r\nSDNA=127.0.0.1\r\nSDP_=" + port +
+                   "\r\nSAP_=" + port + "\r\nSTRI=\r\nSDSC=\r\nloopback\r\n#\r\n");
+    }
+    auto form = qt::MainForm::createOn(std::make_unique<qt::QtPlatform>(folder.path().toStdString()));
+    Client& client = form->client();
+    form->show();
+
+    PaintCounter painted;
+    form->outputWindow(kMainWindow)->viewport()->installEventFilter(&painted);
+
+    // The probe: a 1 ms timer; a late tick is a stall of the event loop.
+    long long lastTick = 0, longestStall = 0;
+    bool flooding = false;
+    QTimer probe;
+    probe.setTimerType(Qt::PreciseTimer);
+    probe.setInterval(1);
+    QObject::connect(&probe, &QTimer::timeout, [&] {
+        const long long t = nowNs();
+        if (flooding && lastTick) longestStall = std::max(longestStall, t - lastTick);
+        lastTick = t;
+    });
+    probe.start();
+
+    // Typing: a line every 100 ms that carries the moment it was typed.
+    auto* text1 = form->findChild<QLineEdit*>(QStringLiteral("Text1"));
+    QTimer typist;
+    int typed = 0;
+    long long typedBytes = 0;  // what the typed lines add to the history
+    typist.setInterval(100);
+    QObject::connect(&typist, &QTimer::timeout, [&] {
+        text1->setText(QStringLiteral("t%1 %2").arg(++typed).arg(nowNs()));
+        QKeyEvent press(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+        typedBytes += text1->text().size() + 2;
+        QCoreApplication::sendEvent(text1, &press);
+    });
+
+    long long t0 = 0, t1 = 0, paintsAtStart = 0;
+    qt::QtSocket& socket = form->qtPlatform()->socket;
+    QObject::connect(&socket, &qt::QtSocket::connected, [&] {
+        t0 = nowNs();
+        flooding = true;
+        lastTick = 0;
+        paintsAtStart = painted.paints;
+        if (typingSeconds > 0) typist.start();
+    });
+    QObject::connect(&socket, &qt::QtSocket::closed, [&] {
+        typist.stop();
+        // Window 0 shows the end before the clock stops.
+        form->syncFromCore();
+        form->outputWindow(kMainWindow)->viewport()->repaint();
+        t1 = nowNs();
+        flooding = false;
+        QTimer::singleShot(0, &app, &QCoreApplication::quit);
+    });
+    QObject::connect(&socket, &qt::QtSocket::failed, [&](int n, const QString& d, long long) {
+        std::fprintf(stderr, "socket error %d %s\n", n, d.toLocal8Bit().constData());
+        app.exit(1);
+    });
+    client.bar.Site = "127.0.0.1";
+    client.bar.PPort = port.toStdString();
+    client.session.CMD_CONNECT_Click();
+    if (app.exec() != 0 || t1 == 0) return 1;
+
+    rusage ru{};
+    getrusage(RUSAGE_SELF, &ru);
+    const double seconds = (t1 - t0) / 1e9;
+    const long long paints = painted.paints - paintsAtStart;
+    server.waitForFinished(10000);
+
+    // Every byte received is in the history, with the telnet answers and
+    // the typed lines that were sent between the chunks.
+    const std::string& history = client.history.HistoryText;
+    const std::string answer("\xFF\xFA\x18\x00" "ANSI" "\x00\xFF\xF0", 11);
+    const long long answers = countOf(history, answer);
+    std::string log;
+    {
+        std::ifstream in(folder.filePath(QString::fromStdString(client.log.currentPath())).toStdString(),
+                         std::ios::binary);
+        std::stringstream ss;
+        ss << in.rdbuf();
+        log = ss.str();
+    }
+    const long long received =
+        static_cast<long long>(history.size()) - typedBytes - answers * static_cast<long long>(answer.size());
+    const long long bytes = counts.at("bytes");
+    const bool repeated = typingSeconds > 0;
+    const long long esc = countOf(history, "\x1b");
+    const long long crlf = countOf(history, "\r\n");
+    const long long abandoned = countOf(log, "\r\nERROR : ");
+
+    std::printf("mode=%s\n", repeated ? "typing" : "flood");
+    std::printf("bytes=%lld\nseconds=%.3f\nMB/s=%.1f\n", received, seconds, received / 1e6 / seconds);
+    std::printf("peak_rss_MB=%.1f\n", ru.ru_maxrss / 1024.0);
+    std::printf("rss_limit_MB=%.1f\n", 60 + 1.5 * received / 1048576.0);
+    std::printf("longest_stall_ms=%.2f\n", longestStall / 1e6);
+    std::printf("repaints=%lld\nrepaints_per_s=%.1f\n", paints, paints / seconds);
+    std::printf("repaints_within_2ms=%lld\n", painted.close);
+    std::printf("window0_chars=%zu\n", client.windows.text[kMainWindow].size());
+    std::printf("log_bytes=%zu\nlog_abandoned_chunks=%lld\n", log.size(), abandoned);
+    if (!repeated) {
+        const bool ok = received == bytes && answers == counts.at("do24") && esc == counts.at("sgr") &&
+                        crlf == counts.at("line_ends") &&
+                        countOf(history, "Password: ") == counts.at("passwords");
+        std::printf("history: bytes %lld of %lld, answers %lld of %lld, ESC %lld of %lld, CR LF %lld of %lld\n",
+                    received, bytes, answers, counts.at("do24"), esc, counts.at("sgr"), crlf,
+                    counts.at("line_ends"));
+        std::printf("log: ESC %lld of %lld\n", countOf(log, "\x1b"), counts.at("sgr"));
+        std::printf("counts_match=%s\n", ok ? "yes" : "NO");
+        return ok ? 0 : 3;
+    }
+    std::vector<long long> delays;
+    std::ifstream lines(linesOut.toStdString());
+    std::string l;
+    while (std::getline(lines, l)) delays.push_back(std::atoll(l.c_str()));
+    std::sort(delays.begin(), delays.end());
+    std::printf("typed=%d\nreached_server=%zu\n", typed, delays.size());
+    if (!delays.empty()) {
+        auto at = [&](double q) { return delays[std::min(delays.size() - 1, static_cast<std::size_t>(q * delays.size()))] / 1000.0; };
+        std::printf("delay_ms_p50=%.2f\ndelay_ms_p99=%.2f\ndelay_ms_max=%.2f\n", at(0.5), at(0.99),
+                    delays.back() / 1000.0);
+    }
+    return 0;
+}

@@ -1,0 +1,127 @@
+// kelpa-stream-server FILE [--repeat-seconds S] [--lines-out OUT]: the
+// sending side of the end-to-end benches, in a process of its own. Listens
+// on a free loopback port (printed as "PORT n"), takes one connection,
+// writes FILE as fast as the socket takes it (again and again for S
+// seconds, if given), then closes. Lines received meanwhile that read
+// "t<n> <monotonic ns>" are written to OUT with their delay.
+#include <arpa/inet.h>
+#include <fcntl.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+namespace {
+
+long long nowNs() {
+    timespec ts;
+    clock_gettime(CLOCK_MONOTONIC, &ts);
+    return ts.tv_sec * 1000000000LL + ts.tv_nsec;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc < 2) {
+        std::fprintf(stderr, "usage: %s FILE [--repeat-seconds S] [--lines-out OUT]\n", argv[0]);
+        return 2;
+    }
+    double repeatSeconds = 0;
+    const char* linesOut = nullptr;
+    for (int i = 2; i + 1 < argc; i += 2) {
+        if (!std::strcmp(argv[i], "--repeat-seconds")) repeatSeconds = std::atof(argv[i + 1]);
+        if (!std::strcmp(argv[i], "--lines-out")) linesOut = argv[i + 1];
+    }
+    std::ifstream in(argv[1], std::ios::binary);
+    std::stringstream ss;
+    ss << in.rdbuf();
+    const std::string data = ss.str();
+
+    const int lfd = socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in addr{};
+    addr.sin_family = AF_INET;
+    addr.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    if (bind(lfd, reinterpret_cast<sockaddr*>(&addr), sizeof addr) != 0 || listen(lfd, 1) != 0) {
+        std::perror("bind");
+        return 1;
+    }
+    socklen_t len = sizeof addr;
+    getsockname(lfd, reinterpret_cast<sockaddr*>(&addr), &len);
+    std::printf("PORT %d\n", ntohs(addr.sin_port));
+    std::fflush(stdout);
+    const int fd = accept(lfd, nullptr, nullptr);
+    close(lfd);
+    // Non-blocking, so that a full socket never keeps a typed line unread.
+    fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) | O_NONBLOCK);
+
+    const long long start = nowNs();
+    std::size_t pos = 0;
+    std::size_t sent = 0;
+    std::string incoming;
+    std::string report;
+    bool more = !data.empty();
+    auto take = [&](const char* buf, ssize_t n) {
+        incoming.append(buf, static_cast<std::size_t>(n));
+        std::size_t eol;
+        while ((eol = incoming.find("\r\n")) != std::string::npos) {
+            const std::string line = incoming.substr(0, eol);
+            incoming.erase(0, eol + 2);
+            const long long now = nowNs();
+            const std::size_t at = line.find('t');
+            const std::size_t sp = line.find(' ', at == std::string::npos ? 0 : at);
+            if (at != std::string::npos && sp != std::string::npos) {
+                const long long typed = std::atoll(line.c_str() + sp + 1);
+                if (typed > 0) report += std::to_string((now - typed) / 1000) + " us " + line + "\n";
+            }
+        }
+    };
+    while (more) {
+        pollfd p{fd, POLLIN | POLLOUT, 0};
+        if (poll(&p, 1, 1000) < 0 && errno != EINTR) break;
+        if (p.revents & POLLIN) {
+            char buf[4096];
+            const ssize_t n = read(fd, buf, sizeof buf);
+            if (n == 0 || (n < 0 && errno != EAGAIN && errno != EINTR)) break;
+            if (n > 0) take(buf, n);
+        }
+        if (p.revents & POLLOUT) {
+            const ssize_t n = write(fd, data.data() + pos, data.size() - pos);
+            if (n < 0 && errno != EAGAIN && errno != EINTR) break;
+            if (n > 0) {
+                pos += static_cast<std::size_t>(n);
+                sent += static_cast<std::size_t>(n);
+            }
+            if (pos == data.size()) {
+                pos = 0;
+                more = (nowNs() - start) / 1e9 < repeatSeconds;
+            }
+        }
+        if (p.revents & (POLLERR | POLLHUP)) break;
+    }
+    // Half-close, then read until the client closes: closing with unread
+    // input would reset the connection and drop what the client had not
+    // read yet.
+    shutdown(fd, SHUT_WR);
+    fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) & ~O_NONBLOCK);
+    for (;;) {
+        pollfd p{fd, POLLIN, 0};
+        if (poll(&p, 1, 10000) <= 0) break;
+        char buf[4096];
+        const ssize_t n = read(fd, buf, sizeof buf);
+        if (n <= 0) break;
+        take(buf, n);
+    }
+    close(fd);
+    if (linesOut) std::ofstream(linesOut) << report;
+    std::fprintf(stderr, "sent %zu bytes in %.3f s\n", sent, (nowNs() - start) / 1e9);
+    return 0;
+}

@@ -1,0 +1,131 @@
+// The edges of the receive road: a log that cannot be written, and floods
+// that never finish a line or a sequence.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+
+#include "support/client_harness.h"
+#include "support/memory_file_system.h"
+
+namespace kelpa::test {
+namespace {
+
+// Under the sanitizers the first touch of a large allocation costs its
+// shadow too; times there say nothing about the program.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kSanitized = true;
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+constexpr bool kSanitized = true;
+#else
+constexpr bool kSanitized = false;
+#endif
+#else
+constexpr bool kSanitized = false;
+#endif
+
+// A Client whose files live in memory, so the disk can fill up or turn
+// read-only on demand.
+struct MemoryDiskClient {
+    FakePlatform fp;
+    MemoryFileSystem files;
+    Platform platform{fp.socket, fp.clock, fp.random, files, fp.host};
+    Client c{platform};
+    MemoryDiskClient() {
+        c.Form_Load();
+        c.setDebugInfo(true);
+        fp.socket.connected = true;
+        c.session.s_Connect();
+    }
+    void receive(const std::string& chunk) {
+        fp.socket.incoming = chunk;
+        c.session.s_DataArrival();
+    }
+    std::string log() const {
+        auto it = files.files.find(c.log.currentPath());
+        return it == files.files.end() ? std::string() : it->second;
+    }
+    std::string window(int w) const { return std::string(c.windows.text[w].text()); }
+};
+
+TEST(Edges, ALogThatCannotBeWrittenLeavesTheTextAndTriesAgainLater) {
+    // The disk fills up, then the folder turns read-only; after each the
+    // next connection or day tries again.
+    for (const bool full : {true, false}) {
+        MemoryDiskClient m;
+        m.receive("before\r\n");
+        ASSERT_EQ(m.log(), "before\r\n\r\n");
+        if (full)
+            m.files.capacity = m.files.used;
+        else
+            m.files.readOnly = true;
+        m.receive("during\r\n");
+        m.receive("still\r\n");
+        EXPECT_NE(m.window(kMainWindow).find("during\r\nstill\r\n"), std::string::npos);
+        EXPECT_EQ(m.c.history.HistoryText, "before\r\nduring\r\nstill\r\n");
+        EXPECT_NE(m.window(kDebugWindow).find("Cannot write the log"), std::string::npos);
+        EXPECT_EQ(m.log(), "before\r\n\r\n");
+
+        m.files.capacity = static_cast<std::size_t>(-1);
+        m.files.readOnly = false;
+        if (full) {
+            m.c.session.s_Close();
+            m.fp.socket.connected = true;
+            m.c.session.s_Connect();
+        } else {
+            m.fp.clock.day = {2026, 11, 24};
+            m.c.as_timer_Timer();
+        }
+        m.receive("after\r\n");
+        EXPECT_NE(m.log().find("after\r\n"), std::string::npos) << full;
+    }
+}
+
+TEST(Edges, ALogFolderRemovedWhileConnectedIsMadeAgainByTheNextConnection) {
+    ClientHarness h;
+    h.c.bar.CurrentSite.ShortName = "mud";
+    h.c.session.s_Connect();
+    h.fp.socket.incoming = "one\r\n";
+    h.c.session.s_DataArrival();
+    std::filesystem::remove_all(h.fp.folder.path() / "logs");
+    h.fp.socket.incoming = "two\r\n";
+    h.c.session.s_DataArrival();
+    EXPECT_NE(h.window(kMainWindow).find("one\r\ntwo\r\n"), std::string::npos);
+    EXPECT_EQ(h.history(), "one\r\ntwo\r\n");
+
+    h.c.session.s_Close();
+    h.fp.socket.connected = true;
+    h.c.session.s_Connect();
+    h.fp.socket.incoming = "three\r\n";
+    h.c.session.s_DataArrival();
+    EXPECT_EQ(h.logFile(), "three\r\n\r\n");
+}
+
+// 10 MB in the 64 KB chunks the socket hands on: a text without a line
+// end, one ESC that never finds its final, one IAC SB that never ends.
+// Every chunk is done quickly, and nothing held between chunks grows.
+TEST(Edges, FloodsThatNeverEndALineOrASequenceStayCheapPerChunk) {
+    const std::size_t total = 10u << 20, chunk = 64u << 10;
+    const std::string heads[] = {"", "\x1b[", std::string("\xFF\xFA\x22", 3)};
+    for (const std::string& head : heads) {
+        MemoryDiskClient m;
+        m.c.setDebugInfo(false);
+        m.c.log.close();  // a log in memory would time its own growth
+        std::string body(chunk, '7');
+        double slowest = 0;
+        for (std::size_t done = 0; done < total; done += chunk) {
+            const auto t0 = std::chrono::steady_clock::now();
+            m.receive(done == 0 ? head + body.substr(head.size()) : body);
+            slowest = std::max(slowest, std::chrono::duration<double>(
+                                            std::chrono::steady_clock::now() - t0).count());
+        }
+        if (!kSanitized) EXPECT_LT(slowest, 0.030) << head.size();
+        EXPECT_EQ(m.c.history.HistoryText.size(), total);
+        EXPECT_LE(m.c.windows.text[kMainWindow].size(), 3500u);
+        EXPECT_LE(m.c.windows.state[kMainWindow].Pending.size(), 5u);
+    }
+}
+
+}  // namespace
+}  // namespace kelpa::test
