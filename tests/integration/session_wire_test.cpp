@@ -58,6 +58,10 @@ struct WirePlatform {
     Platform platform{socket, clock, random, files, host};
 };
 
+bool shows(qt::MainForm& form, const char* text) {
+    return form.client().windows.text[kMainWindow].text().find(text) != std::string_view::npos;
+}
+
 void type(QLineEdit* box, const char* line) {
     QTest::keyClicks(box, QString::fromLatin1(line));
     QTest::keyClick(box, Qt::Key_Return);
@@ -81,9 +85,9 @@ TEST(SessionOnTheWire, BytesWindowAndLogOfTwoConnectionsOnOneDay) {
     // then a typed line with ";;" in it.
     QTest::mouseClick(connectButton, Qt::LeftButton);
     const std::string init = "\x18hero\nsecret";
-    QTRY_VERIFY_WITH_TIMEOUT(server.received.size() == 1 && server.received[0].size() >= init.size() + 11, 5000);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return server.received.size() == 1 && server.received[0].size() >= init.size() + 11; }, 5000));
     type(text1, "look;;say hi");
-    QTRY_VERIFY_WITH_TIMEOUT(server.received[0].size() >= init.size() + 11 + 14, 5000);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return server.received[0].size() >= init.size() + 11 + 14; }, 5000));
     EXPECT_EQ(server.received[0], init + kAnswer + "look\r\nsay hi\r\n");
     EXPECT_TRUE(text1->text().isEmpty());
 
@@ -93,16 +97,15 @@ TEST(SessionOnTheWire, BytesWindowAndLogOfTwoConnectionsOnOneDay) {
 
     // The server ends the session: the log is closed and the bar allows a new one.
     server.current->disconnectFromHost();
-    QTRY_VERIFY_WITH_TIMEOUT(connectButton->isEnabled(), 5000);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return connectButton->isEnabled(); }, 5000));
     EXPECT_FALSE(disconnectButton->isEnabled());
 
     // Second connection on the same day appends to the same file.
     QTest::mouseClick(connectButton, Qt::LeftButton);
-    QTRY_VERIFY_WITH_TIMEOUT(server.received.size() == 2 && server.received[1] == init, 5000);
-    QTRY_VERIFY_WITH_TIMEOUT(std::string(form.client().windows.text[0].text()).find("Again") != std::string::npos,
-                             5000);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return server.received.size() == 2 && server.received[1] == init; }, 5000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return shows(form, "Again"); }, 5000));
     type(text1, "quit");
-    QTRY_COMPARE_WITH_TIMEOUT(server.received[1], init + "quit\r\n", 5000);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return server.received[1] == init + "quit\r\n"; }, 5000)) << ::testing::PrintToString(server.received[1]);
     QTest::mouseClick(disconnectButton, Qt::LeftButton);
 
     // Every print is one line of its own: the answer, each chunk as it came,
@@ -124,12 +127,12 @@ TEST(SessionOnTheWire, ANewDayWhileConnectedStartsTheNextFile) {
         QTest::keyClicks(box, QString::fromStdString(text));
     }
     QTest::mouseClick(form.findChild<QPushButton*>("CMD_CONNECT"), Qt::LeftButton);
-    QTRY_VERIFY_WITH_TIMEOUT(std::string(form.client().windows.text[0].text()).find("one") != std::string::npos, 5000);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return shows(form, "one"); }, 5000));
 
     p.clock.day = {2026, 11, 24};
     form.client().as_timer_Timer();
     server.current->write("two\r\n");
-    QTRY_VERIFY_WITH_TIMEOUT(std::string(form.client().windows.text[0].text()).find("two") != std::string::npos, 5000);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return shows(form, "two"); }, 5000));
 
     // With no site picked the log lies in the logs folder itself.
     EXPECT_EQ(p.folder.read("logs/H.20261123.txt"), "one\r\n\r\n");

@@ -42,7 +42,7 @@ TEST(CloseWithData, EveryByteIsShownLoggedAndKeptBeforeTheCloseIsHandled) {
     c.bar.Site = "127.0.0.1";
     c.bar.PPort = std::to_string(server.serverPort());
     c.session.CMD_CONNECT_Click();
-    QTRY_VERIFY_WITH_TIMEOUT(closed, 10000);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return closed; }, 10000));
     EXPECT_EQ(historyAtClose, text.toStdString());
     EXPECT_EQ(windowAtClose.substr(windowAtClose.size() - 14), "the last words");
     const std::string log = folder.read(c.log.currentPath());
