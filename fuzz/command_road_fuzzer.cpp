@@ -18,6 +18,11 @@ struct World {
         std::filesystem::create_directories(fp.folder.path() / "macros" / "sub");
         std::ofstream(fp.folder.path() / "macros" / "go.macro") << "n\r\ne\r\n#echo hi\r\n";
         std::ofstream(fp.folder.path() / "macros" / "sub" / "deep.macro") << "@go\r\nsay $*\r\n";
+        // Upper-case names are what then-parts and variables call; one calls
+        // itself with its arguments shifted, one sits in an override folder.
+        std::filesystem::create_directories(fp.folder.path() / "macros" / "AREA");
+        std::ofstream(fp.folder.path() / "macros" / "GO.macro") << "#sv x %1\r\n#ifnotnull %2 @GO %2 %3 %1\r\n";
+        std::ofstream(fp.folder.path() / "macros" / "AREA" / "GO.macro") << "#i %0 %1\r\n@go\r\n";
     }
 };
 

@@ -1,5 +1,5 @@
 // The receive road over chunks cut where the fuzzer says, with the switches
-// flipped between chunks. Whatever the bytes, the history holds every byte
+// flipped between chunks and a trigger set the fuzzer writes. Whatever the bytes, the history holds every byte
 // that arrived and window 0 stays within its limit.
 #include <fuzzer/FuzzedDataProvider.h>
 
@@ -13,6 +13,16 @@ using namespace kelpa;
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     FuzzedDataProvider in(data, size);
     fuzz::FuzzClient f;
+    // A few trigger files first, normal and global; their actions may send,
+    // set flags, inject and call macros, so the road re-enters itself.
+    const int files = in.ConsumeIntegralInRange<int>(0, 6);
+    for (int i = 0; i < files; ++i) {
+        const bool global = in.ConsumeBool();
+        const std::string body = in.ConsumeRandomLengthString(400);
+        f.files.writeAll(std::string(global ? "gtriggers/" : "triggers/") + "t" + std::to_string(i) + ".trigger",
+                         "pattern1=" + body);
+    }
+    if (files > 0) f.c.LoadTriggers();
     std::string expected;
     while (in.remaining_bytes() > 0) {
         // Numbers come from the end of the input, text from its front, so a
