@@ -4,13 +4,16 @@
 // would feel: the rate, the peak memory, the longest stall of the event
 // loop, the repaints, and whether every counted piece arrived.
 //
-//   kelpa-bench STREAM [--typing SECONDS] [--server PATH]
+//   kelpa-bench STREAM [--typing SECONDS] [--server PATH] [--triggers N]
 //
 // STREAM comes from kelpa-streamgen, with STREAM.counts beside it. With
 // --typing the server repeats the stream for SECONDS while a line is typed
 // into the command line every 100 ms; the delays until the server has each
-// line are reported.
+// line are reported. With --triggers the program folder gets N trigger
+// files: one in twenty a three-word phrase of the stream's words (about 2%
+// of lines fire), the others near misses that share its first two words.
 #include <QApplication>
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QKeyEvent>
@@ -78,6 +81,25 @@ public:
     }
 };
 
+// The stream's own words, so that patterns meet real prefixes.
+const char* const kWords[] = {"the",   "dragon", "sword", "gleams", "north", "you",   "see",    "a",
+                              "dark",  "forest", "path",  "winds",  "between", "ancient", "oaks", "and",
+                              "glowing", "runes", "guard", "shouts", "gold",  "coins", "lie",    "on",
+                              "floor", "tavern", "keeper", "smiles", "warmly", "east",  "west",   "stairs"};
+
+void writeTriggers(const QString& folder, int n) {
+    QDir(folder).mkpath(QStringLiteral("triggers"));
+    for (int i = 0; i < n; ++i) {
+        const int k = i / 20;
+        std::string pattern = std::string(kWords[k % 32]) + " " + kWords[(k / 32 + 7 * k + 1) % 32] + " ";
+        const std::string third = kWords[(3 * k + 5) % 32];
+        pattern += i % 20 == 0 ? third : third.substr(0, third.size() - 1) + static_cast<char>('a' + i % 20);
+        QFile f(folder + QStringLiteral("/triggers/t%1.trigger").arg(i, 5, 10, QLatin1Char('0')));
+        f.open(QIODevice::WriteOnly);
+        f.write(QByteArray::fromStdString("pattern1=" + pattern + "\r\naction=#math hits + %hits 1\r\n"));
+    }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -88,10 +110,12 @@ int main(int argc, char** argv) {
     }
     const std::string stream = argv[1];
     double typingSeconds = 0;
+    int triggers = 0;
     QString serverPath = QCoreApplication::applicationDirPath() + "/kelpa-stream-server";
     for (int i = 2; i + 1 < argc; i += 2) {
         if (!std::strcmp(argv[i], "--typing")) typingSeconds = std::atof(argv[i + 1]);
         if (!std::strcmp(argv[i], "--server")) serverPath = QString::fromLocal8Bit(argv[i + 1]);
+        if (!std::strcmp(argv[i], "--triggers")) triggers = std::atoi(argv[i + 1]);
     }
     const auto counts = readCounts(stream + ".counts");
     if (counts.empty()) {
@@ -120,6 +144,7 @@ int main(int argc, char** argv) {
         book.write("SITE=Bench\r\nSSNA=bench\r\nSDNS=127.0.0.1\r\nSDNA=127.0.0.1\r\nSDP_=" + port +
                    "\r\nSAP_=" + port + "\r\nSTRI=\r\nSDSC=\r\nloopback\r\n#\r\n");
     }
+    writeTriggers(folder.path(), triggers);
     auto form = qt::MainForm::createOn(std::make_unique<qt::QtPlatform>(folder.path().toStdString()));
     Client& client = form->client();
     form->show();
@@ -207,7 +232,8 @@ int main(int argc, char** argv) {
     const long long crlf = countOf(history, "\r\n");
     const long long abandoned = countOf(log, "\r\nERROR : ");
 
-    std::printf("mode=%s\n", repeated ? "typing" : "flood");
+    std::printf("mode=%s\ntriggers=%d\n", repeated ? "typing" : "flood", triggers);
+    if (triggers > 0) std::printf("fired=%s\n", client.variables.S_ExpandVars("%HITS").c_str());
     std::printf("bytes=%lld\nseconds=%.3f\nMB/s=%.1f\n", received, seconds, received / 1e6 / seconds);
     std::printf("peak_rss_MB=%.1f\n", ru.ru_maxrss / 1024.0);
     std::printf("rss_limit_MB=%.1f\n", 60 + 1.5 * received / 1048576.0);
