@@ -81,16 +81,3 @@ TEST(CommandRoad, DisconnectedPlainLinesVanishWhileOtherRoadsRun) {
     EXPECT_EQ(h.history(), "");
 }
 
-TEST(CommandRoad, BulkSendAndEscape) {
-    ClientHarness h;
-    h.c.Bulk_Send("");
-    h.c.Bulk_Send("a\r\nb");
-    EXPECT_EQ(h.fp.socket.writes, (Writes{"\r\n", "a\r\n", "b\r\n"}));
-    EXPECT_EQ(h.window(kMainWindow), "\r\na\r\nb\r\n");
-
-    h.c.Text1_Escape();
-    EXPECT_TRUE(h.fp.host.hidden);
-    h.fp.folder.write(Client::kShowFile, "");
-    h.c.as_timer_Timer();
-    EXPECT_FALSE(h.fp.host.hidden);
-}

@@ -47,28 +47,6 @@ TEST(FormLayout, RulesAtOneSize) {
     for (const auto& row : rows) EXPECT_EQ(f[row.control].*row.field, row.expected) << row.control;
 }
 
-TEST(FormLayout, GrowingMovesAndWidensTheWorkAreaOnly) {
-    const int dw = 1500, dh = 900;
-    FormLayout a, b;
-    a.Form_Resize(W0, H0);
-    b.Form_Resize(W0 + dw, H0 + dh);
-    auto grew = [&](const char* c, int TwipRect::*f) { return b[c].*f - a[c].*f; };
-    for (const char* c : {"PlayGround", "SSTab1", "SSTab2", "t", "HistT", "DBGWindow", "Mwindow(0)",
-                          "Mwindow(3)", "ToolsTabs", "Text1", "HistView", "Tseek"})
-        EXPECT_EQ(grew(c, &TwipRect::width), dw) << c;
-    for (const char* c : {"BTN_BULK", "BTN_Flags", "Label11", "DList", "BSeek", "brefresh"})
-        EXPECT_EQ(grew(c, &TwipRect::left), dw) << c;
-    for (const char* c : {"PlayGround", "SSTab1", "t", "HistT", "DBGWindow", "Mwindow(1)", "DList",
-                          "HistView"})
-        EXPECT_EQ(grew(c, &TwipRect::height), dh) << c;
-    for (const char* c : {"Text1", "BTN_BULK", "BTN_Flags", "InfoTabs", "DebugInfo", "Tseek",
-                          "BFilter"})
-        EXPECT_EQ(grew(c, &TwipRect::top), dh) << c;
-    for (const char* c : {"CB_Connections", "Site", "PPort", "SPort", "CMD_CONNECT",
-                          "CMD_DISCONNECT", "Frame3"})
-        EXPECT_EQ(b[c], FormLayout()[c]) << c;
-}
-
 TEST(FormLayout, TinyWindowSkipsNegativeSizesAndRestoresCleanly) {
     FormLayout f;
     f.Form_Resize(W0, H0);

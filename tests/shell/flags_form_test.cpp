@@ -12,27 +12,6 @@
 namespace kelpa::test {
 namespace {
 
-TEST(FlagsForm, AClickSetsTheFlagAndACoreChangeShowsWhileOpen) {
-    FormFixture f;
-    qt::FlagsForm* flags = f.form().flagsForm();
-    EXPECT_FALSE(flags->isVisible());
-    QTest::mouseClick(f.control<QPushButton>("BTN_Flags"), Qt::LeftButton);
-    ASSERT_TRUE(flags->isVisible());
-    EXPECT_EQ(flags->TRGFLAG(83)->text(), "83");
-
-    QTest::mouseClick(flags->TRGFLAG(5), Qt::LeftButton);
-    EXPECT_TRUE(f.form().client().flags.value[5]);
-
-    FlagTable& table = f.form().client().flags;
-    table.caption[7] = "hunting";
-    table.set(7, true);
-    table.set(5, false);
-    f.form().syncFromCore();
-    EXPECT_TRUE(flags->TRGFLAG(7)->isChecked());
-    EXPECT_EQ(flags->TRGFLAG(7)->text(), "hunting");
-    EXPECT_FALSE(flags->TRGFLAG(5)->isChecked());
-}
-
 TEST(FlagsForm, KeywordsShowWhileOpenAndClicksReachTheNextKeyword) {
     FormFixture f;
     f.fake.socket.connected = true;

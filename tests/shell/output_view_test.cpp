@@ -66,19 +66,6 @@ TEST(OutputLayout, ColoursAndUnderlineFollowTheRuns) {
     EXPECT_EQ(lines[1].spans[1].colour, QColor(Qt::darkGreen));
 }
 
-TEST(OutputView, TheMainWindowShowsBoxGlyphsWrittenWithGraphicsOnAndBytesOtherwise) {
-    FormFixture f;
-    Client& c = f.form().client();
-    c.writer.W_Print("\xDA\xC4\xBF\r\n", kMainWindow);
-    c.setGraphics(false);
-    c.writer.W_Print("\xDA\xC4\xBF", kMainWindow);
-    f.form().syncFromCore();
-    qt::OutputView* t = f.form().outputWindow(kMainWindow);
-    ASSERT_EQ(t->lineCount(), 2);
-    EXPECT_EQ(t->lineText(0), u"┌─┐"_qs);
-    EXPECT_EQ(t->lineText(1), u"Ú\u0000¿"_qs.replace(QChar(0), QChar(0xC4)));
-}
-
 TEST(OutputView, LongLinesWrapAtTheViewsWidth) {
     FormFixture f;
     qt::OutputView* t = f.form().outputWindow(kMainWindow);
@@ -123,16 +110,6 @@ TEST(OutputView, ASelectionCopiesTheTextAcrossLines) {
     QApplication::sendEvent(vp, &move);
     QTest::mouseRelease(vp, Qt::LeftButton, {}, QPoint(2 * cw + 1, lh + lh / 2));
     EXPECT_EQ(t->selectedText(), "bc\nde");
-}
-
-TEST(OutputView, TheViewsUseAFixedPitchFontAtTheWindowsSize) {
-    const QFont f = qt::monospaceFont(8.25);
-    const QFontInfo info(f);
-    EXPECT_TRUE(info.fixedPitch()) << info.family().toStdString();
-    EXPECT_DOUBLE_EQ(f.pointSizeF(), 8.25);
-    const QFontMetrics fm(f);
-    EXPECT_EQ(fm.horizontalAdvance('i'), fm.horizontalAdvance('W'));
-    EXPECT_EQ(fm.horizontalAdvance(QChar(0x2550)), fm.horizontalAdvance('W'));
 }
 
 class PaintCounter : public QObject {
