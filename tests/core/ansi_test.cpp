@@ -126,16 +126,3 @@ TEST(Ansi, FinalsOtherThanSgr) {
     }
 }
 
-TEST(Ansi, EscapeCapitalMFailsAndEndsTheCall) {
-    ClientHarness h;
-    try {
-        h.c.writer.W_Print("before" + ESC + "M" + csi("32m") + "after", kMainWindow);
-        ADD_FAILURE() << "no failure raised";
-    } catch (const RunError& e) {
-        EXPECT_EQ(e.number(), 5);
-        EXPECT_EQ(e.source(), "A_ParseCsi");
-    }
-    EXPECT_EQ(h.window(kMainWindow), "before");
-    EXPECT_EQ(h.state(kMainWindow).Colour, rgb(128, 128, 128));
-    EXPECT_THROW(h.c.ansi.A_ParseCsi(ESC + "m", kMainWindow), RunError);
-}

@@ -149,10 +149,6 @@ TEST(Keywords, InjectQueueMessageBossOverrideHelpAndUnknown) {
     const std::string text = help.debugText();
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 22);
     EXPECT_EQ(text.rfind("OVERRIDE par1 : sets an override directory for macros\r\n", 0), 0u);
-    EXPECT_TRUE(help.has("\r\nNOP/REP : does nothing\r\nINJECT/I par1: acts as if par1 has been received\r\n"
-                         "QUEUE/Q par1 : Queues par1 for later use (random timing less tha  53 seconds)\r\n"));
-    EXPECT_TRUE(help.has("IFLTE : if lower or equal\r\nMATH par1 par2 par3 par4: sets a variable par1 to the value "
-                         "of par2(par3,par4). par2 is an operand of + - * / \r\n"));
 }
 
 TEST(Keywords, CircularThenPartStopsAtTheNestingLimit) {

@@ -4,7 +4,6 @@
 
 #include <random>
 
-#include "output/box_chars.h"
 #include "support/client_harness.h"
 
 using namespace kelpa;
@@ -18,17 +17,6 @@ const std::string ESC = "\x1B";
 const std::uint32_t kRedBold = rgb(255, 127, 127);
 
 }  // namespace
-
-TEST(OutputWriter, WorkedExampleOfColoursAndTelnetInOneCall) {
-    ClientHarness h;
-    h.setGraphicsOff();
-    h.c.writer.W_Print(ESC + "[32mgo" + bytes({255, 251, 1}) + ESC + "[0mon\r\n", kMainWindow);
-    const OutputWindow& w = h.c.windows.text[kMainWindow];
-    EXPECT_EQ(h.window(kMainWindow), "goon\r\n");
-    EXPECT_EQ(styleAt(w, 0).colour, rgb(127, 255, 127));
-    EXPECT_EQ(styleAt(w, 1).colour, rgb(127, 255, 127));
-    for (std::size_t i = 2; i < 6; ++i) EXPECT_EQ(styleAt(w, i).colour, rgb(192, 192, 192));
-}
 
 TEST(OutputWriter, UnfinishedSequenceWaitsForTheNextCallOfItsWindow) {
     ClientHarness h;
@@ -121,9 +109,6 @@ TEST(OutputWriter, BoxBytesShowAsGraphicsOnlyWhenWrittenWithGraphicsOn) {
     EXPECT_EQ(h.window(kCustom1), box + box) << "the bytes themselves stay";
     for (std::size_t i = 0; i < 3; ++i) EXPECT_TRUE(styleAt(w, i).graphics) << i;
     for (std::size_t i = 3; i < 6; ++i) EXPECT_FALSE(styleAt(w, i).graphics) << i;
-    EXPECT_EQ(boxGlyph(0xB1), U'\u2591');
-    EXPECT_EQ(boxGlyph(0xE8), U'\u03A6');
-    EXPECT_EQ(boxGlyph('a'), 0u);
 }
 
 TEST(OutputWriter, LastSegmentTakesTheUnderlineOfTheCharacterBeforeIt) {

@@ -34,13 +34,6 @@ struct LogHarness : ClientHarness {
 TEST(SessionLog, PathIsBySiteAndDay) {
     EXPECT_EQ(SessionLog::pathFor("mud", Date{2001, 12, 31}), "logs/mud/H.20011231.txt");
     EXPECT_EQ(SessionLog::pathFor("x", Date{987, 1, 2}), "logs/x/H.09870102.txt");
-
-    ClientHarness h;  // no site: the log lies directly in logs
-    h.c.session.s_Connect();
-    h.fp.socket.incoming = "hi";
-    h.c.session.s_DataArrival();
-    EXPECT_TRUE(h.fp.files.exists("logs/H.20261123.txt"));
-    EXPECT_EQ(h.fp.folder.read("logs/H.20261123.txt"), "hi\r\n");
 }
 
 TEST(SessionLog, LoadingOpensNoLogAndTheFirstConnectionCreatesTheFolders) {
@@ -50,22 +43,6 @@ TEST(SessionLog, LoadingOpensNoLogAndTheFirstConnectionCreatesTheFolders) {
     h.c.session.s_Connect();
     EXPECT_TRUE(h.fp.files.exists("logs/mud/H.20261123.txt"));
     EXPECT_NE(h.c.log.LogFile, 0);
-}
-
-TEST(SessionLog, ChunksAndSentLinesInOrderAcrossTwoConnections) {
-    LogHarness h;
-    h.c.session.s_Connect();
-    h.receive("Welcome\r\nName: ");
-    h.c.Text1_Enter("bob");
-    h.c.session.s_Close();
-    h.c.Text1_Enter("dropped");
-    h.fp.socket.connected = true;
-    h.c.session.s_Connect();
-    h.receive("Back");
-    EXPECT_EQ(h.file("logs/mud/H.20261123.txt"),
-              "Welcome\r\nName: \r\n"
-              "bob\r\n\r\n"
-              "Back\r\n");
 }
 
 TEST(SessionLog, ChangeOfDaySwitchesTheFileInBothDirections) {

@@ -2,8 +2,6 @@
 // the moment a record is tested, the two passes, "$*", failures, INJECT.
 #include <gtest/gtest.h>
 
-#include <random>
-
 #include "support/trigger_fixture.h"
 
 namespace kelpa::test {
@@ -118,53 +116,6 @@ TEST(TriggerMatch, InjectedTextNestsAndTheDepthGuardEndsRunawayLoops) {
     t.receive("ping");  // and the road goes on
     EXPECT_EQ(t.sent(), "got  PONG\r\nafter\r\n");
 }
-
-}  // namespace
-}  // namespace kelpa::test
-
-namespace kelpa::test {
-namespace {
-
-// Trigger files and chunks put together from pieces that reach every rule
-// of the format and the keywords that re-enter; whatever they hold, the
-// road ends each chunk and goes on.
-TEST(TriggerMatch, RandomTriggerSetsNeverStopTheRoad) {
-    static const char* pieces[] = {"flag1=1",      "FLAG2=3",     "flag=",         "flag1=99",  "flag51=1",
-                                   "pattern1=a",   "pattern2=ab", "pattern1=",     "pattern1x", "PATTERN1=b",
-                                   "action=#I ab", "action=#I a", "action=#SF 1 1", "action=#SF 3 0", "action=say $*",
-                                   "action=@m",    "; comment",   "",              "action=#I A$*"};
-    std::mt19937 rng(5);
-    int guarded = 0;
-    for (int round = 0; round < 20; ++round) {
-        TriggerFixture t;
-        t.openLog();
-        t.fp.folder.write("macros/m.macro", "#I ab\r\n#I ba\r\n");
-        for (int f = 0; f < 15; ++f) {
-            std::string file;
-            for (int n = static_cast<int>(rng() % 8); n > 0; --n) file += std::string(pieces[rng() % 19]) + "\r\n";
-            t.trigger("r" + std::to_string(f) + ".trigger", file);
-        }
-        t.trigger("check.trigger", "pattern1=CHECK\r\naction=final", true);
-        t.c.LoadTriggers();
-        for (int chunk = 0; chunk < 20; ++chunk) {
-            std::string text;
-            for (int n = static_cast<int>(rng() % 12); n > 0; --n) text += "ab\r\nA"[rng() % 6];
-            t.receive(text);
-        }
-        t.fp.socket.sent.clear();
-        t.c.flags.reset();
-        t.receive("CHECK");
-        EXPECT_NE(t.sent().find("final\r\n"), std::string::npos) << round;
-        guarded += t.logFile().find("Out of stack space") != std::string::npos;
-    }
-    EXPECT_GT(guarded, 0);  // runaway loops were among them
-}
-
-}  // namespace
-}  // namespace kelpa::test
-
-namespace kelpa::test {
-namespace {
 
 TEST(TriggerMatch, AReloadDuringAnActionEndsThePassOverTheOldTables) {
     TriggerFixture t;

@@ -60,18 +60,6 @@ TEST(Variables, TableOrderDecidesShadowingAndSecondExpansion) {
     EXPECT_EQ(t.debugWindow.text(), "");  // the debug switch is off
 }
 
-TEST(Variables, SetValTellsEntryNameValueAndTime) {
-    Table t;
-    t.debug.enabled = true;
-    t.vars.S_SetVal("HP", "10");
-    t.vars.S_SetVal("SP", "");
-    t.vars.S_SetVal("HP", "9 8");
-    EXPECT_EQ(t.debugWindow.text(),
-              "Setting value of 1 HP to 10  operation took 0 seconds.\r\n"
-              "Setting value of 2 SP to   operation took 0 seconds.\r\n"
-              "Setting value of 1 HP to 9 8  operation took 0 seconds.\r\n");
-}
-
 TEST(Variables, IndexedExpansionMatchesOnePassPerEntry) {
     std::mt19937 rng(20261123);
     for (int round = 0; round < 3000; ++round) {

@@ -56,7 +56,7 @@ public:
 
 class FakeRandom : public Random {
 public:
-    void seed(std::uint32_t s) override { seeded = s; }
+    void seed(std::uint32_t) override {}
     double next() override {
         if (values.empty()) return 0.5;
         double v = values.front();
@@ -64,7 +64,6 @@ public:
         return v;
     }
     std::deque<double> values;
-    std::uint32_t seeded = 0;
 };
 
 class FakeHost : public Host {
