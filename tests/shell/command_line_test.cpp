@@ -15,7 +15,7 @@
 namespace kelpa::test {
 namespace {
 
-TEST(CommandLine, EnterSendsTheLineAndThenEmptiesTheBox) {
+TEST(CommandLine, EnterSendsTheLineInTheCodePageAndThenEmptiesTheBox) {
     FormFixture f;
     f.fake.socket.connected = true;
     auto* text1 = f.control<QLineEdit>("Text1");
@@ -23,18 +23,10 @@ TEST(CommandLine, EnterSendsTheLineAndThenEmptiesTheBox) {
     QTest::keyClick(text1, Qt::Key_Return);
     EXPECT_EQ(f.fake.socket.sent, "look\r\n");
     EXPECT_TRUE(text1->text().isEmpty());
-
     QTest::keyClick(text1, Qt::Key_Enter);  // the keypad's Enter, on an empty box
-    EXPECT_EQ(f.fake.socket.sent, "look\r\n\r\n");
-}
-
-TEST(CommandLine, TypedCharactersReachTheServerInTheCodePage) {
-    FormFixture f;
-    f.fake.socket.connected = true;
-    auto* text1 = f.control<QLineEdit>("Text1");
     text1->setText(QString::fromUtf8("say caf\u00e9 \u20ac5 \u4e2d"));
     QTest::keyClick(text1, Qt::Key_Return);
-    EXPECT_EQ(f.fake.socket.sent, "say caf\xE9 \x80" "5 ?\r\n");
+    EXPECT_EQ(f.fake.socket.sent, "look\r\n\r\nsay caf\xE9 \x80" "5 ?\r\n");
 }
 
 TEST(CommandLine, EscapeHidesTheWindowAndKeepsTheText) {
@@ -80,35 +72,24 @@ void withBulkOpen(FormFixture& f, F inside) {
     QTest::mouseClick(f.control<QPushButton>("BTN_BULK"), Qt::LeftButton);
 }
 
-TEST(BulkDialog, SendSendsEveryLine) {
+TEST(BulkDialog, SendSendsEveryLineCancelAndEscapeSendNothingAndKeepTheText) {
     FormFixture f;
     f.fake.socket.connected = true;
+    withBulkOpen(f, [](qt::BulkDialog* bulk) { QTest::mouseClick(bulk->OKButton, Qt::LeftButton); });
+    EXPECT_EQ(f.fake.socket.sent, "\r\n") << "an empty box sends a bare line end";
     withBulkOpen(f, [](qt::BulkDialog* bulk) {
         bulk->TXT_Bulk->setPlainText("north\nsouth");
         QTest::mouseClick(bulk->OKButton, Qt::LeftButton);
     });
-    EXPECT_EQ(f.fake.socket.sent, "north\r\nsouth\r\n");
+    EXPECT_EQ(f.fake.socket.sent, "\r\nnorth\r\nsouth\r\n");
     EXPECT_TRUE(f.form().bulkDialog()->TXT_Bulk->toPlainText().isEmpty());
     EXPECT_FALSE(f.form().bulkDialog()->isVisible());
-}
 
-TEST(BulkDialog, SendWithAnEmptyBoxSendsABareLineEnd) {
-    FormFixture f;
-    f.fake.socket.connected = true;
-    withBulkOpen(f, [](qt::BulkDialog* bulk) { QTest::mouseClick(bulk->OKButton, Qt::LeftButton); });
-    EXPECT_EQ(f.fake.socket.sent, "\r\n");
-}
-
-TEST(BulkDialog, CancelAndEscapeSendNothingAndKeepTheText) {
-    FormFixture f;
-    f.fake.socket.connected = true;
+    f.fake.socket.sent.clear();
     withBulkOpen(f, [](qt::BulkDialog* bulk) {
         bulk->TXT_Bulk->setPlainText("kill rat");
         QTest::mouseClick(bulk->CancelButton, Qt::LeftButton);
     });
-    EXPECT_TRUE(f.fake.socket.sent.empty());
-    EXPECT_EQ(f.form().bulkDialog()->TXT_Bulk->toPlainText(), "kill rat");
-
     withBulkOpen(f, [](qt::BulkDialog* bulk) { QTest::keyClick(bulk, Qt::Key_Escape); });
     EXPECT_TRUE(f.fake.socket.sent.empty());
     EXPECT_EQ(f.form().bulkDialog()->TXT_Bulk->toPlainText(), "kill rat");
