@@ -5,13 +5,10 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QTcpServer>
-#include <QTcpSocket>
 #include <QTest>
 
+#include "loopback.h"
 #include "shell/main_form_qt.h"
-#include "shell/qt_socket_qt.h"
-#include "support/fakes.h"
 
 namespace kelpa::test {
 namespace {
@@ -19,44 +16,6 @@ namespace {
 using namespace std::string_literals;
 
 const std::string kAnswer("\xFF\xFA\x18\x00" "ANSI" "\x00\xFF\xF0", 11);
-
-// Each connection gets the next greeting; what each one sent is kept.
-struct ScriptedServer {
-    explicit ScriptedServer(std::vector<std::string> greetings) : greetings_(std::move(greetings)) {
-        server.listen(QHostAddress::LocalHost);
-        QObject::connect(&server, &QTcpServer::newConnection, [this] {
-            QTcpSocket* c = server.nextPendingConnection();
-            const std::size_t n = received.size();
-            received.emplace_back();
-            current = c;
-            QObject::connect(c, &QTcpSocket::readyRead, [this, c, n] {
-                const QByteArray b = c->readAll();
-                received[n].append(b.constData(), static_cast<std::size_t>(b.size()));
-            });
-            if (n < greetings_.size())
-                c->write(greetings_[n].data(), static_cast<qint64>(greetings_[n].size()));
-        });
-    }
-    std::string port() const { return std::to_string(server.serverPort()); }
-
-    QTcpServer server;
-    std::vector<std::string> received;
-    QTcpSocket* current = nullptr;
-
-private:
-    std::vector<std::string> greetings_;
-};
-
-// The real socket with a clock, a host and a folder of the test's own.
-struct WirePlatform {
-    TempFolder folder;
-    qt::QtSocket socket;
-    FakeClock clock;
-    FakeRandom random;
-    StdFileSystem files{folder.path()};
-    FakeHost host;
-    Platform platform{socket, clock, random, files, host};
-};
 
 bool shows(qt::MainForm& form, const char* text) {
     return form.client().windows.text[kMainWindow].text().find(text) != std::string_view::npos;

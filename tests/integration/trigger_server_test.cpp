@@ -2,43 +2,16 @@
 // that come back over the real socket are the contract.
 #include <gtest/gtest.h>
 
-#include <QTcpServer>
-#include <QTcpSocket>
 #include <QElapsedTimer>
 #include <QTest>
 
+#include "loopback.h"
 #include "shell/client.h"
-#include "shell/qt_socket_qt.h"
-#include "support/fakes.h"
 
 namespace kelpa::test {
 namespace {
 
-struct ScriptedServer {
-    ScriptedServer() {
-        server.listen(QHostAddress::LocalHost);
-        QObject::connect(&server, &QTcpServer::newConnection, [this] {
-            peer = server.nextPendingConnection();
-            QObject::connect(peer, &QTcpSocket::readyRead, [this] { got += peer->readAll().toStdString(); });
-        });
-    }
-    void send(const char* text) {
-        peer->write(text);
-        peer->flush();
-    }
-    QTcpServer server;
-    QTcpSocket* peer = nullptr;
-    std::string got;
-};
-
-struct LiveClient {
-    TempFolder folder;
-    qt::QtSocket socket;
-    FakeClock clock;
-    FakeRandom random;
-    StdFileSystem files{folder.path()};
-    FakeHost host;
-    Platform platform{socket, clock, random, files, host};
+struct LiveClient : WirePlatform {
     std::unique_ptr<Client> c;
 
     // The socket outlives the client and tells of its close when it goes.
@@ -66,20 +39,20 @@ TEST(TriggerServer, LinesFireActionsThatSendSetFlagsAndInject) {
     client.folder.write("triggers/e_heard.trigger", "pattern1=YOU HEAR  BOB\r\naction=reply %WHO");
     client.folder.write("gtriggers/prompt.trigger",
                         "pattern1=HP:\r\npattern1=MV:\r\naction=#SV WHO bob\r\npattern1=HP:\r\npattern1=MV:\r\naction=look");
-    client.start(std::to_string(server.server.serverPort()));
+    client.start(server.port());
     QElapsedTimer t;
     t.start();
-    while (!(server.peer && client.socket.state() == Socket::kConnected) && t.elapsed() < 5000) QTest::qWait(5);
+    while (!(server.current && client.socket.state() == Socket::kConnected) && t.elapsed() < 5000) QTest::qWait(5);
     ASSERT_EQ(client.socket.state(), Socket::kConnected);
 
     auto exchange = [&](const char* text, const std::string& expected) {
-        server.got.clear();
+        server.received.back().clear();
         server.send(text);
         // QTest's own waiting macros do not report to GoogleTest.
         QElapsedTimer t;
         t.start();
-        while (server.got.size() < expected.size() && t.elapsed() < 5000) QTest::qWait(5);
-        EXPECT_EQ(server.got, expected) << text;
+        while (server.received.back().size() < expected.size() && t.elapsed() < 5000) QTest::qWait(5);
+        EXPECT_EQ(server.received.back(), expected) << text;
     };
     // The flag is clear, so only the rat answers.
     exchange("You are hungry\r\nA rat arrives.\r\n", "kill rat\r\n");
@@ -91,10 +64,10 @@ TEST(TriggerServer, LinesFireActionsThatSendSetFlagsAndInject) {
     exchange("HP:10\r\nMV:20\r\n", "look\r\n");
     // The whisper is injected in capitals and fires a trigger of its own.
     exchange("Bob whispers hi\r\n", "reply BOB\r\n");
-    server.got.clear();
+    server.received.back().clear();
     server.send("nothing here\r\n");
     QTest::qWait(100);
-    EXPECT_EQ(server.got, "");
+    EXPECT_EQ(server.received.back(), "");
 }
 
 }  // namespace
