@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QApplication>
+#include <QListWidget>
 #include <QTest>
 #include <QWidget>
 
@@ -34,5 +35,12 @@ struct FormFixture {
 private:
     std::unique_ptr<qt::MainForm> form_;
 };
+
+// The texts of a list's entries, top to bottom.
+inline QStringList itemsOf(QListWidget* list) {
+    QStringList out;
+    for (int i = 0; i < list->count(); ++i) out << list->item(i)->text();
+    return out;
+}
 
 }  // namespace kelpa::test

@@ -15,12 +15,6 @@
 namespace kelpa::test {
 namespace {
 
-QStringList items(QListWidget* list) {
-    QStringList out;
-    for (int i = 0; i < list->count(); ++i) out << list->item(i)->text();
-    return out;
-}
-
 // The page on screen: "Tools", then "Macros".
 qt::MacroPage* shownPage(FormFixture& f) {
     f.form().tabs()->setCurrentIndex(6);
@@ -44,7 +38,7 @@ TEST(MacroPage, ListsOpensSavesAndReloads) {
     f.fake.folder.write("macros/notes.txt", "-");
     f.fake.folder.write("macros/AREA/o.macro", "o");
     qt::MacroPage* page = shownPage(f);
-    EXPECT_EQ(items(page->Mlist), (QStringList{"a.macro", "b.macro"}));
+    EXPECT_EQ(itemsOf(page->Mlist), (QStringList{"a.macro", "b.macro"}));
     EXPECT_EQ(page->txtMacrosLabel->text(), "?.macro");
     EXPECT_EQ(page->txtMacrosCommands->toPlainText(),
               "#NOP  ************************************* \n#NOP  *                MACRO              * \n"
@@ -62,13 +56,13 @@ TEST(MacroPage, ListsOpensSavesAndReloads) {
     EXPECT_EQ(f.fake.folder.read("macros/new.macro"), "say new\r\nsay more\r\n");
     EXPECT_EQ(page->Mlist->count(), 2);  // not refreshed by Save
     QTest::mouseClick(page->brefresh3, Qt::LeftButton);
-    EXPECT_EQ(items(page->Mlist), (QStringList{"a.macro", "b.macro", "new.macro"}));
+    EXPECT_EQ(itemsOf(page->Mlist), (QStringList{"a.macro", "b.macro", "new.macro"}));
 
     // The override list; Save goes where the label says.
     f.form().client().Text1_Enter("#override area");
     QTest::mouseClick(page->Command1, Qt::LeftButton);
     EXPECT_EQ(page->MListName->text(), "Override(AREA)");
-    EXPECT_EQ(items(page->Mlist), QStringList{"o.macro"});
+    EXPECT_EQ(itemsOf(page->Mlist), QStringList{"o.macro"});
     QTest::mouseClick(page->BTNMacrosSave, Qt::LeftButton);
     EXPECT_EQ(f.fake.folder.read("macros/AREA/new.macro"), "say new\r\nsay more\r\n");
     f.form().client().Text1_Enter("@new");
@@ -89,7 +83,7 @@ TEST(MacroPage, DeleteAsksAndFailuresKeepTheBoxes) {
     f.fake.host.answerYes = true;
     QTest::mouseClick(page->BTNMacrosDelete, Qt::LeftButton);
     EXPECT_FALSE(std::filesystem::exists(f.fake.folder.path() / "macros/a.macro"));
-    EXPECT_EQ(items(page->Mlist), QStringList{"b.macro"});
+    EXPECT_EQ(itemsOf(page->Mlist), QStringList{"b.macro"});
     EXPECT_EQ(page->txtMacrosLabel->text(), "?.macro");
 
     // The template's "?" and a folder that does not exist: told, text kept.

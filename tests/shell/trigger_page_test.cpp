@@ -37,12 +37,7 @@ struct TriggerPageFixture : FormFixture {
         fake.folder.write("triggers/a.trigger", "pattern1=x\r\naction=y");
         fake.folder.write("gtriggers/g.trigger", "pattern1=g\r\naction=global");
     }
-    QStringList list() {
-        QStringList names;
-        auto* l = control<QListWidget>("TList");
-        for (int i = 0; i < l->count(); ++i) names << l->item(i)->text();
-        return names;
-    }
+    QStringList list() { return itemsOf(control<QListWidget>("TList")); }
     void click(const char* name) {
         QTest::mouseClick(control<QAbstractButton>(name), Qt::LeftButton);
         form().syncFromCore();
