@@ -20,7 +20,7 @@ public:
     // A text that branches (a macro calling itself twice) stays under the
     // depth yet doubles its work at every level; one command from outside
     // may run at most this many nested texts.
-    static constexpr int kNestedTextBudget = 10000;
+    static constexpr int kNestedTextBudget = 1000;
 
     CommandRoad(Sender& sender, DebugChannel& debug) : sender_(sender), debug_(debug) {}
 

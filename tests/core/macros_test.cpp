@@ -91,10 +91,10 @@ TEST(Macros, BranchingCallsStopAtTheBudgetOfOneRun) {
     Macros h;
     h.file("tree.macro", "@tree\r\n@tree");
     h.run("@tree\r\nsay alive");
-    EXPECT_EQ(h.count("More than 10000 nested commands in one run, stopped at: @tree\r\n"), 1u);
+    EXPECT_EQ(h.count("More than 1000 nested commands in one run, stopped at: @tree\r\n"), 1u);
     EXPECT_EQ(h.fp.socket.writes, Writes{"say alive\r\n"});
     // The next command from outside has the whole budget again.
     h.c.windows.text[kDebugWindow].clear();
     h.run("@tree");
-    EXPECT_EQ(h.count("More than 10000 nested commands in one run"), 1u);
+    EXPECT_EQ(h.count("More than 1000 nested commands in one run"), 1u);
 }
