@@ -24,7 +24,7 @@ public:
     };
     // A text that would grow beyond this while being expanded is left as
     // it was; doubling values could otherwise exhaust the memory.
-    static constexpr std::size_t kMaxExpandedSize = 8u << 20;
+    static constexpr std::size_t kMaxExpandedSize = 1u << 20;
     // A long text may still double.
     static std::size_t expansionLimit(std::size_t textSize) {
         return textSize > kMaxExpandedSize / 2 ? textSize * 2 : kMaxExpandedSize;
