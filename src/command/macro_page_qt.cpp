@@ -68,7 +68,8 @@ MacroPage::MacroPage(MacroEditor& editor, Runner run, QWidget* page)
 
 void MacroPage::click(QPushButton* b, const char* handler, void (MacroEditor::*action)()) {
     connect(b, &QPushButton::clicked, this, [this, handler, action] {
-        run_(handler, [&] { (editor_.*action)(); });
+        MacroEditor& editor = editor_;
+        run_(handler, [&editor, action] { (editor.*action)(); });
         sync();
     });
 }
