@@ -6,20 +6,6 @@
 
 namespace kelpa {
 
-namespace {
-
-bool startsWithUpper(std::string_view line, std::string_view key) {
-    if (line.size() < key.size()) return false;
-    for (std::size_t i = 0; i < key.size(); ++i) {
-        char c = line[i];
-        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-        if (c != key[i]) return false;
-    }
-    return true;
-}
-
-}  // namespace
-
 std::string TriggerEditor::folder() const {
     return global ? TriggerStore::kGlobalFolder : TriggerStore::kNormalFolder;
 }

@@ -20,8 +20,6 @@ const PatternGroup& TriggerRecord::patternGroup(int g) const {
                : empty;
 }
 
-namespace {
-
 bool startsWithUpper(std::string_view line, std::string_view key) {
     if (line.size() < key.size()) return false;
     for (std::size_t i = 0; i < key.size(); ++i) {
@@ -31,8 +29,6 @@ bool startsWithUpper(std::string_view line, std::string_view key) {
     }
     return true;
 }
-
-}  // namespace
 
 std::vector<std::string_view> triggerFileLines(std::string_view s) {
     std::vector<std::string_view> lines;
