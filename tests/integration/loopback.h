@@ -44,14 +44,6 @@ private:
     std::vector<std::string> greetings_;
 };
 
-struct WirePlatform {
-    TempFolder folder;
-    qt::QtSocket socket;
-    FakeClock clock;
-    FakeRandom random;
-    StdFileSystem files{folder.path()};
-    FakeHost host;
-    Platform platform{socket, clock, random, files, host};
-};
+using WirePlatform = PlatformWith<qt::QtSocket>;
 
 }  // namespace kelpa::test

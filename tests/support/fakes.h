@@ -110,15 +110,19 @@ private:
     std::filesystem::path path_;
 };
 
-// Everything a Client needs, served by the fakes and a temporary folder.
-struct FakePlatform {
+// Everything a Client needs, served by the fakes and a temporary folder;
+// the socket may be a real one.
+template <typename SocketType>
+struct PlatformWith {
     TempFolder folder;
-    FakeSocket socket;
+    SocketType socket;
     FakeClock clock;
     FakeRandom random;
     StdFileSystem files{folder.path()};
     FakeHost host;
     Platform platform{socket, clock, random, files, host};
 };
+
+using FakePlatform = PlatformWith<FakeSocket>;
 
 }  // namespace kelpa::test
