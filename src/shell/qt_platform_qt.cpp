@@ -10,6 +10,11 @@
 #include "shell/widget_kit_qt.h"
 
 #include <cstdlib>
+#include <cerrno>
+#include <cstdint>
+
+#include <sys/mman.h>
+#include <unistd.h>
 
 namespace kelpa::qt {
 
@@ -55,6 +60,23 @@ bool QtHost::askYesNo(const std::string& text, const std::string& title) {
 }
 
 long long QtHost::instanceHandle() const { return QCoreApplication::applicationPid(); }
+
+void LinuxPageWarmer::warm(char* begin, std::size_t bytes) {
+#ifdef MADV_POPULATE_WRITE
+    constexpr int kPopulateWrite = MADV_POPULATE_WRITE;
+#else
+    constexpr int kPopulateWrite = 23;  // Linux 5.14
+#endif
+    if (unsupported_ || bytes == 0) return;
+    static const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
+    // The call takes whole pages; the part-page at the start is the
+    // text's own and warm already.
+    const auto from = (reinterpret_cast<std::uintptr_t>(begin) + page - 1) & ~(page - 1);
+    const auto to = (reinterpret_cast<std::uintptr_t>(begin) + bytes) & ~(page - 1);
+    if (to <= from) return;
+    if (madvise(reinterpret_cast<void*>(from), to - from, kPopulateWrite) != 0 && errno == EINVAL)
+        unsupported_ = true;
+}
 
 QtPlatform::QtPlatform()
     : files(QCoreApplication::applicationDirPath().toStdString()) {}

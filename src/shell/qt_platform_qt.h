@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <memory>
 
+#include "history/history_text.h"
 #include "platform/mt_random.h"
 #include "platform/platform.h"
 #include "platform/std_file_system.h"
@@ -46,6 +47,17 @@ private:
     bool previous_ = false;
 };
 
+// Asks the kernel for a whole stretch of pages in one call; on this kind of
+// virtual machine a fault per page made the history the dearest step of a
+// flood. Kernels without the call leave the pages to fault one by one.
+class LinuxPageWarmer : public PageWarmer {
+public:
+    void warm(char* begin, std::size_t bytes) override;
+
+private:
+    bool unsupported_ = false;
+};
+
 struct QtPlatform {
     // The program's folder is the executable's, unless given (benches, tests).
     QtPlatform();
@@ -56,6 +68,7 @@ struct QtPlatform {
     MtRandom random;
     StdFileSystem files;
     QtHost host;
+    LinuxPageWarmer pages;
     Platform platform{socket, clock, random, files, host};
 };
 
