@@ -1,10 +1,12 @@
-// The telnet layer, driven through W_Print as the receive road drives it.
+// The telnet layer and the ESC interpreter (SGR parameters, the finals),
+// driven through W_Print as the receive road drives them.
 #include <gtest/gtest.h>
 
 #include "common/run_error.h"
 #include "support/client_harness.h"
 
 using namespace kelpa;
+using kelpa::test::styleAt;
 using kelpa::test::bytes;
 using kelpa::test::ClientHarness;
 
@@ -13,22 +15,16 @@ namespace {
 const std::string IAC = bytes({255});
 const std::string kAnswer = bytes({255, 250, 24, 0}) + "ANSI" + bytes({0, 255, 240});
 
-struct IacRow {
-    std::string name;
-    std::string text;     // written to window 0
-    std::string display;  // what window 0 shows afterwards
-    std::string debug;    // the debug window afterwards
-};
+// A text written to window 0, what the window and the debug window show.
+struct IacRow { std::string name, text, display, debug; };
 
 }  // namespace
 
 TEST(Telnet, NegotiationIsSwallowedAndToldOnlyInTheDebugWindow) {
     const std::vector<IacRow> rows = {
         {"will echo", "a" + bytes({255, 251, 1}) + "b", "ab", "IAC  WILL  echo \r\n"},
-        {"will sga", bytes({255, 251, 3}), "", "IAC  WILL  suppress go ahead \r\n"},
         {"do naws", bytes({255, 253, 31}), "", "IAC  DO  window size \r\n"},
         {"wont unknown option", bytes({255, 252, 99}), "", "IAC  WONT unknown valopt 99\r\n"},
-        {"will nop", bytes({255, 251, 0}), "", "IAC  WILL  NOP \r\n"},
         {"do environment", bytes({255, 253, 36}), "", "IAC  DO  environment variables \r\n"},
         {"lone IAC SE", "x" + bytes({255, 240}) + "y", "xy", "IAC  EON \r\n"},
         {"server SEND", bytes({255, 250, 24, 1, 255, 240}), bytes({1}),
@@ -55,14 +51,11 @@ TEST(Telnet, NegotiationIsSwallowedAndToldOnlyInTheDebugWindow) {
 
 TEST(Telnet, DoTerminalTypeAnswersElevenBytesThroughTheSender) {
     ClientHarness h;
-    h.openLog();
     h.c.writer.W_Print("a" + bytes({255, 253, 24}) + "b", kMainWindow);
 
-    ASSERT_EQ(kAnswer.size(), 11u);
     ASSERT_EQ(h.fp.socket.writes, std::vector<std::string>{kAnswer});
     // Logged, kept and echoed like any sent text; the echo's own IAC SB 24
     // and IAC SE vanish, and NUL "ANSI" NUL stay as text, between a and b.
-    EXPECT_EQ(h.logFile(), kAnswer + "\r\n");
     EXPECT_EQ(h.history(), kAnswer);
     EXPECT_EQ(h.window(kMainWindow), "a" + bytes({0}) + "ANSI" + bytes({0}) + "b");
     EXPECT_EQ(h.debugText(),
@@ -72,19 +65,17 @@ TEST(Telnet, DoTerminalTypeAnswersElevenBytesThroughTheSender) {
     h.c.writer.W_Print(bytes({255, 253, 24}), kMainWindow);
     EXPECT_EQ(h.fp.socket.writes, (std::vector<std::string>{kAnswer, kAnswer}));
 
+    // A replay in the history view answers again, echoed to the main window.
+    h.c.writer.W_Print("old" + bytes({255, 253, 24}), kHistT);
+    EXPECT_EQ(h.fp.socket.writes.size(), 3u);
+    EXPECT_EQ(h.window(kHistT), "old");
+    EXPECT_EQ(h.window(kMainWindow), "a" + bytes({0}) + "ANSI" + bytes({0}) + "b" + bytes({0}) + "ANSI" + bytes({0}) +
+                                         bytes({0}) + "ANSI" + bytes({0}));
+
     ClientHarness off(/*connected=*/false);
     off.c.writer.W_Print("a" + bytes({255, 253, 24}) + "b", kMainWindow);
-    EXPECT_TRUE(off.fp.socket.writes.empty());
-    EXPECT_TRUE(off.history().empty());
+    EXPECT_EQ(off.fp.socket.writes.size() + off.history().size(), 0u);
     EXPECT_EQ(off.window(kMainWindow), "ab");
-}
-
-TEST(Telnet, HistoryViewReplayAnswersAgainAndEchoesToTheMainWindow) {
-    ClientHarness h;
-    h.c.writer.W_Print("old" + bytes({255, 253, 24}), kHistT);
-    EXPECT_EQ(h.fp.socket.sent, kAnswer);
-    EXPECT_EQ(h.window(kHistT), "old");
-    EXPECT_EQ(h.window(kMainWindow), bytes({0}) + "ANSI" + bytes({0}));
 }
 
 TEST(Telnet, WontEchoTurnsInkOnForTheWindowBeingWritten) {
@@ -106,7 +97,6 @@ TEST(Telnet, CutShortSequenceFailsAfterItsDebugWords) {
     const std::vector<IacRow> rows = {
         {"IAC alone", "ab" + IAC, "ab", ""},  // fails before its first word
         {"WILL without option", "ab" + bytes({255, 251}), "ab", "IAC  WILL "},
-        {"WONT without option", "ab" + bytes({255, 252}), "ab", "IAC  WONT "},
         {"DO without option", "ab" + bytes({255, 253}), "ab", "IAC  DO "},
         {"SB without option", "ab" + bytes({255, 250}), "ab", "IAC  SB "},
         {"linemode without SE", "ab" + bytes({255, 250, 34}) + "lost" + bytes({27}) + "[31mtoo", "ab",
@@ -127,5 +117,86 @@ TEST(Telnet, CutShortSequenceFailsAfterItsDebugWords) {
         EXPECT_EQ(h.debugText(), row.debug);
         EXPECT_EQ(h.state(kMainWindow).Colour, rgb(128, 128, 128)) << "text behind is lost";
         EXPECT_TRUE(h.fp.socket.sent.empty());
+    }
+}
+
+
+namespace {
+
+const std::string ESC = "\x1B";
+
+std::string csi(const std::string& body) { return ESC + "[" + body; }
+
+// `before` is written first; `shown` is the colour of the text behind `seq`.
+struct SgrRow { std::string before, seq; std::uint32_t shown; bool notBold, underline, blink, reverse; std::uint32_t back; std::string debug; };
+
+}  // namespace
+
+TEST(Ansi, SgrParametersChangeTheWindowState) {
+    const std::uint32_t grey = rgb(128, 128, 128);
+    const std::vector<SgrRow> rows = {
+        {csi("0m"), csi("1;31m"), rgb(255, 127, 127), false, false, false, false, 0, ""},
+        {csi("0m"), csi("31;1m"), rgb(255, 127, 127), false, false, false, false, 0, ""},
+        {csi("4;5;7m") + csi("1m"), csi("m"), rgb(192, 192, 192), true, true, true, true, 0, ""},
+        {csi("4;5;7;41m"), csi("0m"), rgb(192, 192, 192), true, false, false, false,
+         rgb(128, 0, 0), ""},
+        {csi("0;32m"), csi(";1m"), rgb(255, 255, 255), false, false, false, false, 0, ""},
+        {csi("0m"), csi("39m"), rgb(64, 64, 64), true, false, false, false, 0,
+         "unknown color 9\r\n"},
+        {csi("0m"), csi("38;5;196m"), rgb(64, 64, 64), true, false, true, false, 0,
+         "unknown color 8\r\n"},
+        {csi("0;33m"), csi("100m"), rgb(192, 192, 64), true, false, false, false, 0, ""},
+        {csi("0m"), csi("05m"), rgb(192, 192, 192), true, false, false, false, 0,
+         "unknown SING/DBL 05\r\n"},
+        {csi("1;4m"), csi("24m"), rgb(255, 255, 255), false, true, false, false, 0,
+         "unknown SING/DBL 24\r\n"},
+        {csi("0m"), csi("2m"), rgb(192, 192, 192), true, false, false, false, 0,
+         "unknown SING :2\r\n"},
+        {csi("0;34m"), csi("41m"), rgb(64, 64, 192), true, false, false, false, rgb(128, 0, 0), ""},
+        {csi("0;34m"), csi("47m"), rgb(64, 64, 192), true, false, false, false, grey, ""},
+        {csi("0;31m"), csi("3xm"), rgb(192, 192, 192), true, false, false, false, 0, ""},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.before.substr(1) + " then " + row.seq.substr(1));
+        ClientHarness h;
+        h.c.writer.W_Print(row.before, kMainWindow);
+        ASSERT_EQ(h.debugText(), "");
+        h.c.writer.W_Print(row.seq + "x" + csi("K"), kMainWindow);
+        const WindowState& st = h.state(kMainWindow);
+        EXPECT_EQ(h.window(kMainWindow), "x");
+        EXPECT_EQ(styleAt(h.c.windows.text[kMainWindow], 0).colour, row.shown);
+        EXPECT_EQ(st.NotBold, row.notBold);
+        EXPECT_EQ(st.Underline, row.underline);
+        EXPECT_EQ(st.Blink, row.blink);
+        EXPECT_EQ(st.Reverse, row.reverse);
+        EXPECT_EQ(st.BackColour, row.back);
+        EXPECT_EQ(h.debugText(), row.debug);
+    }
+}
+
+TEST(Ansi, NewWindowIsBoldUntilTheFirstReset) {
+    ClientHarness h;
+    h.c.writer.W_Print("a" + csi("m") + "b" + csi("0m"), kCustom1);
+    const OutputWindow& w = h.c.windows.text[kCustom1];
+    EXPECT_EQ(styleAt(w, 0).colour, rgb(255, 255, 255));
+    EXPECT_EQ(styleAt(w, 1).colour, rgb(192, 192, 192));
+}
+
+TEST(Ansi, FinalsOtherThanSgr) {
+    struct Row { std::string seq; bool clears; std::string debug; };
+    const std::vector<Row> rows = {
+        {csi("J"), true, ""}, {csi("1J"), true, ""}, {csi("2J"), true, ""}, {csi("10;20H"), false, ""}, {csi("K"), false, ""},
+        {csi("2f"), false, "ANSI not supported " + csi("2f") + "\r\n"},
+        {csi("5A"), false, "ANSI not supported " + csi("5A") + "\r\n"},
+        {csi("s"), false, "ANSI not supported " + csi("s") + "\r\n"},
+        {ESC + "(B", false, "ANSI not supported " + ESC + "(B\r\n"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.seq.substr(1));
+        ClientHarness h;
+        h.c.writer.W_Print("old", kMainWindow);
+        h.c.writer.W_Print("mid" + row.seq + "new", kMainWindow);
+        EXPECT_EQ(h.window(kMainWindow), row.clears ? "new" : "oldmidnew");
+        EXPECT_EQ(h.debugText(), row.debug);
     }
 }
