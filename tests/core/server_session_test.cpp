@@ -1,8 +1,8 @@
 // The server session: connecting, the init string, the socket's events and
-// the receive road of a chunk.
+// the receive road of a chunk; the session log: when it opens, the change
+// of day in both directions, and the recall file checked by the same timer.
 #include <gtest/gtest.h>
 
-#include "output/box_chars.h"
 #include "session/server_session.h"
 #include "support/client_harness.h"
 
@@ -18,36 +18,23 @@ public:
 };
 
 SiteRecord site(std::string name, std::string init) {
-    SiteRecord s;
-    s.SiteName = name;
-    s.ShortName = name;
-    s.DnsName = name + ".example";
-    s.DefaultPort = 4000;
-    s.AlternatePort = 4001;
-    s.InitString = std::move(init);
-    return s;
+    return SiteRecord{name, name, name + ".example", "", 4000, 4001, std::move(init), ""};
 }
 
 }  // namespace
 
 TEST(ReceiveRoad, GraphicsOffTurnsBoxBytesIntoAsciiForGood) {
-    std::string box;
-    for (const BoxChar& b : BoxChars) box += static_cast<char>(b.byte);
-    // BoxChars order: C4 B3 C5 DD DE CD B1 E8 DA BF C0 D9 C9 BB BA B9 CC C8 BC C3 C2 B4 C1
-    const std::string ascii = "-|*" + bytes({0xDD, 0xDE}) + "-" + bytes({0xB1, 0xE8}) +
-                              "******|********";
-    ClientHarness off;
-    off.setGraphicsOff();
-    off.fp.socket.incoming = "x" + box;
-    off.c.session.s_DataArrival();
-    EXPECT_EQ(off.history(), "x" + ascii);
-    EXPECT_EQ(off.window(kMainWindow), "x" + ascii);
-
-    ClientHarness on;
-    on.fp.socket.incoming = "x" + box;
-    on.c.session.s_DataArrival();
-    EXPECT_EQ(on.history(), "x" + box);
-    EXPECT_EQ(on.window(kMainWindow), "x" + box);
+    // Lines become "-", "|" and "*"; the half blocks and shades stay.
+    const std::string box = bytes({0xC4, 0xB3, 0xC5, 0xDD, 0xB1, 0xC9});
+    for (const bool graphics : {false, true}) {
+        ClientHarness h;
+        if (!graphics) h.setGraphicsOff();
+        h.fp.socket.incoming = "x" + box;
+        h.c.session.s_DataArrival();
+        const std::string shown = graphics ? "x" + box : "x-|*" + bytes({0xDD, 0xB1}) + "*";
+        EXPECT_EQ(h.history(), shown);
+        EXPECT_EQ(h.window(kMainWindow), shown);
+    }
 }
 
 TEST(ReceiveRoad, NothingIsReadOrShownWhenNotConnectedOrEmpty) {
@@ -65,9 +52,7 @@ TEST(ReceiveRoad, NothingIsReadOrShownWhenNotConnectedOrEmpty) {
     h.c.session.setFrameExtractor(&frames);
     h.fp.socket.incoming = "\x18" "frame\x19\x1A";
     h.c.session.s_DataArrival();
-    EXPECT_EQ(h.history(), "");
-    EXPECT_EQ(h.window(kMainWindow), "");
-    EXPECT_EQ(h.logFile(), "");
+    EXPECT_EQ(h.history() + h.window(kMainWindow) + h.logFile(), "");
 }
 
 TEST(ServerSession, InitStringMarksBecomeCharacters) {
@@ -88,19 +73,14 @@ TEST(ServerSession, ConnectOpensTheLogAndSendsTheInitStringStraight) {
 
     h.c.session.CMD_CONNECT_Click();
     EXPECT_EQ(h.fp.socket.connects, std::vector<std::string>{"mud.example:4000"});
-    EXPECT_FALSE(h.c.bar.connectEnabled);
-    EXPECT_TRUE(h.c.bar.disconnectEnabled);
-    EXPECT_EQ(h.debugText(), "hinstance:4242\r\nprev instance:False\r\n");
+    EXPECT_TRUE(!h.c.bar.connectEnabled && h.c.bar.disconnectEnabled);
 
     h.fp.socket.connected = true;
     h.c.session.s_Connect();
     EXPECT_EQ(h.fp.socket.writes, std::vector<std::string>{"hi\n"});
     EXPECT_EQ(h.fp.host.focuses, 1);
-    EXPECT_TRUE(h.c.log.isOpen());
     EXPECT_EQ(h.c.log.currentPath(), "logs/mud/H.20261123.txt");
-    EXPECT_EQ(h.logFile(), "") << "not logged";
-    EXPECT_EQ(h.history(), "") << "not kept";
-    EXPECT_EQ(h.window(kMainWindow), "") << "not echoed";
+    EXPECT_EQ(h.logFile() + h.history() + h.window(kMainWindow), "") << "not logged, kept or echoed";
 
     h.c.bar.CB_Connections_Click(1);  // an empty init string sends nothing
     h.c.session.s_Connect();
@@ -111,28 +91,91 @@ TEST(ServerSession, CloseAndErrorReturnTheButtonsAndTreatTheLogDifferently) {
     ClientHarness h;
     h.c.session.CMD_CONNECT_Click();
     h.c.session.s_Connect();
-    const int handle = h.c.log.LogFile;
     h.c.session.s_Error(10061, "Connection refused", -2146818227);
-    EXPECT_TRUE(h.c.bar.connectEnabled);
-    EXPECT_FALSE(h.c.bar.disconnectEnabled);
+    EXPECT_TRUE(h.c.bar.connectEnabled && !h.c.bar.disconnectEnabled);
     EXPECT_EQ(h.fp.socket.state(), 0);
     EXPECT_TRUE(h.c.log.isOpen()) << "an error leaves the log open";
     EXPECT_EQ(h.logFile(), "Sock 10061 Connection refused -2146818227\r\n");
-    EXPECT_NE(h.debugText().find("Sock 10061 Connection refused -2146818227\r\n"),
-              std::string::npos);
+    EXPECT_NE(h.debugText().find("Sock 10061 Connection refused -2146818227\r\n"), std::string::npos);
 
     h.fp.socket.connected = true;
     h.c.session.s_Connect();
-    EXPECT_GT(h.c.log.LogFile, handle);
     h.c.session.s_Close();
     EXPECT_FALSE(h.c.log.isOpen());
-    EXPECT_NE(h.c.log.LogFile, 0) << "not reset by closing";
     EXPECT_TRUE(h.c.bar.connectEnabled);
 
     h.fp.socket.connected = true;
     h.c.session.s_Connect();
     h.c.session.CMD_DISCONNECT_Click();
-    EXPECT_FALSE(h.c.log.isOpen());
+    EXPECT_FALSE(h.c.log.isOpen() || h.c.bar.disconnectEnabled);
     EXPECT_EQ(h.fp.socket.state(), 0);
-    EXPECT_FALSE(h.c.bar.disconnectEnabled);
+}
+
+
+namespace {
+
+SiteRecord siteNamed(const std::string& shortName) {
+    SiteRecord s;
+    s.ShortName = shortName;
+    return s;
+}
+
+// A client whose current site has the short name "mud".
+struct LogHarness : ClientHarness {
+    LogHarness() {
+        c.bar.Sites = {siteNamed("mud")};
+        c.bar.CB_Connections_Click(0);
+    }
+    void receive(const std::string& chunk) {
+        fp.socket.incoming = chunk;
+        c.session.s_DataArrival();
+    }
+};
+
+}  // namespace
+
+TEST(SessionLog, ChangeOfDaySwitchesTheFileInBothDirections) {
+    EXPECT_EQ(SessionLog::pathFor("x", Date{987, 1, 2}), "logs/x/H.09870102.txt");
+    LogHarness h;
+    EXPECT_FALSE(h.fp.files.exists("logs")) << "loading opens no log";
+    h.c.session.s_Connect();
+    h.receive("monday");
+    h.c.as_timer_Timer();
+    h.receive("still monday");
+
+    h.fp.clock.day = Date{2026, 11, 24};
+    h.c.as_timer_Timer();
+    h.receive("tuesday");
+    EXPECT_TRUE(h.fp.socket.connected) << "no break in the connection";
+
+    h.fp.clock.day = Date{2026, 11, 23};  // the clock set back
+    h.c.as_timer_Timer();
+    h.receive("monday again");
+    EXPECT_EQ(h.fp.folder.read("logs/mud/H.20261123.txt"), "monday\r\nstill monday\r\nmonday again\r\n");
+    EXPECT_EQ(h.fp.folder.read("logs/mud/H.20261124.txt"), "tuesday\r\n");
+
+    // Without a connection the change of day opens the log too.
+    h.fp.socket.connected = false;
+    h.c.session.s_Close();
+    h.fp.clock.day = Date{2027, 1, 1};
+    h.c.as_timer_Timer();
+    EXPECT_TRUE(h.c.log.isOpen());
+    EXPECT_TRUE(h.fp.files.exists("logs/mud/H.20270101.txt"));
+}
+
+TEST(SessionLog, RecallFileShowsTheWindowAndIsDeletedEachTime) {
+    LogHarness h;
+    h.c.as_timer_Timer();
+    EXPECT_EQ(h.fp.host.shows, 0);
+    for (int round = 1; round <= 2; ++round) {
+        h.c.Text1_Escape();
+        h.fp.folder.write(Client::kShowFile, "any content");
+        h.c.as_timer_Timer();
+        EXPECT_FALSE(h.fp.host.hidden);
+        EXPECT_EQ(h.fp.host.shows, round);
+        EXPECT_FALSE(h.fp.files.exists(Client::kShowFile));
+    }
+    h.fp.folder.write(Client::kShowFile, "");
+    h.c.as_timer_Timer();
+    EXPECT_FALSE(h.fp.files.exists(Client::kShowFile)) << "deleted while not hidden too";
 }
