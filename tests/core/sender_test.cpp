@@ -34,19 +34,11 @@ struct SendHarness : ClientHarness {
 
 TEST(CommandRoad, TypedLinesGiveTheseWrites) {
     const std::vector<std::pair<std::string, Writes>> rows = {
-        {"", {"\r\n"}},
-        {"   ", {}},
-        {"@", {"@\r\n"}},
-        {"  north  ", {"north\r\n"}},
-        {"say a  b", {"say a  b\r\n"}},
-        {"\tx", {"\tx\r\n"}},
-        {"a\r\n\r\n", {"a\r\n", "\r\n"}},
-        {"a\r\n   \r\nb", {"a\r\n", "\r\n", "b\r\n"}},
-        {"a  \r\n  b  ", {"a\r\n", "b\r\n"}},
-        {"n;;e", {"n\r\ne\r\n"}},
-        {"100% %nothing", {"100% %nothing\r\n"}},
-        {"x\\.y", {"xy\r\n"}},
-        {"a\rb\nc", {"a\rb\nc\r\n"}},
+        {"", {"\r\n"}},          {"   ", {}},                 {"@", {"@\r\n"}},
+        {"  north  ", {"north\r\n"}}, {"say a  b", {"say a  b\r\n"}}, {"\tx", {"\tx\r\n"}},
+        {"a\r\n\r\n", {"a\r\n", "\r\n"}},            {"a\r\n   \r\nb", {"a\r\n", "\r\n", "b\r\n"}},
+        {"a  \r\n  b  ", {"a\r\n", "b\r\n"}},          {"n;;e", {"n\r\ne\r\n"}},
+        {"100% %nothing", {"100% %nothing\r\n"}}, {"x\\.y", {"xy\r\n"}}, {"a\rb\nc", {"a\rb\nc\r\n"}},
     };
     for (const auto& [typed, writes] : rows) {
         ClientHarness h;
@@ -128,11 +120,8 @@ TEST(Sender, QueueTickPicksAnIntervalAndSendsOneEntryInOrderUpToTwenty) {
     EXPECT_TRUE(h.fp.socket.writes.empty()) << "nothing before a tick";
     EXPECT_EQ(h.c.Queue_Timer(), 1);
     EXPECT_EQ(h.fp.socket.writes, Writes{"north\r\n"});
-    EXPECT_EQ(h.c.Queue_Timer(), 1501);
+    for (const int interval : {1501, 3000, 751}) EXPECT_EQ(h.c.Queue_Timer(), interval);
     EXPECT_EQ(h.fp.socket.writes, (Writes{"north\r\n", "south"}));
-    EXPECT_EQ(h.c.Queue_Timer(), 3000);
-    EXPECT_EQ(h.c.Queue_Timer(), 751);
-    EXPECT_EQ(h.fp.socket.writes.size(), 2u);
 
     for (int i = 1; i <= 21; ++i) h.queue("c" + std::to_string(i));
     EXPECT_EQ(h.debugText(), "Queue full, not queued: c21\r\n");

@@ -139,8 +139,6 @@ TEST(ConnectionBar, SelectionFillsTheBoxesAndCurrentSite) {
 TEST(ConnectionBar, EmptyBookKeepsTheDefaults) {
     ClientHarness h(/*connected=*/false);
     EXPECT_TRUE(h.c.bar.items.empty());
-    EXPECT_EQ(h.c.bar.SPort, "5023");
-    EXPECT_EQ(h.c.bar.CurrentSite, SiteRecord{});
     EXPECT_EQ(h.c.bar.selected(), nullptr);
     h.c.session.CMD_CONNECT_Click();
     EXPECT_EQ(h.fp.socket.connects, std::vector<std::string>{"localhost:23"});
