@@ -10,10 +10,11 @@ using namespace kelpa;
 TEST(FormLayout, ChainsOfRulesAndATinyWindow) {
     struct Field { const char* control; int TwipRect::*field; int expected; };
     const Field rows[] = {
-        {"Text1", &TwipRect::width, 7950},  {"BTN_Flags", &TwipRect::left, 9255}, {"InfoTabs", &TwipRect::top, 3090},
-        {"t", &TwipRect::height, 6255},     {"HistT", &TwipRect::width, 9761},    {"CMD_About", &TwipRect::top, 6615},
-        {"DBGWindow", &TwipRect::width, 9736}, {"Mwindow(3)", &TwipRect::height, 6735}, {"BSeek", &TwipRect::left, 6841},
-        {"brefresh", &TwipRect::left, 8161}, {"BFilter", &TwipRect::top, 5880},  {"HistView", &TwipRect::width, 7936},
+        {"Text1", &TwipRect::width, 7950},     {"BTN_Flags", &TwipRect::left, 9255},   {"InfoTabs", &TwipRect::top, 3090},
+        {"t", &TwipRect::height, 6255},        {"HistT", &TwipRect::width, 9761},      {"CMD_About", &TwipRect::top, 6615},
+        {"DBGWindow", &TwipRect::width, 9736}, {"Mwindow(3)", &TwipRect::height, 6735},
+        {"BSeek", &TwipRect::left, 6841},      {"brefresh", &TwipRect::left, 8161},    {"BFilter", &TwipRect::top, 5880},
+        {"HistView", &TwipRect::width, 7936},
     };
     FormLayout f;
     f.Form_Resize(12150, 8130);

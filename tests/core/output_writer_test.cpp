@@ -165,5 +165,6 @@ TEST(DebugChannel, OpenLinesTheSwitchAndFlatColours) {
     off.c.setDebugInfo(true);
     off.c.debug.DebugLog("kept");
     EXPECT_EQ(off.debugText(), "redkept\r\n");
-    off.c.windows.text[kDebugWindow].forEachRun([](const OutputWindow::Run& r) { EXPECT_TRUE(r.style.plain && !r.style.underline); });
+    off.c.windows.text[kDebugWindow].forEachRun(
+        [](const OutputWindow::Run& r) { EXPECT_TRUE(r.style.plain && !r.style.underline); });
 }

