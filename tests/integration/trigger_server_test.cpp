@@ -5,32 +5,14 @@
 #include <QTest>
 
 #include "loopback.h"
-#include "shell/client.h"
+#include "shell/main_form_qt.h"
 
 namespace kelpa::test {
 namespace {
 
-struct LiveClient : WirePlatform {
-    std::unique_ptr<Client> c;
-
-    // The socket outlives the client and tells of its close when it goes.
-    ~LiveClient() { QObject::disconnect(&socket, nullptr, nullptr, nullptr); }
-
-    void start(const std::string& port) {
-        c = std::make_unique<Client>(platform);
-        c->Form_Load();
-        QObject::connect(&socket, &qt::QtSocket::connected, [this] { c->session.s_Connect(); });
-        QObject::connect(&socket, &qt::QtSocket::dataArrival, [this] { c->session.s_DataArrival(); });
-        QObject::connect(&socket, &qt::QtSocket::closed, [this] { c->session.s_Close(); });
-        c->bar.Site = "127.0.0.1";
-        c->bar.PPort = port;
-        c->session.CMD_CONNECT_Click();
-    }
-};
-
 TEST(TriggerServer, LinesFireActionsThatSendSetFlagsAndInject) {
     ScriptedServer server;
-    LiveClient client;
+    WirePlatform client;
     for (const auto& [name, text] : std::vector<std::pair<std::string, std::string>>{
              {"a_rat", "pattern1=A rat arrives\r\naction=kill rat"},
              {"b_hungry", "flag1=3\r\npattern1=You are hungry\r\naction=eat bread"},
@@ -40,7 +22,11 @@ TEST(TriggerServer, LinesFireActionsThatSendSetFlagsAndInject) {
         client.folder.write("triggers/" + name + ".trigger", text);
     client.folder.write("gtriggers/prompt.trigger",
                         "pattern1=HP:\r\npattern1=MV:\r\naction=#SV WHO bob\r\npattern1=HP:\r\npattern1=MV:\r\naction=look");
-    client.start(server.port());
+    qt::MainForm form(client.platform);
+    form.listenTo(client.socket);
+    form.client().bar.Site = "127.0.0.1";
+    form.client().bar.PPort = server.port();
+    form.client().session.CMD_CONNECT_Click();
     ASSERT_TRUE(QTest::qWaitFor([&] { return server.current && client.socket.state() == Socket::kConnected; }, 5000));
 
     auto exchange = [&](const char* text, const std::string& expected) {
