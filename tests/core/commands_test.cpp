@@ -35,6 +35,25 @@ struct Lines : test::ClientHarness {
     bool has(const std::string& debugLine) { return debugText().find(debugLine) != std::string::npos; }
 };
 
+struct Table {
+    OutputWindow debugWindow;
+    DebugChannel debug{debugWindow};
+    test::FakeClock clock;
+    VariableTable vars{debug, clock};
+};
+
+// The old substitution: one pass over the text for each entry, in order.
+std::string byPasses(const VariableTable& t, std::string text) {
+    for (int n = 1; n <= t.VariableCount(); ++n) text = replaceAll(text, "%" + t.entry(n).Name, t.entry(n).Value);
+    return text;
+}
+
+std::string randomText(std::mt19937& rng, std::string_view alphabet, std::size_t most) {
+    std::string s(rng() % (most + 1), ' ');
+    for (char& c : s) c = alphabet[rng() % alphabet.size()];
+    return s;
+}
+
 }  // namespace
 
 TEST(Keywords, VariablesFoldOnKeywordLinesOnly) {
@@ -269,29 +288,6 @@ TEST(Words, ValReadsTheNumberAtTheHeadAndNumbersRoundToEvenAndPrintShortest) {
     };
     for (const auto& [value, text] : texts) EXPECT_EQ(numberText(value), text) << value;
 }
-
-namespace {
-
-struct Table {
-    OutputWindow debugWindow;
-    DebugChannel debug{debugWindow};
-    test::FakeClock clock;
-    VariableTable vars{debug, clock};
-};
-
-// The old substitution: one pass over the text for each entry, in order.
-std::string byPasses(const VariableTable& t, std::string text) {
-    for (int n = 1; n <= t.VariableCount(); ++n) text = replaceAll(text, "%" + t.entry(n).Name, t.entry(n).Value);
-    return text;
-}
-
-std::string randomText(std::mt19937& rng, std::string_view alphabet, std::size_t most) {
-    std::string s(rng() % (most + 1), ' ');
-    for (char& c : s) c = alphabet[rng() % alphabet.size()];
-    return s;
-}
-
-}  // namespace
 
 // Table order, shadowing and second expansion are held by the random test
 // below against one pass per entry; these are what it cannot see.

@@ -26,6 +26,33 @@ SiteRecord site(std::string name, std::string init) {
     return SiteRecord{name, name, name + ".example", "", 4000, 4001, std::move(init), ""};
 }
 
+// A client whose current site has the short name "mud".
+struct LogHarness : ClientHarness {
+    LogHarness() {
+        c.bar.Sites = {SiteRecord{"", "mud"}};
+        c.bar.CB_Connections_Click(0);
+    }
+};
+
+class RecordingTriggers : public TriggerPasses {
+public:
+    void matchGlobal(std::string_view chunk) override { global.emplace_back(chunk); }
+    bool hasLineTriggers() const override { return true; }
+    void matchLine(std::string_view line) override { lines.emplace_back(line); }
+    std::vector<std::string> global, lines;
+};
+
+struct PipelineHarness : ClientHarness {
+    RecordingTriggers triggers;
+    PipelineHarness() {
+        c.pipeline.setTriggers(triggers);
+        openLog();
+    }
+    void process(std::string chunk) { c.pipeline.S_ProcessLines(chunk); }
+};
+
+using Lines = std::vector<std::string>;
+
 }  // namespace
 
 TEST(ReceiveRoad, GraphicsOffTurnsBoxBytesIntoAsciiForGood) {
@@ -34,8 +61,7 @@ TEST(ReceiveRoad, GraphicsOffTurnsBoxBytesIntoAsciiForGood) {
     for (const bool graphics : {false, true}) {
         ClientHarness h;
         if (!graphics) h.setGraphicsOff();
-        h.fp.socket.incoming = "x" + box;
-        h.c.session.s_DataArrival();
+        h.receive("x" + box);
         const std::string shown = graphics ? "x" + box : "x-|*" + bytes({0xDD, 0xB1}) + "*";
         EXPECT_EQ(h.history(), shown);
         EXPECT_EQ(h.window(kMainWindow), shown);
@@ -45,18 +71,15 @@ TEST(ReceiveRoad, GraphicsOffTurnsBoxBytesIntoAsciiForGood) {
 TEST(ReceiveRoad, NothingIsReadOrShownWhenNotConnectedOrEmpty) {
     ClientHarness h(/*connected=*/false);
     h.openLog();
-    h.fp.socket.incoming = "late";
-    h.c.session.s_DataArrival();
+    h.receive("late");
     EXPECT_EQ(h.fp.socket.incoming, "late") << "the bytes stay unread";
     EXPECT_EQ(h.window(kMainWindow), "");
 
     h.fp.socket.connected = true;
-    h.fp.socket.incoming = "";
-    h.c.session.s_DataArrival();
+    h.receive("");
     SwallowEverything frames;
     h.c.session.setFrameExtractor(&frames);
-    h.fp.socket.incoming = "\x18" "frame\x19\x1A";
-    h.c.session.s_DataArrival();
+    h.receive("\x18" "frame\x19\x1A");
     EXPECT_EQ(h.history() + h.window(kMainWindow) + h.logFile(), "");
 }
 
@@ -113,28 +136,6 @@ TEST(ServerSession, CloseAndErrorReturnTheButtonsAndTreatTheLogDifferently) {
     EXPECT_EQ(h.fp.socket.state(), 0);
 }
 
-namespace {
-
-SiteRecord siteNamed(const std::string& shortName) {
-    SiteRecord s;
-    s.ShortName = shortName;
-    return s;
-}
-
-// A client whose current site has the short name "mud".
-struct LogHarness : ClientHarness {
-    LogHarness() {
-        c.bar.Sites = {siteNamed("mud")};
-        c.bar.CB_Connections_Click(0);
-    }
-    void receive(const std::string& chunk) {
-        fp.socket.incoming = chunk;
-        c.session.s_DataArrival();
-    }
-};
-
-}  // namespace
-
 TEST(SessionLog, ChangeOfDaySwitchesTheFileInBothDirections) {
     EXPECT_EQ(SessionLog::pathFor("x", Date{987, 1, 2}), "logs/x/H.09870102.txt");
     LogHarness h;
@@ -180,29 +181,6 @@ TEST(SessionLog, RecallFileShowsTheWindowAndIsDeletedEachTime) {
     h.c.as_timer_Timer();
     EXPECT_FALSE(h.fp.files.exists(Client::kShowFile)) << "deleted while not hidden too";
 }
-
-namespace {
-
-class RecordingTriggers : public TriggerPasses {
-public:
-    void matchGlobal(std::string_view chunk) override { global.emplace_back(chunk); }
-    bool hasLineTriggers() const override { return true; }
-    void matchLine(std::string_view line) override { lines.emplace_back(line); }
-    std::vector<std::string> global, lines;
-};
-
-struct PipelineHarness : ClientHarness {
-    RecordingTriggers triggers;
-    PipelineHarness() {
-        c.pipeline.setTriggers(triggers);
-        openLog();
-    }
-    void process(std::string chunk) { c.pipeline.S_ProcessLines(chunk); }
-};
-
-using Lines = std::vector<std::string>;
-
-}  // namespace
 
 TEST(Lines, GetlineAndLignes) {
     // The random test below holds the lines; these are the other corners.

@@ -18,6 +18,10 @@ const std::string kAnswer = bytes({255, 250, 24, 0}) + "ANSI" + bytes({0, 255, 2
 // A text written to window 0, what the window and the debug window show.
 struct IacRow { std::string name, text, display, debug; bool fails = false; };
 
+const std::string ESC = "\x1B";
+
+std::string csi(const std::string& body) { return ESC + "[" + body; }
+
 }  // namespace
 
 // Negotiation is swallowed and told only in the debug window; a sequence
@@ -102,14 +106,6 @@ TEST(Telnet, WontEchoTurnsInkOnForTheWindowBeingWritten) {
     EXPECT_EQ(h.window(kHistT), "shown");
     EXPECT_EQ(h.debugText(), "IAC  WILL  echo \r\nIAC  WONT  echo \r\n");
 }
-
-namespace {
-
-const std::string ESC = "\x1B";
-
-std::string csi(const std::string& body) { return ESC + "[" + body; }
-
-}  // namespace
 
 // After `before`, `seq` leaves the text behind it in `shown`, with the flags
 // NotBold, Underline, Blink and Reverse ("nubr" where set) and BackColour.
