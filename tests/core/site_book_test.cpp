@@ -101,15 +101,6 @@ TEST(SiteBook, DamagedPortsAndCutBlocksLoseNoOtherSite) {
     EXPECT_EQ(warnings.size(), 3u) << "two ports and one cut block";
 }
 
-TEST(SiteBook, LoadCreatesAMissingFileAndSaveWritesTheBook) {
-    ClientHarness h;  // Form_Load read the book once already
-    EXPECT_TRUE(h.fp.files.exists(kSiteBookFile));
-
-    const std::vector<SiteRecord> book = {rec("a"), rec("b", "two\r\nlines")};
-    ASSERT_TRUE(SaveSites(h.fp.files, book));
-    EXPECT_EQ(h.fp.folder.read(kSiteBookFile), formatSites(book));
-}
-
 TEST(ConnectionBar, SelectionFillsTheBoxesAndCurrentSite) {
     test::FakePlatform fp;
     fp.folder.write(kSiteBookFile, formatSites({rec("a", "d", 4000), rec("b", "d", 5000)}));
@@ -136,10 +127,15 @@ TEST(ConnectionBar, SelectionFillsTheBoxesAndCurrentSite) {
     EXPECT_EQ(c.bar.CurrentSite.SiteName, "a");
 }
 
-TEST(ConnectionBar, EmptyBookKeepsTheDefaults) {
+TEST(ConnectionBar, AMissingBookIsCreatedEmptyAndSaveWritesTheBook) {
     ClientHarness h(/*connected=*/false);
+    EXPECT_TRUE(h.fp.files.exists(kSiteBookFile));
     EXPECT_TRUE(h.c.bar.items.empty());
     EXPECT_EQ(h.c.bar.selected(), nullptr);
     h.c.session.CMD_CONNECT_Click();
     EXPECT_EQ(h.fp.socket.connects, std::vector<std::string>{"localhost:23"});
+
+    const std::vector<SiteRecord> book = {rec("a"), rec("b", "two\r\nlines")};
+    ASSERT_TRUE(SaveSites(h.fp.files, book));
+    EXPECT_EQ(h.fp.folder.read(kSiteBookFile), formatSites(book));
 }
