@@ -2,14 +2,11 @@
 // on the loopback interface.
 #include <gtest/gtest.h>
 
-#include <QTcpServer>
-#include <QTcpSocket>
 #include <QTest>
 
+#include "integration/loopback.h"
 #include "shell/main_form_qt.h"
 #include "shell/qt_platform_qt.h"
-#include "shell/qt_socket_qt.h"
-#include "support/fakes.h"
 
 namespace kelpa::test {
 namespace {
@@ -39,20 +36,6 @@ void record(qt::QtSocket& s, Recorder& r, bool skipFirstRead) {
     });
 }
 
-// A server that sends `text` and closes at once.
-struct OneShotServer {
-    explicit OneShotServer(QByteArray text) {
-        server.listen(QHostAddress::LocalHost);
-        QObject::connect(&server, &QTcpServer::newConnection, [this, text] {
-            QTcpSocket* c = server.nextPendingConnection();
-            c->write(text);
-            c->disconnectFromHost();
-        });
-    }
-    std::string port() const { return std::to_string(server.serverPort()); }
-    QTcpServer server;
-};
-
 // Sent with the close: a flood comes in bounded chunks, wholly before the
 // close; so do a few bytes that a handler once left unread.
 TEST(QtSocket, BytesThatComeWithTheServersCloseAreReadBeforeTheClose) {
@@ -60,7 +43,8 @@ TEST(QtSocket, BytesThatComeWithTheServersCloseAreReadBeforeTheClose) {
     for (int i = 0; flood.size() < 300 * 1024; ++i) flood += "line " + QByteArray::number(i) + "\r\n";
     for (bool skipFirstRead : {false, true}) {
         const QByteArray text = skipFirstRead ? QByteArray("hello\r\nbye\r\n") : flood;
-        OneShotServer server(text);
+        ScriptedServer server({text.toStdString()});
+        server.hangUp = true;
         qt::QtSocket s;
         Recorder r;
         record(s, r, skipFirstRead);
@@ -96,9 +80,11 @@ TEST(QtSocket, ARefusedConnectionOrAnImpossiblePortIsAnErrorAfterTheCall) {
 TEST(CloseWithData, EveryByteIsShownLoggedAndKeptBeforeTheCloseIsHandled) {
     TempFolder folder;
     QByteArray text;
-    for (int i = 0; text.size() < 200 * 1024; ++i) text += "\x1b[1;3" + QByteArray::number(i % 8) + "mline " + QByteArray::number(i) + "\r\n";
+    for (int i = 0; text.size() < 200 * 1024; ++i)
+        text += "\x1b[1;3" + QByteArray::number(i % 8) + "mline " + QByteArray::number(i) + "\r\n";
     text += "the last words";
-    OneShotServer server(text);
+    ScriptedServer server({text.toStdString()});
+    server.hangUp = true;
     auto form = qt::MainForm::createOn(std::make_unique<qt::QtPlatform>(folder.path()));
     Client& c = form->client();
     std::string historyAtClose, windowAtClose;
