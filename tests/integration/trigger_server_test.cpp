@@ -32,7 +32,7 @@ TEST(TriggerServer, LinesFireActionsThatSendSetFlagsAndInject) {
     auto exchange = [&](const char* text, const std::string& expected) {
         server.received.back().clear();
         server.send(text);
-        EXPECT_TRUE(QTest::qWaitFor([&] { return server.received.back().size() >= expected.size(); }, 5000)) << text;
+        ASSERT_TRUE(QTest::qWaitFor([&] { return server.received.back().size() >= expected.size(); }, 5000)) << text;
         EXPECT_EQ(server.received.back(), expected) << text;
     };
     // The flag is clear, so only the rat answers.
