@@ -1,5 +1,6 @@
 // W_Print and the window model: segments, Pending, the window limit, Ink,
-// box-drawing glyphs and the cost of appending to a full window.
+// box-drawing glyphs and the cost of appending to a full window; and the
+// debug channel that writes into window 1.
 #include <gtest/gtest.h>
 
 #include <random>
@@ -14,35 +15,15 @@ using kelpa::test::styleAt;
 namespace {
 
 const std::string ESC = "\x1B";
-const std::uint32_t kRedBold = rgb(255, 127, 127);
 
 }  // namespace
 
-TEST(OutputWriter, UnfinishedSequenceWaitsForTheNextCallOfItsWindow) {
-    ClientHarness h;
-    h.c.writer.W_Print("ab" + ESC + "[3", kMainWindow);
-    EXPECT_EQ(h.window(kMainWindow), "ab");
-    EXPECT_EQ(h.state(kMainWindow).Pending, ESC + "[3");
-
-    // Another window does not continue it.
-    h.c.writer.W_Print("1mY", kHistT);
-    EXPECT_EQ(h.window(kHistT), "1mY");
-    EXPECT_EQ(h.state(kMainWindow).Pending, ESC + "[3");
-
-    h.c.writer.W_Print("1mX", kMainWindow);
-    EXPECT_EQ(h.window(kMainWindow), "abX");
-    EXPECT_EQ(styleAt(h.c.windows.text[kMainWindow], 2).colour, kRedBold);
-    EXPECT_EQ(h.state(kMainWindow).Pending, "");
-}
-
-TEST(OutputWriter, FragmentWithoutFinalIsPendingUpToFiveCharacters) {
-    struct Row {
-        std::string text, shown, pending;
-    };
+TEST(OutputWriter, FragmentWithoutFinalWaitsUpToFiveCharactersForTheNextCallOfItsWindow) {
+    struct Row { std::string text, shown, pending; };
     const std::vector<Row> rows = {
+        {"a\x07" "b\x08" "c\td\r\n\x1A", "a\x07" "b\x08" "c\td\r\n\x1A", ""},  // other controls are text
         {"ab" + ESC + "[1;2", "ab", ESC + "[1;2"},   // 5 characters: kept
         {"ab" + ESC + "[1;22", "ab[1;22", ""},       // 6: only the ESC goes
-        {ESC, "", ESC},
         {ESC + "[?25hi there", "re", ""},            // h is no final; e is
     };
     for (const auto& row : rows) {
@@ -51,32 +32,26 @@ TEST(OutputWriter, FragmentWithoutFinalIsPendingUpToFiveCharacters) {
         EXPECT_EQ(h.window(kMainWindow), row.shown) << row.text.substr(1);
         EXPECT_EQ(h.state(kMainWindow).Pending, row.pending) << row.text.substr(1);
     }
-}
-
-TEST(OutputWriter, FinalAtPositionTenThousandCountsAsNone) {
     ClientHarness h;
-    // Window 6 has no limit, so all of the text stays to be looked at.
-    h.c.writer.W_Print(ESC + std::string(9997, 'x') + "m", kHistView);
-    EXPECT_EQ(h.window(kHistView), "") << "final at 9999 ends the sequence";
-    h.c.writer.W_Print(ESC + std::string(9998, 'x') + "m", kHistView);
-    EXPECT_EQ(h.window(kHistView), std::string(9998, 'x') + "m");
+    h.c.writer.W_Print("ab" + ESC + "[3", kMainWindow);
+    h.c.writer.W_Print("1mY", kHistT);  // another window does not continue it
+    EXPECT_EQ(h.window(kHistT), "1mY");
+    h.c.writer.W_Print("1mX", kMainWindow);
+    EXPECT_EQ(h.window(kMainWindow), "abX");
+    EXPECT_EQ(styleAt(h.c.windows.text[kMainWindow], 2).colour, rgb(255, 127, 127));
+    EXPECT_EQ(h.state(kMainWindow).Pending, "");
 }
 
+// Window 0 at its limit is held by the plain copy below.
 TEST(OutputWriter, LimitCutKeepsTheFirstCharacterAndFourFifths) {
-    struct Row {
-        int win;
-        std::size_t limit;
-    };
-    for (const Row& row : std::vector<Row>{{0, 3500}, {1, 5000}, {5, 5000}, {7, 10000}}) {
+    for (const auto& [win, limit] : std::vector<std::pair<int, std::size_t>>{{1, 5000}, {7, 10000}}) {
         ClientHarness h;
         std::string text = "F";
-        for (std::size_t i = 1; i <= row.limit; ++i) text += static_cast<char>('a' + i % 26);
-        h.c.writer.W_Print(text.substr(0, row.limit), row.win);
-        EXPECT_EQ(h.window(row.win).size(), row.limit) << "at the limit: no cut";
-        h.c.writer.W_Print(text.substr(row.limit), row.win);
-        const std::size_t kept = row.limit * 4 / 5;
-        EXPECT_EQ(h.window(row.win), "F" + text.substr(text.size() - (kept - 1)))
-            << "window " << row.win;
+        for (std::size_t i = 1; i <= limit; ++i) text += static_cast<char>('a' + i % 26);
+        h.c.writer.W_Print(text.substr(0, limit), win);
+        EXPECT_EQ(h.window(win).size(), limit) << "at the limit: no cut";
+        h.c.writer.W_Print(text.substr(limit), win);
+        EXPECT_EQ(h.window(win), "F" + text.substr(text.size() - (limit * 4 / 5 - 1))) << "window " << win;
     }
     ClientHarness h;
     h.c.writer.W_Print(std::string(150000, 'z'), kHistView);
@@ -105,10 +80,8 @@ TEST(OutputWriter, BoxBytesShowAsGraphicsOnlyWhenWrittenWithGraphicsOn) {
     h.c.writer.W_Print(box, kCustom1);
     h.setGraphicsOff();
     h.c.writer.W_Print(box, kCustom1);
-    const OutputWindow& w = h.c.windows.text[kCustom1];
     EXPECT_EQ(h.window(kCustom1), box + box) << "the bytes themselves stay";
-    for (std::size_t i = 0; i < 3; ++i) EXPECT_TRUE(styleAt(w, i).graphics) << i;
-    for (std::size_t i = 3; i < 6; ++i) EXPECT_FALSE(styleAt(w, i).graphics) << i;
+    for (std::size_t i = 0; i < 6; ++i) EXPECT_EQ(styleAt(h.c.windows.text[kCustom1], i).graphics, i < 3) << i;
 }
 
 TEST(OutputWriter, LastSegmentTakesTheUnderlineOfTheCharacterBeforeIt) {
@@ -118,18 +91,10 @@ TEST(OutputWriter, LastSegmentTakesTheUnderlineOfTheCharacterBeforeIt) {
 
     h.c.writer.W_Print(ESC + "[4mab" + ESC + "[0mcd", kMainWindow);
     const OutputWindow& w = h.c.windows.text[kMainWindow];
-    EXPECT_TRUE(styleAt(w, 0).underline);
     EXPECT_TRUE(styleAt(w, 1).underline);
     EXPECT_TRUE(styleAt(w, 3).underline) << "follows the caret, not Underline";
     h.c.writer.W_Print(ESC + "[4mx" + ESC + "[K", kMainWindow);
     EXPECT_TRUE(styleAt(w, 4).underline);
-}
-
-TEST(OutputWriter, OtherControlCharactersAreText) {
-    ClientHarness h;
-    const std::string text = "a\x07" "b\x08" "c\td\r\n\x1A";
-    h.c.writer.W_Print(text, kMainWindow);
-    EXPECT_EQ(h.window(kMainWindow), text);
 }
 
 TEST(OutputWriter, WindowNumberOutsideZeroToSevenIsOnlyADebugLine) {
@@ -137,53 +102,60 @@ TEST(OutputWriter, WindowNumberOutsideZeroToSevenIsOnlyADebugLine) {
     h.c.writer.W_Print("x", 8);
     h.c.writer.W_Print("x", -1);
     EXPECT_EQ(h.debugText(), "No such window :8\r\nNo such window :-1\r\n");
-    for (int w = 0; w < kWindowCount; ++w) {
-        if (w == kDebugWindow) continue;
-        EXPECT_EQ(h.window(w), "") << w;
-    }
+    for (int w = 0; w < kWindowCount; ++w) EXPECT_EQ(h.window(w).empty(), w != kDebugWindow) << w;
 }
 
-// The window model against a plain list of (character, colour): after any
-// number of appends and limit cuts both must hold the same text in the same
-// colours.
+// The window model against a plain list of (character, colour, call):
+// after any number of appends and limit cuts both must hold the same text in
+// the same colours, and the runs must not outgrow the calls whose text is
+// still there.
 TEST(OutputWriter, RunsSurviveLimitCutsLikeAPlainCopy) {
     ClientHarness h;
     std::mt19937 rng(7);
-    std::vector<std::pair<char, std::uint32_t>> plain;
+    std::vector<std::tuple<char, std::uint32_t, int>> plain;
     for (int call = 0; call < 400; ++call) {
         const int digit = static_cast<int>(rng() % 8);
         const std::size_t len = rng() % 300;
         std::string text(len, static_cast<char>('a' + call % 26));
         h.c.writer.W_Print(ESC + "[0;3" + std::to_string(digit) + "m" + text, kMainWindow);
         const std::uint32_t shown = h.c.ansi.A_ColourFor(digit) + rgb(64, 64, 64);
-        for (char ch : text) plain.emplace_back(ch, shown);
+        for (char ch : text) plain.emplace_back(ch, shown, call);
         if (plain.size() > 3500) plain.erase(plain.begin() + 1, plain.end() - 2799);
 
         const OutputWindow& w = h.c.windows.text[kMainWindow];
-        ASSERT_EQ(w.size(), plain.size()) << "call " << call;
         std::string expected;
-        for (auto& p : plain) expected += p.first;
+        std::size_t calls = 0;
+        for (std::size_t i = 0; i < plain.size(); ++i) {
+            expected += std::get<0>(plain[i]);
+            calls += i == 0 || std::get<2>(plain[i]) != std::get<2>(plain[i - 1]);
+        }
         ASSERT_EQ(w.text(), expected) << "call " << call;
+        ASSERT_LE(w.runCount(), calls) << "call " << call;
         std::size_t covered = 0;
         w.forEachRun([&](const OutputWindow::Run& r) {
             for (std::size_t i = r.begin; i < r.end; ++i)
-                ASSERT_EQ(r.style.colour, plain[i].second) << "call " << call << " at " << i;
+                ASSERT_EQ(r.style.colour, std::get<1>(plain[i])) << "call " << call << " at " << i;
             covered += r.end - r.begin;
         });
         ASSERT_EQ(covered, plain.size());
     }
 }
 
-TEST(OutputWriter, FullWindowStaysBoundedUnderManyAppends) {
+// DebugLog: a final ";" leaves the line open, the switch loses text for
+// good, and a debug line flattens the window's colours.
+TEST(DebugChannel, OpenLinesTheSwitchAndFlatColours) {
     ClientHarness h;
-    std::string kb;
-    for (int i = 0; i < 8; ++i) kb += ESC + "[3" + std::to_string(i) + "m" + std::string(125, 'x');
-    for (int call = 0; call < 5000; ++call) {
-        h.c.writer.W_Print(kb, kMainWindow);
-        ASSERT_LE(h.c.windows.text[kMainWindow].size(), 3500u);
-    }
-    // 2800 characters in colour runs of 125 need about 24 runs, plus the
-    // first character's own.
-    EXPECT_EQ(h.c.windows.text[kMainWindow].size(), 2800u);
-    EXPECT_LE(h.c.windows.text[kMainWindow].runCount(), 2800u / 125 + 3);
+    for (const char* piece : {"IAC ;", " WILL ;", " echo ", "a;;", ";", "", "semi;colon"}) h.c.debug.DebugLog(piece);
+    EXPECT_EQ(h.debugText(), "IAC  WILL  echo \r\na;\r\nsemi;colon\r\n");
+
+    ClientHarness off(/*connected=*/true, /*debugOn=*/false);
+    off.c.debug.DebugLog("lost;");
+    off.c.writer.W_Print("x", 9);
+    off.c.writer.W_Print("\x1B[0;31;4mred\x1B[0m", kDebugWindow);
+    ASSERT_EQ(styleAt(off.c.windows.text[kDebugWindow], 0).colour, rgb(192, 64, 64));
+    off.c.setDebugInfo(true);
+    off.c.debug.DebugLog("kept");
+    EXPECT_EQ(off.debugText(), "redkept\r\n");
+    off.c.windows.text[kDebugWindow].forEachRun(
+        [](const OutputWindow::Run& r) { EXPECT_TRUE(r.style.plain && !r.style.underline); });
 }

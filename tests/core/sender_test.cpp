@@ -1,4 +1,5 @@
-// S_SendData, the delayed queue and S_SendDataNoSpam: exact bytes on the
+// The plain road to the socket: S_RunCommands choosing a road per line,
+// S_SendData, the delayed queue and S_SendDataNoSpam; exact bytes on the
 // wire, and what the log, window 0 and HistoryText hold.
 #include <gtest/gtest.h>
 
@@ -12,8 +13,15 @@ namespace {
 
 using Writes = std::vector<std::string>;
 
+// Records the macro and keyword roads and the writes, in one order.
 struct SendHarness : ClientHarness {
-    explicit SendHarness(bool connected = true) : ClientHarness(connected) { openLog(); }
+    std::vector<std::string> events;
+    explicit SendHarness(bool connected = true) : ClientHarness(connected) {
+        openLog();
+        c.commands.setMacroRunner([this](const std::string& l) { events.push_back("macro " + l); });
+        c.commands.setKeywordRunner([this](const std::string& l) { events.push_back("key " + l); });
+        fp.socket.onSend = [this](const std::string& b) { events.push_back("send " + b); };
+    }
     std::string send(std::string x) {
         c.sender.S_SendData(x);
         return x;
@@ -24,31 +32,56 @@ struct SendHarness : ClientHarness {
 
 }  // namespace
 
-TEST(Sender, MarkersAreRewrittenBeforeTheOneWrite) {
-    struct Row {
-        std::string in, wire;
+TEST(CommandRoad, TypedLinesGiveTheseWrites) {
+    const std::vector<std::pair<std::string, Writes>> rows = {
+        {"", {"\r\n"}},          {"   ", {}},                 {"@", {"@\r\n"}},
+        {"  north  ", {"north\r\n"}}, {"say a  b", {"say a  b\r\n"}}, {"\tx", {"\tx\r\n"}},
+        {"a\r\n\r\n", {"a\r\n", "\r\n"}},            {"a\r\n   \r\nb", {"a\r\n", "\r\n", "b\r\n"}},
+        {"a  \r\n  b  ", {"a\r\n", "b\r\n"}},          {"n;;e", {"n\r\ne\r\n"}},
+        {"100% %nothing", {"100% %nothing\r\n"}}, {"x\\.y", {"xy\r\n"}}, {"a\rb\nc", {"a\rb\nc\r\n"}},
     };
-    const std::vector<Row> rows = {
-        {";;", "\r\n"},
-        {"\\.;;", "\r\n"},
-        {"n;;e;;", "n\r\ne\r\n"},
-        {"say hi", "say hi"},
-        {"a\\.b\\.c", "abc"},
-        {";\\.;", ";;"},
-        {";;;", "\r\n;"},
-        {"\\\\..", "\\."},
-    };
-    for (const auto& row : rows) {
-        SendHarness h;
-        EXPECT_EQ(h.send(row.in), row.wire) << "the caller sees the rewritten text";
-        EXPECT_EQ(h.fp.socket.writes, Writes{row.wire}) << row.in;
-        EXPECT_EQ(h.logFile(), row.wire + "\r\n");
-        EXPECT_EQ(h.history(), row.wire);
+    for (const auto& [typed, writes] : rows) {
+        ClientHarness h;
+        h.c.Text1_Enter(typed);
+        EXPECT_EQ(h.fp.socket.writes, writes) << "typed: " << typed;
     }
 }
 
-TEST(Sender, LogEchoAndHistoryComeBeforeTheWrite) {
+TEST(CommandRoad, FirstCharacterBeforeExpansionChoosesTheRoadLineByLine) {
     SendHarness h;
+    h.c.commands.S_RunCommands("#\r\n@m one two\r\nsay @m\r\n#queue x;;\r\n @\r\nend");
+    EXPECT_EQ(h.events, (Writes{"key #", "macro @m one two", "send say @m\r\n", "key #queue x;;", "send @\r\n",
+                                "send end\r\n"}));
+    EXPECT_EQ(h.debugText(), "Running Macro : @m one two\r\n");
+
+    h.events.clear();
+    h.c.commands.setExpander([](const std::string& s) { return s == "%M" ? "@mac" : s; });
+    h.c.Text1_Enter("%M");
+    EXPECT_EQ(h.events, Writes{"send @mac\r\n"});
+
+    // Disconnected, plain lines vanish while the other roads run.
+    SendHarness off(/*connected=*/false);
+    off.c.Text1_Enter("north\r\n#nop\r\n@go");
+    EXPECT_EQ(off.events, (Writes{"key #nop", "macro @go"}));
+    EXPECT_EQ(off.window(kMainWindow) + off.history(), "");
+}
+
+TEST(Sender, MarkersAreRewrittenBeforeTheOneWrite) {
+    const std::vector<std::pair<std::string, std::string>> rows = {
+        {";;", "\r\n"}, {"\\.;;", "\r\n"}, {"a\\.b\\.c", "abc"}, {";\\.;", ";;"}, {";;;", "\r\n;"}, {"\\\\..", "\\."},
+    };
+    for (const auto& [in, wire] : rows) {
+        SendHarness h;
+        EXPECT_EQ(h.send(in), wire) << "the caller sees the rewritten text";
+        EXPECT_EQ(h.fp.socket.writes, Writes{wire}) << in;
+        EXPECT_EQ(h.logFile(), wire + "\r\n");
+        EXPECT_EQ(h.history(), wire);
+    }
+}
+
+TEST(Sender, LogEchoAndHistoryComeBeforeTheWriteInTheServersColour) {
+    SendHarness h;
+    h.c.writer.W_Print("\x1B[0;32mgreen ", kMainWindow);
     std::string logAtSend, windowAtSend, historyAtSend;
     h.fp.socket.onSend = [&](const std::string&) {
         logAtSend = h.logFile();
@@ -57,25 +90,21 @@ TEST(Sender, LogEchoAndHistoryComeBeforeTheWrite) {
     };
     h.send("look;;");
     EXPECT_EQ(logAtSend, "look\r\n\r\n");
-    EXPECT_EQ(windowAtSend, "look\r\n");
+    EXPECT_EQ(windowAtSend, "green look\r\n");
     EXPECT_EQ(historyAtSend, "look\r\n");
-}
-
-TEST(Sender, EchoTakesTheColourWhereTheServerStopped) {
-    SendHarness h;
-    h.c.writer.W_Print("\x1B[0;32mgreen ", kMainWindow);
-    h.send("cmd");
-    EXPECT_EQ(h.window(kMainWindow), "green cmd");
     EXPECT_EQ(styleAt(h.c.windows.text[kMainWindow], 6).colour, rgb(64, 192, 64));
+
+    // A broken sequence ends only the echo.
+    h.send("a\x1BMb;;");
+    EXPECT_EQ(h.window(kMainWindow), "green look\r\na");
+    EXPECT_EQ(h.history(), "look\r\na\x1BMb\r\n");
+    EXPECT_EQ(h.fp.socket.writes.back(), "a\x1BMb\r\n");
 }
 
 TEST(Sender, DisconnectedTextLeavesNoTrace) {
     SendHarness h(/*connected=*/false);
     EXPECT_EQ(h.send("north;;"), "north;;") << "not even rewritten";
-    EXPECT_TRUE(h.fp.socket.writes.empty());
-    EXPECT_EQ(h.logFile(), "");
-    EXPECT_EQ(h.window(kMainWindow), "");
-    EXPECT_EQ(h.history(), "");
+    EXPECT_EQ(h.logFile() + h.window(kMainWindow) + h.history(), "");
     h.queue("lost");
     h.c.Queue_Timer();
     h.fp.socket.connected = true;
@@ -83,15 +112,7 @@ TEST(Sender, DisconnectedTextLeavesNoTrace) {
     EXPECT_TRUE(h.fp.socket.writes.empty()) << "an entry ticked while disconnected is consumed";
 }
 
-TEST(Sender, BrokenSequenceEndsOnlyTheEcho) {
-    SendHarness h;
-    h.send("a\x1BMb;;");
-    EXPECT_EQ(h.window(kMainWindow), "a");
-    EXPECT_EQ(h.history(), "a\x1BMb\r\n");
-    EXPECT_EQ(h.fp.socket.writes, Writes{"a\x1BMb\r\n"});
-}
-
-TEST(Sender, QueueTickPicksAnIntervalAndSendsOneEntryInOrder) {
+TEST(Sender, QueueTickPicksAnIntervalAndSendsOneEntryInOrderUpToTwenty) {
     SendHarness h;
     h.fp.random.values = {0.0, 0.5, 0.99999, 0.25};
     h.queue("north;;");
@@ -99,21 +120,14 @@ TEST(Sender, QueueTickPicksAnIntervalAndSendsOneEntryInOrder) {
     EXPECT_TRUE(h.fp.socket.writes.empty()) << "nothing before a tick";
     EXPECT_EQ(h.c.Queue_Timer(), 1);
     EXPECT_EQ(h.fp.socket.writes, Writes{"north\r\n"});
-    EXPECT_EQ(h.c.Queue_Timer(), 1501);
+    for (const int interval : {1501, 3000, 751}) EXPECT_EQ(h.c.Queue_Timer(), interval);
     EXPECT_EQ(h.fp.socket.writes, (Writes{"north\r\n", "south"}));
-    EXPECT_EQ(h.c.Queue_Timer(), 3000);
-    EXPECT_EQ(h.c.Queue_Timer(), 751);
-    EXPECT_EQ(h.fp.socket.writes.size(), 2u);
-}
 
-TEST(Sender, TwentyFirstPendingEntryIsRefused) {
-    SendHarness h;
     for (int i = 1; i <= 21; ++i) h.queue("c" + std::to_string(i));
-    EXPECT_EQ(h.c.sender.queued(), 20u);
     EXPECT_EQ(h.debugText(), "Queue full, not queued: c21\r\n");
     for (int i = 0; i < 25; ++i) h.c.Queue_Timer();
-    ASSERT_EQ(h.fp.socket.writes.size(), 20u);
-    EXPECT_EQ(h.fp.socket.writes.front(), "c1");
+    ASSERT_EQ(h.fp.socket.writes.size(), 22u);
+    EXPECT_EQ(h.fp.socket.writes[2], "c1");
     EXPECT_EQ(h.fp.socket.writes.back(), "c20");
 }
 
@@ -129,20 +143,13 @@ TEST(Sender, OnlyExactlyThreeHashesEndTheProgram) {
     h.queue("###");
     h.c.Queue_Timer();
     EXPECT_TRUE(h.fp.host.ended) << "also while disconnected";
-    EXPECT_TRUE(h.fp.socket.writes.empty());
 }
 
 TEST(Sender, NoSpamRefusesRepeatsUntilTheNextTick) {
     SendHarness h;
-    h.noSpam("kill rat;;");
-    h.noSpam("kill rat;;");
-    EXPECT_EQ(h.fp.socket.writes, Writes{"kill rat\r\n"});
-    h.noSpam("flee;;");
-    h.noSpam("kill rat;;");
-    EXPECT_EQ(h.fp.socket.writes.size(), 3u) << "a different text in between";
-    h.noSpam("kill rat;;");
-    h.c.Queue_Timer();
-    EXPECT_EQ(h.c.sender.lastNoSpam(), "") << "an empty tick clears the memory too";
+    for (const char* text : {"kill rat;;", "kill rat;;", "flee;;", "kill rat;;", "kill rat;;"}) h.noSpam(text);
+    EXPECT_EQ(h.fp.socket.writes, (Writes{"kill rat\r\n", "flee\r\n", "kill rat\r\n"}));
+    h.c.Queue_Timer();  // an empty tick clears the memory too
     h.noSpam("kill rat;;");
     EXPECT_EQ(h.fp.socket.writes.size(), 4u);
 

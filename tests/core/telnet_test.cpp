@@ -1,10 +1,12 @@
-// The telnet layer, driven through W_Print as the receive road drives it.
+// The telnet layer and the ESC interpreter (SGR parameters, the finals),
+// driven through W_Print as the receive road drives them.
 #include <gtest/gtest.h>
 
 #include "common/run_error.h"
 #include "support/client_harness.h"
 
 using namespace kelpa;
+using kelpa::test::styleAt;
 using kelpa::test::bytes;
 using kelpa::test::ClientHarness;
 
@@ -13,39 +15,51 @@ namespace {
 const std::string IAC = bytes({255});
 const std::string kAnswer = bytes({255, 250, 24, 0}) + "ANSI" + bytes({0, 255, 240});
 
-struct IacRow {
-    std::string name;
-    std::string text;     // written to window 0
-    std::string display;  // what window 0 shows afterwards
-    std::string debug;    // the debug window afterwards
-};
+// A text written to window 0, what the window and the debug window show.
+struct IacRow { std::string name, text, display, debug; bool fails = false; };
+
+const std::string ESC = "\x1B";
+
+std::string csi(const std::string& body) { return ESC + "[" + body; }
 
 }  // namespace
 
-TEST(Telnet, NegotiationIsSwallowedAndToldOnlyInTheDebugWindow) {
+// Negotiation is swallowed and told only in the debug window; a sequence
+// cut short fails after its debug words. The text behind is lost either way.
+TEST(Telnet, NegotiationIsSwallowedOrFailsWhenCutShort) {
     const std::vector<IacRow> rows = {
         {"will echo", "a" + bytes({255, 251, 1}) + "b", "ab", "IAC  WILL  echo \r\n"},
-        {"will sga", bytes({255, 251, 3}), "", "IAC  WILL  suppress go ahead \r\n"},
         {"do naws", bytes({255, 253, 31}), "", "IAC  DO  window size \r\n"},
         {"wont unknown option", bytes({255, 252, 99}), "", "IAC  WONT unknown valopt 99\r\n"},
-        {"will nop", bytes({255, 251, 0}), "", "IAC  WILL  NOP \r\n"},
         {"do environment", bytes({255, 253, 36}), "", "IAC  DO  environment variables \r\n"},
         {"lone IAC SE", "x" + bytes({255, 240}) + "y", "xy", "IAC  EON \r\n"},
-        {"server SEND", bytes({255, 250, 24, 1, 255, 240}), bytes({1}),
-         "IAC  SB  terminal type  \r\nIAC  EON \r\n"},
+        {"server SEND", bytes({255, 250, 24, 1, 255, 240}), bytes({1}), "IAC  SB  terminal type  \r\nIAC  EON \r\n"},
         {"linemode payload", bytes({255, 250, 34}) + "pay" + bytes({255, 240}) + "z", "z",
          "IAC  SB  linemode payIAC SE\r\n"},
-        {"go ahead", "prompt>" + bytes({255, 249}), "prompt>" + bytes({249}),
-         "IAC unknown iac command 249\r\n"},
-        {"dont shows its bytes", bytes({255, 254, 1}), bytes({254, 1}),
-         "IAC unknown iac command 254\r\n"},
+        {"go ahead", "prompt>" + bytes({255, 249}), "prompt>" + bytes({249}), "IAC unknown iac command 249\r\n"},
+        {"dont shows its bytes", bytes({255, 254, 1}), bytes({254, 1}), "IAC unknown iac command 254\r\n"},
         {"doubled IAC", bytes({255, 255}) + "x", "x",
          "IAC unknown iac command 255\r\nIAC unknown iac command 120\r\n"},
+        {"IAC alone", "ab" + IAC, "ab", "", true},  // fails before its first word
+        {"WILL without option", "ab" + bytes({255, 251}), "ab", "IAC  WILL ", true},
+        {"DO without option", "ab" + bytes({255, 253}), "ab", "IAC  DO ", true},
+        {"SB without option", "ab" + bytes({255, 250}), "ab", "IAC  SB ", true},
+        {"linemode without SE", "ab" + bytes({255, 250, 34}) + "lost" + bytes({27}) + "[31mtoo", "ab",
+         "IAC  SB  linemode ", true},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         ClientHarness h;
-        h.c.writer.W_Print(row.text, kMainWindow);
+        bool failed = false;
+        try {
+            h.c.writer.W_Print(row.text, kMainWindow);
+        } catch (const RunError& e) {
+            failed = true;
+            EXPECT_EQ(e.number(), 5);
+            EXPECT_STREQ(e.what(), "Invalid procedure call or argument");
+            EXPECT_EQ(e.source(), "S_InterpretIac");
+        }
+        EXPECT_EQ(failed, row.fails);
         EXPECT_EQ(h.window(kMainWindow), row.display);
         EXPECT_EQ(h.debugText(), row.debug);
         EXPECT_EQ(h.state(kMainWindow).Colour, rgb(128, 128, 128)) << "text behind is lost";
@@ -55,36 +69,30 @@ TEST(Telnet, NegotiationIsSwallowedAndToldOnlyInTheDebugWindow) {
 
 TEST(Telnet, DoTerminalTypeAnswersElevenBytesThroughTheSender) {
     ClientHarness h;
-    h.openLog();
     h.c.writer.W_Print("a" + bytes({255, 253, 24}) + "b", kMainWindow);
 
-    ASSERT_EQ(kAnswer.size(), 11u);
     ASSERT_EQ(h.fp.socket.writes, std::vector<std::string>{kAnswer});
     // Logged, kept and echoed like any sent text; the echo's own IAC SB 24
     // and IAC SE vanish, and NUL "ANSI" NUL stay as text, between a and b.
-    EXPECT_EQ(h.logFile(), kAnswer + "\r\n");
     EXPECT_EQ(h.history(), kAnswer);
     EXPECT_EQ(h.window(kMainWindow), "a" + bytes({0}) + "ANSI" + bytes({0}) + "b");
-    EXPECT_EQ(h.debugText(),
-              "IAC  DO  terminal type \r\nIAC  SB  terminal type  \r\nIAC  EON \r\n");
+    EXPECT_EQ(h.debugText(), "IAC  DO  terminal type \r\nIAC  SB  terminal type  \r\nIAC  EON \r\n");
 
     // Asked twice, answered twice; no WILL goes ahead of the answer.
     h.c.writer.W_Print(bytes({255, 253, 24}), kMainWindow);
     EXPECT_EQ(h.fp.socket.writes, (std::vector<std::string>{kAnswer, kAnswer}));
 
+    // A replay in the history view answers again, echoed to the main window.
+    h.c.writer.W_Print("old" + bytes({255, 253, 24}), kHistT);
+    EXPECT_EQ(h.fp.socket.writes.size(), 3u);
+    EXPECT_EQ(h.window(kHistT), "old");
+    EXPECT_EQ(h.window(kMainWindow), "a" + bytes({0}) + "ANSI" + bytes({0}) + "b" + bytes({0}) + "ANSI" + bytes({0}) +
+                                         bytes({0}) + "ANSI" + bytes({0}));
+
     ClientHarness off(/*connected=*/false);
     off.c.writer.W_Print("a" + bytes({255, 253, 24}) + "b", kMainWindow);
-    EXPECT_TRUE(off.fp.socket.writes.empty());
-    EXPECT_TRUE(off.history().empty());
+    EXPECT_EQ(off.fp.socket.writes.size() + off.history().size(), 0u);
     EXPECT_EQ(off.window(kMainWindow), "ab");
-}
-
-TEST(Telnet, HistoryViewReplayAnswersAgainAndEchoesToTheMainWindow) {
-    ClientHarness h;
-    h.c.writer.W_Print("old" + bytes({255, 253, 24}), kHistT);
-    EXPECT_EQ(h.fp.socket.sent, kAnswer);
-    EXPECT_EQ(h.window(kHistT), "old");
-    EXPECT_EQ(h.window(kMainWindow), bytes({0}) + "ANSI" + bytes({0}));
 }
 
 TEST(Telnet, WontEchoTurnsInkOnForTheWindowBeingWritten) {
@@ -92,40 +100,78 @@ TEST(Telnet, WontEchoTurnsInkOnForTheWindowBeingWritten) {
     h.state(kMainWindow).Ink = false;
     h.state(kHistT).Ink = false;
     h.c.writer.W_Print("hidden" + bytes({255, 251, 1}) + "still", kMainWindow);
-    EXPECT_FALSE(h.state(kMainWindow).Ink) << "WILL echo must change nothing";
-    EXPECT_EQ(h.window(kMainWindow), "");
-
+    EXPECT_EQ(h.window(kMainWindow), "") << "WILL echo must change nothing";
     h.c.writer.W_Print("gone" + bytes({255, 252, 1}) + "shown", kHistT);
-    EXPECT_TRUE(h.state(kHistT).Ink);
-    EXPECT_FALSE(h.state(kMainWindow).Ink);
+    EXPECT_TRUE(h.state(kHistT).Ink && !h.state(kMainWindow).Ink);
     EXPECT_EQ(h.window(kHistT), "shown");
     EXPECT_EQ(h.debugText(), "IAC  WILL  echo \r\nIAC  WONT  echo \r\n");
 }
 
-TEST(Telnet, CutShortSequenceFailsAfterItsDebugWords) {
-    const std::vector<IacRow> rows = {
-        {"IAC alone", "ab" + IAC, "ab", ""},  // fails before its first word
-        {"WILL without option", "ab" + bytes({255, 251}), "ab", "IAC  WILL "},
-        {"WONT without option", "ab" + bytes({255, 252}), "ab", "IAC  WONT "},
-        {"DO without option", "ab" + bytes({255, 253}), "ab", "IAC  DO "},
-        {"SB without option", "ab" + bytes({255, 250}), "ab", "IAC  SB "},
-        {"linemode without SE", "ab" + bytes({255, 250, 34}) + "lost" + bytes({27}) + "[31mtoo", "ab",
-         "IAC  SB  linemode "},
+// After `before`, `seq` leaves the text behind it in `shown`, with the flags
+// NotBold, Underline, Blink and Reverse ("nubr" where set) and BackColour.
+TEST(Ansi, SgrParametersChangeTheWindowState) {
+    struct Row {
+        std::string before, seq;
+        std::uint32_t shown;
+        std::string flags;
+        std::uint32_t back;
+        std::string debug;
+    };
+    const std::uint32_t red = rgb(128, 0, 0);
+    const std::vector<Row> rows = {
+        {csi("0m"), "1;31m", rgb(255, 127, 127), "", 0, ""},
+        {csi("0m"), "31;1m", rgb(255, 127, 127), "", 0, ""},
+        {csi("4;5;7m") + csi("1m"), "m", rgb(192, 192, 192), "nubr", 0, ""},
+        {csi("4;5;7;41m"), "0m", rgb(192, 192, 192), "n", red, ""},
+        {csi("0;32m"), ";1m", rgb(255, 255, 255), "", 0, ""},
+        {csi("0m"), "39m", rgb(64, 64, 64), "n", 0, "unknown color 9\r\n"},
+        {csi("0m"), "38;5;196m", rgb(64, 64, 64), "nb", 0, "unknown color 8\r\n"},
+        {csi("0;33m"), "100m", rgb(192, 192, 64), "n", 0, ""},
+        {csi("0m"), "05m", rgb(192, 192, 192), "n", 0, "unknown SING/DBL 05\r\n"},
+        {csi("1;4m"), "24m", rgb(255, 255, 255), "u", 0, "unknown SING/DBL 24\r\n"},
+        {csi("0m"), "2m", rgb(192, 192, 192), "n", 0, "unknown SING :2\r\n"},
+        {csi("0;34m"), "41m", rgb(64, 64, 192), "n", red, ""},
+        {csi("0;34m"), "47m", rgb(64, 64, 192), "n", rgb(128, 128, 128), ""},
+        {csi("0;31m"), "3xm", rgb(192, 192, 192), "n", 0, ""},
     };
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
+        SCOPED_TRACE(row.before.substr(1) + " then " + row.seq);
         ClientHarness h;
-        try {
-            h.c.writer.W_Print(row.text, kMainWindow);
-            ADD_FAILURE() << "no failure raised";
-        } catch (const RunError& e) {
-            EXPECT_EQ(e.number(), 5);
-            EXPECT_STREQ(e.what(), "Invalid procedure call or argument");
-            EXPECT_EQ(e.source(), "S_InterpretIac");
-        }
-        EXPECT_EQ(h.window(kMainWindow), row.display);
+        h.c.writer.W_Print(row.before, kMainWindow);
+        ASSERT_EQ(h.debugText(), "");
+        h.c.writer.W_Print(csi(row.seq) + "x" + csi("K"), kMainWindow);
+        const WindowState& st = h.state(kMainWindow);
+        EXPECT_EQ(h.window(kMainWindow), "x");
+        EXPECT_EQ(styleAt(h.c.windows.text[kMainWindow], 0).colour, row.shown);
+        EXPECT_EQ(std::string(st.NotBold ? "n" : "") + (st.Underline ? "u" : "") + (st.Blink ? "b" : "") +
+                      (st.Reverse ? "r" : ""),
+                  row.flags);
+        EXPECT_EQ(st.BackColour, row.back);
         EXPECT_EQ(h.debugText(), row.debug);
-        EXPECT_EQ(h.state(kMainWindow).Colour, rgb(128, 128, 128)) << "text behind is lost";
-        EXPECT_TRUE(h.fp.socket.sent.empty());
+    }
+}
+
+TEST(Ansi, NewWindowIsBoldUntilTheFirstReset) {
+    ClientHarness h;
+    h.c.writer.W_Print("a" + csi("m") + "b" + csi("0m"), kCustom1);
+    const OutputWindow& w = h.c.windows.text[kCustom1];
+    EXPECT_EQ(styleAt(w, 0).colour, rgb(255, 255, 255));
+    EXPECT_EQ(styleAt(w, 1).colour, rgb(192, 192, 192));
+}
+
+TEST(Ansi, FinalsOtherThanSgr) {
+    struct Row { std::string seq; bool clears, supported; };
+    const std::vector<Row> rows = {
+        {csi("J"), true, true},    {csi("1J"), true, true},   {csi("2J"), true, true}, {csi("10;20H"), false, true},
+        {csi("K"), false, true},   {csi("2f"), false, false}, {csi("5A"), false, false}, {csi("s"), false, false},
+        {ESC + "(B", false, false},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.seq.substr(1));
+        ClientHarness h;
+        h.c.writer.W_Print("old", kMainWindow);
+        h.c.writer.W_Print("mid" + row.seq + "new", kMainWindow);
+        EXPECT_EQ(h.window(kMainWindow), row.clears ? "new" : "oldmidnew");
+        EXPECT_EQ(h.debugText(), row.supported ? "" : "ANSI not supported " + row.seq + "\r\n");
     }
 }

@@ -27,6 +27,7 @@ struct ScriptedServer {
                 received[n].append(b.constData(), static_cast<std::size_t>(b.size()));
             });
             if (n < greetings_.size()) send(greetings_[n]);
+            if (hangUp) c->disconnectFromHost();
         });
     }
     std::string port() const { return std::to_string(server.serverPort()); }
@@ -39,6 +40,8 @@ struct ScriptedServer {
     QTcpServer server;
     std::vector<std::string> received;
     QTcpSocket* current = nullptr;
+    // Closes each connection right after its greeting.
+    bool hangUp = false;
 
 private:
     std::vector<std::string> greetings_;

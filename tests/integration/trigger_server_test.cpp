@@ -2,56 +2,37 @@
 // that come back over the real socket are the contract.
 #include <gtest/gtest.h>
 
-#include <QElapsedTimer>
 #include <QTest>
 
 #include "loopback.h"
-#include "shell/client.h"
+#include "shell/main_form_qt.h"
 
 namespace kelpa::test {
 namespace {
 
-struct LiveClient : WirePlatform {
-    std::unique_ptr<Client> c;
-
-    // The socket outlives the client and tells of its close when it goes.
-    ~LiveClient() { QObject::disconnect(&socket, nullptr, nullptr, nullptr); }
-
-    void start(const std::string& port) {
-        c = std::make_unique<Client>(platform);
-        c->Form_Load();
-        QObject::connect(&socket, &qt::QtSocket::connected, [this] { c->session.s_Connect(); });
-        QObject::connect(&socket, &qt::QtSocket::dataArrival, [this] { c->session.s_DataArrival(); });
-        QObject::connect(&socket, &qt::QtSocket::closed, [this] { c->session.s_Close(); });
-        c->bar.Site = "127.0.0.1";
-        c->bar.PPort = port;
-        c->session.CMD_CONNECT_Click();
-    }
-};
-
 TEST(TriggerServer, LinesFireActionsThatSendSetFlagsAndInject) {
     ScriptedServer server;
-    LiveClient client;
-    client.folder.write("triggers/a_rat.trigger", "pattern1=A rat arrives\r\naction=kill rat");
-    client.folder.write("triggers/b_hungry.trigger", "flag1=3\r\npattern1=You are hungry\r\naction=eat bread");
-    client.folder.write("triggers/c_moon.trigger", "pattern1=The moon rises\r\naction=#SF 3 1");
-    client.folder.write("triggers/d_whisper.trigger", "pattern1=whispers\r\naction=#I you hear $*");
-    client.folder.write("triggers/e_heard.trigger", "pattern1=YOU HEAR  BOB\r\naction=reply %WHO");
+    WirePlatform client;
+    for (const auto& [name, text] : std::vector<std::pair<std::string, std::string>>{
+             {"a_rat", "pattern1=A rat arrives\r\naction=kill rat"},
+             {"b_hungry", "flag1=3\r\npattern1=You are hungry\r\naction=eat bread"},
+             {"c_moon", "pattern1=The moon rises\r\naction=#SF 3 1"},
+             {"d_whisper", "pattern1=whispers\r\naction=#I you hear $*"},
+             {"e_heard", "pattern1=YOU HEAR  BOB\r\naction=reply %WHO"}})
+        client.folder.write("triggers/" + name + ".trigger", text);
     client.folder.write("gtriggers/prompt.trigger",
                         "pattern1=HP:\r\npattern1=MV:\r\naction=#SV WHO bob\r\npattern1=HP:\r\npattern1=MV:\r\naction=look");
-    client.start(server.port());
-    QElapsedTimer t;
-    t.start();
-    while (!(server.current && client.socket.state() == Socket::kConnected) && t.elapsed() < 5000) QTest::qWait(5);
-    ASSERT_EQ(client.socket.state(), Socket::kConnected);
+    qt::MainForm form(client.platform);
+    form.listenTo(client.socket);
+    form.client().bar.Site = "127.0.0.1";
+    form.client().bar.PPort = server.port();
+    form.client().session.CMD_CONNECT_Click();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return server.current && client.socket.state() == Socket::kConnected; }, 5000));
 
     auto exchange = [&](const char* text, const std::string& expected) {
         server.received.back().clear();
         server.send(text);
-        // QTest's own waiting macros do not report to GoogleTest.
-        QElapsedTimer t;
-        t.start();
-        while (server.received.back().size() < expected.size() && t.elapsed() < 5000) QTest::qWait(5);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return server.received.back().size() >= expected.size(); }, 5000)) << text;
         EXPECT_EQ(server.received.back(), expected) << text;
     };
     // The flag is clear, so only the rat answers.

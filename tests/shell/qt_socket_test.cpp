@@ -1,11 +1,12 @@
-// The socket adapter against a real server on the loopback interface.
+// The socket adapter, and the whole window over it, against a real server
+// on the loopback interface.
 #include <gtest/gtest.h>
 
-#include <QTcpServer>
-#include <QTcpSocket>
 #include <QTest>
 
-#include "shell/qt_socket_qt.h"
+#include "integration/loopback.h"
+#include "shell/main_form_qt.h"
+#include "shell/qt_platform_qt.h"
 
 namespace kelpa::test {
 namespace {
@@ -35,20 +36,6 @@ void record(qt::QtSocket& s, Recorder& r, bool skipFirstRead) {
     });
 }
 
-// A server that sends `text` and closes at once.
-struct OneShotServer {
-    explicit OneShotServer(QByteArray text) {
-        server.listen(QHostAddress::LocalHost);
-        QObject::connect(&server, &QTcpServer::newConnection, [this, text] {
-            QTcpSocket* c = server.nextPendingConnection();
-            c->write(text);
-            c->disconnectFromHost();
-        });
-    }
-    std::string port() const { return std::to_string(server.serverPort()); }
-    QTcpServer server;
-};
-
 // Sent with the close: a flood comes in bounded chunks, wholly before the
 // close; so do a few bytes that a handler once left unread.
 TEST(QtSocket, BytesThatComeWithTheServersCloseAreReadBeforeTheClose) {
@@ -56,7 +43,8 @@ TEST(QtSocket, BytesThatComeWithTheServersCloseAreReadBeforeTheClose) {
     for (int i = 0; flood.size() < 300 * 1024; ++i) flood += "line " + QByteArray::number(i) + "\r\n";
     for (bool skipFirstRead : {false, true}) {
         const QByteArray text = skipFirstRead ? QByteArray("hello\r\nbye\r\n") : flood;
-        OneShotServer server(text);
+        ScriptedServer server({text.toStdString()});
+        server.hangUp = true;
         qt::QtSocket s;
         Recorder r;
         record(s, r, skipFirstRead);
@@ -69,29 +57,54 @@ TEST(QtSocket, BytesThatComeWithTheServersCloseAreReadBeforeTheClose) {
     }
 }
 
-TEST(QtSocket, ARefusedConnectionIsAnErrorWithTheOldNumbers) {
+TEST(QtSocket, ARefusedConnectionOrAnImpossiblePortIsAnErrorAfterTheCall) {
     QTcpServer probe;
     probe.listen(QHostAddress::LocalHost);
-    const std::string port = std::to_string(probe.serverPort());
+    const std::string closedPort = std::to_string(probe.serverPort());
     probe.close();
-    qt::QtSocket s;
-    Recorder r;
-    record(s, r, false);
-    s.connect("127.0.0.1", port);
-    EXPECT_TRUE(r.events.empty());  // never inside the click that connects
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !r.events.empty(); }, 5000));
-    EXPECT_EQ(r.events, std::vector<std::string>{"error 10061 -2146818227"});
-    EXPECT_NE(s.state(), Socket::kConnected);
+    for (const auto& [port, error] : {std::pair{closedPort, "error 10061 -2146818227"}, {"http", "error 10049 "}}) {
+        qt::QtSocket s;
+        Recorder r;
+        record(s, r, false);
+        s.connect("127.0.0.1", port);
+        EXPECT_TRUE(r.events.empty());  // never inside the click that connects
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !r.events.empty(); }, 5000));
+        EXPECT_EQ(r.events.front().rfind(error, 0), 0u) << r.events.front();
+        EXPECT_EQ(r.events.size(), 1u);
+        EXPECT_NE(s.state(), Socket::kConnected);
+    }
 }
 
-TEST(QtSocket, AnImpossiblePortFailsAfterTheCall) {
-    qt::QtSocket s;
-    Recorder r;
-    record(s, r, false);
-    s.connect("127.0.0.1", "http");
-    EXPECT_TRUE(r.events.empty());
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !r.events.empty(); }, 2000));
-    EXPECT_EQ(r.events.front().rfind("error 10049 ", 0), 0u) << r.events.front();
+// The whole window: what the server sends just before it closes is shown,
+// logged and kept before the close is handled.
+TEST(CloseWithData, EveryByteIsShownLoggedAndKeptBeforeTheCloseIsHandled) {
+    TempFolder folder;
+    QByteArray text;
+    for (int i = 0; text.size() < 200 * 1024; ++i)
+        text += "\x1b[1;3" + QByteArray::number(i % 8) + "mline " + QByteArray::number(i) + "\r\n";
+    text += "the last words";
+    ScriptedServer server({text.toStdString()});
+    server.hangUp = true;
+    auto form = qt::MainForm::createOn(std::make_unique<qt::QtPlatform>(folder.path()));
+    Client& c = form->client();
+    std::string historyAtClose, windowAtClose;
+    bool closed = false;
+    // Connected after the window's own handler, so it sees the state the
+    // close left behind; the road reads nothing once the socket is closed.
+    QObject::connect(&form->qtPlatform()->socket, &qt::QtSocket::closed, [&] {
+        historyAtClose = c.history.HistoryText;
+        windowAtClose = std::string(c.windows.text[kMainWindow].text());
+        closed = true;
+    });
+    c.bar.Site = "127.0.0.1";
+    c.bar.PPort = server.port();
+    c.session.CMD_CONNECT_Click();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return closed; }, 10000));
+    EXPECT_EQ(historyAtClose, text.toStdString());
+    EXPECT_EQ(windowAtClose.substr(windowAtClose.size() - 14), "the last words");
+    const std::string log = folder.read(c.log.currentPath());
+    EXPECT_EQ(log.substr(log.size() - 16), "the last words\r\n");
+    EXPECT_EQ(log.find("ERROR"), std::string::npos);
 }
 
 }  // namespace

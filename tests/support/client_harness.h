@@ -28,6 +28,11 @@ struct ClientHarness {
     const std::string& history() const { return c.history.HistoryText; }
     // What the open (or last opened) session log holds.
     std::string logFile() const { return fp.folder.read(c.log.currentPath()); }
+    // A chunk from the server, as the socket's data event brings it.
+    void receive(const std::string& chunk) {
+        fp.socket.incoming = chunk;
+        c.session.s_DataArrival();
+    }
     // Opens the day's log of a site, as a connection does.
     void openLog(const std::string& shortName = "mud") { c.log.open(shortName); }
     void setGraphicsOff() { c.setGraphics(false); }

@@ -12,10 +12,6 @@ struct TriggerFixture : ClientHarness {
     void trigger(const std::string& name, const std::string& lines, bool global = false) {
         fp.folder.write(std::string(global ? "gtriggers/" : "triggers/") + name, lines);
     }
-    void receive(const std::string& chunk) {
-        fp.socket.incoming = chunk;
-        c.session.s_DataArrival();
-    }
     std::string sent() const { return fp.socket.sent; }
 };
 

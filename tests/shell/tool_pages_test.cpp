@@ -1,12 +1,15 @@
-// The page "Macros" over a temporary program folder: list, open, save,
-// delete, and failures that keep the boxes.
+// The pages "Macros" and "Triggers" over a temporary program folder: list,
+// open, edit, save, delete, and failures that keep the boxes.
 #include <gtest/gtest.h>
 
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QRadioButton>
+#include <QTimer>
 
 #include "command/macro_page_qt.h"
 #include "form_fixture.h"
@@ -40,9 +43,6 @@ TEST(MacroPage, ListsOpensSavesAndReloads) {
     qt::MacroPage* page = shownPage(f);
     EXPECT_EQ(itemsOf(page->Mlist), (QStringList{"a.macro", "b.macro"}));
     EXPECT_EQ(page->txtMacrosLabel->text(), "?.macro");
-    EXPECT_EQ(page->txtMacrosCommands->toPlainText(),
-              "#NOP  ************************************* \n#NOP  *                MACRO              * \n"
-              "#NOP  ************************************* \n");
 
     doubleClick(page->Mlist, 1);
     EXPECT_EQ(page->txtMacrosLabel->text(), "b.macro");
@@ -65,8 +65,6 @@ TEST(MacroPage, ListsOpensSavesAndReloads) {
     EXPECT_EQ(itemsOf(page->Mlist), QStringList{"o.macro"});
     QTest::mouseClick(page->BTNMacrosSave, Qt::LeftButton);
     EXPECT_EQ(f.fake.folder.read("macros/AREA/new.macro"), "say new\r\nsay more\r\n");
-    f.form().client().Text1_Enter("@new");
-    EXPECT_TRUE(f.fake.host.messages.empty());
 }
 
 TEST(MacroPage, DeleteAsksAndFailuresKeepTheBoxes) {
@@ -101,6 +99,102 @@ TEST(MacroPage, DeleteAsksAndFailuresKeepTheBoxes) {
     EXPECT_EQ(f.fake.host.messages[2], "Cannot delete the macro " + f.fake.files.absolute("macros/MISSING/gone.macro"));
     EXPECT_EQ(page->txtMacrosCommands->toPlainText(), "say kept");
     EXPECT_EQ(page->txtMacrosLabel->text(), "gone.macro");
+}
+
+// Answers the next message box with `button` and notes what it said.
+struct BoxAnswer {
+    QString seen;
+    explicit BoxAnswer(QMessageBox::StandardButton button) {
+        auto* poll = new QTimer;
+        QObject::connect(poll, &QTimer::timeout, [this, poll, button] {
+            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            if (!box) return;
+            seen = box->windowTitle() + "/" + box->text();
+            poll->deleteLater();
+            box->button(button)->click();
+        });
+        poll->start(10);
+    }
+};
+
+struct TriggerPageFixture : FormFixture {
+    TriggerPageFixture() {
+        fake.folder.write("triggers/b.trigger", "flag1=2\r\npattern1=bee\r\n; note\r\naction=sting");
+        fake.folder.write("triggers/a.trigger", "pattern1=x\r\naction=y");
+        fake.folder.write("gtriggers/g.trigger", "pattern1=g\r\naction=global");
+    }
+    QStringList list() { return itemsOf(control<QListWidget>("TList")); }
+    void click(const char* name) {
+        QTest::mouseClick(control<QAbstractButton>(name), Qt::LeftButton);
+        form().syncFromCore();
+    }
+    QString text(const char* box) { return control<QPlainTextEdit>(box)->toPlainText(); }
+};
+
+TEST(TriggerPage, StartsWithTheTemplateAndLoadsEditsAndSavesFiles) {
+    TriggerPageFixture f;
+    EXPECT_EQ(f.control<QLineEdit>("txtTRGLabel")->text(), "?.trigger");
+    EXPECT_EQ(f.text("TxtTrgFlags"), "flag1=1");
+    EXPECT_EQ(f.text("txtTRGBody"), "pattern1=?\naction=#nop\npattern1=?\naction=#nop");
+    EXPECT_TRUE(f.control<QRadioButton>("Option1(0)")->isChecked());
+    EXPECT_EQ(f.list(), QStringList({"a.trigger", "b.trigger"}));
+
+    doubleClick(f.control<QListWidget>("TList"), 1);
+    f.form().syncFromCore();
+    EXPECT_EQ(f.control<QLineEdit>("txtTRGLabel")->text(), "b.trigger");
+    EXPECT_EQ(f.text("TxtTrgFlags"), "flag1=2\n");
+    EXPECT_EQ(f.text("txtTRGBody"), "pattern1=bee\naction=sting\n");
+
+    auto* body = f.control<QPlainTextEdit>("txtTRGBody");
+    body->moveCursor(QTextCursor::End);
+    QTest::keyClicks(body, "pattern1=wasp");
+    QTest::keyClick(body, Qt::Key_Return);
+    QTest::keyClicks(body, "action=run");
+    auto* label = f.control<QLineEdit>("txtTRGLabel");
+    label->selectAll();
+    QTest::keyClicks(label, "c.trigger");
+    f.click("btnTRGSave");
+    EXPECT_EQ(f.fake.folder.read("triggers/c.trigger"),
+              "flag1=2\r\n\r\npattern1=bee\r\naction=sting\r\npattern1=wasp\r\naction=run\r\n");
+    f.click("brefresh2");
+    EXPECT_EQ(f.list().size(), 3);
+
+    f.click("Option1(1)");
+    EXPECT_EQ(f.list(), QStringList({"g.trigger"}));
+    EXPECT_EQ(label->text(), "c.trigger");  // the boxes stay
+    f.click("btnTRGSave");
+    EXPECT_TRUE(f.fake.files.exists("gtriggers/c.trigger"));
+}
+
+TEST(TriggerPage, DeletionAsksAndFailuresShowInABoxThatKeepsTheText) {
+    TriggerPageFixture f;
+    auto* label = f.control<QLineEdit>("txtTRGLabel");
+    label->selectAll();
+    QTest::keyClicks(label, "a.trigger");
+    {
+        BoxAnswer no(QMessageBox::No);
+        f.click("btnTRGDelete");
+        EXPECT_EQ(no.seen, "Deletion confirmation/Please confirm trigger deletion");
+    }
+    EXPECT_TRUE(f.fake.files.exists("triggers/a.trigger"));
+    {
+        BoxAnswer yes(QMessageBox::Yes);
+        f.click("btnTRGDelete");
+    }
+    EXPECT_FALSE(f.fake.files.exists("triggers/a.trigger"));
+    EXPECT_EQ(f.list(), QStringList({"b.trigger"}));
+    EXPECT_EQ(label->text(), "?.trigger");
+
+    std::filesystem::remove_all(f.fake.folder.path() / "triggers");
+    QTest::keyClicks(f.control<QPlainTextEdit>("TxtTrgFlags"), "x");
+    {
+        BoxAnswer ok(QMessageBox::Ok);
+        f.click("btnTRGSave");
+        EXPECT_EQ(ok.seen, QString::fromStdString("Triggers/Cannot save the trigger: the folder " +
+                                                  f.fake.files.absolute("triggers") + " does not exist."));
+    }
+    EXPECT_EQ(f.text("TxtTrgFlags"), "xflag1=1");
+    EXPECT_EQ(label->text(), "?.trigger");
 }
 
 }  // namespace

@@ -1,0 +1,282 @@
+// The receive road: the server session (connecting, the init string, the
+// socket's events), getline, lignes and S_ProcessLines (what the window,
+// the log and the two trigger passes get of a chunk, and what a failure
+// leaves), and the session log (when it opens, the change of day in both
+// directions, the recall file checked by the same timer).
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "session/lines.h"
+#include "session/server_session.h"
+#include "support/client_harness.h"
+
+using namespace kelpa;
+using kelpa::test::bytes;
+using kelpa::test::ClientHarness;
+
+namespace {
+
+class SwallowEverything : public FrameExtractor {
+public:
+    void S_ExtractFrames(std::string& data) override { data.clear(); }
+};
+
+SiteRecord site(std::string name, std::string init) {
+    return SiteRecord{name, name, name + ".example", "", 4000, 4001, std::move(init), ""};
+}
+
+// A client whose current site has the short name "mud".
+struct LogHarness : ClientHarness {
+    LogHarness() {
+        c.bar.Sites = {SiteRecord{"", "mud"}};
+        c.bar.CB_Connections_Click(0);
+    }
+};
+
+class RecordingTriggers : public TriggerPasses {
+public:
+    void matchGlobal(std::string_view chunk) override { global.emplace_back(chunk); }
+    bool hasLineTriggers() const override { return true; }
+    void matchLine(std::string_view line) override { lines.emplace_back(line); }
+    std::vector<std::string> global, lines;
+};
+
+struct PipelineHarness : ClientHarness {
+    RecordingTriggers triggers;
+    PipelineHarness() {
+        c.pipeline.setTriggers(triggers);
+        openLog();
+    }
+    void process(std::string chunk) { c.pipeline.S_ProcessLines(chunk); }
+};
+
+using Lines = std::vector<std::string>;
+
+}  // namespace
+
+TEST(ReceiveRoad, GraphicsOffTurnsBoxBytesIntoAsciiForGood) {
+    // Lines become "-", "|" and "*"; the half blocks and shades stay.
+    const std::string box = bytes({0xC4, 0xB3, 0xC5, 0xDD, 0xB1, 0xC9});
+    for (const bool graphics : {false, true}) {
+        ClientHarness h;
+        if (!graphics) h.setGraphicsOff();
+        h.receive("x" + box);
+        const std::string shown = graphics ? "x" + box : "x-|*" + bytes({0xDD, 0xB1}) + "*";
+        EXPECT_EQ(h.history(), shown);
+        EXPECT_EQ(h.window(kMainWindow), shown);
+    }
+}
+
+TEST(ReceiveRoad, NothingIsReadOrShownWhenNotConnectedOrEmpty) {
+    ClientHarness h(/*connected=*/false);
+    h.openLog();
+    h.receive("late");
+    EXPECT_EQ(h.fp.socket.incoming, "late") << "the bytes stay unread";
+    EXPECT_EQ(h.window(kMainWindow), "");
+
+    h.fp.socket.connected = true;
+    h.receive("");
+    SwallowEverything frames;
+    h.c.session.setFrameExtractor(&frames);
+    h.receive("\x18" "frame\x19\x1A");
+    EXPECT_EQ(h.history() + h.window(kMainWindow) + h.logFile(), "");
+}
+
+TEST(ServerSession, InitStringMarksBecomeCharacters) {
+    const std::vector<std::pair<std::string, std::string>> rows = {
+        {"#24#a#25#b#26#c#10#", "\x18" "a\x19" "b\x1A" "c\n"}, {"#1O#", "#1O#"},
+        {"#10#24#", "#10\x18"},  // "#24#" is replaced first
+    };
+    for (const auto& [init, sent] : rows) EXPECT_EQ(ServerSession::expandInitString(init), sent);
+}
+
+TEST(ServerSession, ConnectOpensTheLogAndSendsTheInitStringStraight) {
+    ClientHarness h(/*connected=*/false);
+    h.c.bar.Sites = {site("mud", "hi#10#"), site("quiet", "")};
+    h.c.bar.CB_Connections_Click(0);
+
+    h.c.session.CMD_CONNECT_Click();
+    EXPECT_EQ(h.fp.socket.connects, std::vector<std::string>{"mud.example:4000"});
+    EXPECT_TRUE(!h.c.bar.connectEnabled && h.c.bar.disconnectEnabled);
+
+    h.fp.socket.connected = true;
+    h.c.session.s_Connect();
+    EXPECT_EQ(h.fp.socket.writes, std::vector<std::string>{"hi\n"});
+    EXPECT_EQ(h.fp.host.focuses, 1);
+    EXPECT_EQ(h.c.log.currentPath(), "logs/mud/H.20261123.txt");
+    EXPECT_EQ(h.logFile() + h.history() + h.window(kMainWindow), "") << "not logged, kept or echoed";
+
+    h.c.bar.CB_Connections_Click(1);  // an empty init string sends nothing
+    h.c.session.s_Connect();
+    EXPECT_EQ(h.fp.socket.writes.size(), 1u);
+}
+
+TEST(ServerSession, CloseAndErrorReturnTheButtonsAndTreatTheLogDifferently) {
+    ClientHarness h;
+    h.c.session.CMD_CONNECT_Click();
+    h.c.session.s_Connect();
+    h.c.session.s_Error(10061, "Connection refused", -2146818227);
+    EXPECT_TRUE(h.c.bar.connectEnabled && !h.c.bar.disconnectEnabled);
+    EXPECT_EQ(h.fp.socket.state(), 0);
+    EXPECT_TRUE(h.c.log.isOpen()) << "an error leaves the log open";
+    EXPECT_EQ(h.logFile(), "Sock 10061 Connection refused -2146818227\r\n");
+    EXPECT_NE(h.debugText().find("Sock 10061 Connection refused -2146818227\r\n"), std::string::npos);
+
+    h.fp.socket.connected = true;
+    h.c.session.s_Connect();
+    h.c.session.s_Close();
+    EXPECT_FALSE(h.c.log.isOpen());
+    EXPECT_TRUE(h.c.bar.connectEnabled);
+
+    h.fp.socket.connected = true;
+    h.c.session.s_Connect();
+    h.c.session.CMD_DISCONNECT_Click();
+    EXPECT_FALSE(h.c.log.isOpen() || h.c.bar.disconnectEnabled);
+    EXPECT_EQ(h.fp.socket.state(), 0);
+}
+
+TEST(SessionLog, ChangeOfDaySwitchesTheFileInBothDirections) {
+    EXPECT_EQ(SessionLog::pathFor("x", Date{987, 1, 2}), "logs/x/H.09870102.txt");
+    LogHarness h;
+    EXPECT_FALSE(h.fp.files.exists("logs")) << "loading opens no log";
+    h.c.session.s_Connect();
+    h.receive("monday");
+    h.c.as_timer_Timer();
+    h.receive("still monday");
+
+    h.fp.clock.day = Date{2026, 11, 24};
+    h.c.as_timer_Timer();
+    h.receive("tuesday");
+    EXPECT_TRUE(h.fp.socket.connected) << "no break in the connection";
+
+    h.fp.clock.day = Date{2026, 11, 23};  // the clock set back
+    h.c.as_timer_Timer();
+    h.receive("monday again");
+    EXPECT_EQ(h.fp.folder.read("logs/mud/H.20261123.txt"), "monday\r\nstill monday\r\nmonday again\r\n");
+    EXPECT_EQ(h.fp.folder.read("logs/mud/H.20261124.txt"), "tuesday\r\n");
+
+    // Without a connection the change of day opens the log too.
+    h.fp.socket.connected = false;
+    h.c.session.s_Close();
+    h.fp.clock.day = Date{2027, 1, 1};
+    h.c.as_timer_Timer();
+    EXPECT_TRUE(h.c.log.isOpen());
+    EXPECT_TRUE(h.fp.files.exists("logs/mud/H.20270101.txt"));
+}
+
+TEST(SessionLog, RecallFileShowsTheWindowAndIsDeletedEachTime) {
+    LogHarness h;
+    h.c.as_timer_Timer();
+    EXPECT_EQ(h.fp.host.shows, 0);
+    for (int round = 1; round <= 2; ++round) {
+        h.c.Text1_Escape();
+        h.fp.folder.write(Client::kShowFile, "any content");
+        h.c.as_timer_Timer();
+        EXPECT_FALSE(h.fp.host.hidden);
+        EXPECT_EQ(h.fp.host.shows, round);
+        EXPECT_FALSE(h.fp.files.exists(Client::kShowFile));
+    }
+    h.fp.folder.write(Client::kShowFile, "");
+    h.c.as_timer_Timer();
+    EXPECT_FALSE(h.fp.files.exists(Client::kShowFile)) << "deleted while not hidden too";
+}
+
+TEST(Lines, GetlineAndLignes) {
+    // The random test below holds the lines; these are the other corners.
+    struct Row { std::string s; int l; bool only; std::string result; };
+    const std::vector<Row> rows = {
+        {"a\r\nb", 3, true, ""},     {"a\r\nb", 1, false, "a\r\nb"}, {"abc", 0, true, "abc"},
+        {"abc", -4, false, "abc"},   {"a\r\nb\r\nc", 2, false, "b\r\nc"}, {"a\r\nb", 9, false, ""},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(getline(row.s, row.l, row.only), row.result) << row.s << " line " << row.l;
+
+    for (const auto& [text, n] : std::vector<std::pair<std::string, int>>{{"", 1}, {"\n\r", 1}, {"a\r\n\r\n", 3}})
+        EXPECT_EQ(lignes(text), n) << text;
+}
+
+TEST(Lines, CursorGivesTheLinesOfGetlineOnRandomTexts) {
+    std::mt19937 rng(1234);
+    const char alphabet[] = {'\r', '\n', 'a', 'b', ' '};
+    for (int round = 0; round < 2000; ++round) {
+        std::string text;
+        const std::size_t len = rng() % 24;
+        for (std::size_t i = 0; i < len; ++i) text += alphabet[rng() % 5];
+        Lines slow, fast;
+        for (int i = 1; i <= lignes(text); ++i) slow.push_back(getline(text, i, true));
+        LineCursor cursor(text);
+        std::string_view line;
+        while (cursor.next(line)) fast.emplace_back(line);
+        ASSERT_EQ(fast, slow) << "text of " << len << " bytes, round " << round;
+    }
+}
+
+TEST(LinePipeline, ChunkReachesWindowLogAndBothTriggerPasses) {
+    const std::vector<std::pair<std::string, Lines>> rows = {
+        {"abc\r\n", {"abc", ""}}, {"one\n\rtwo\n\r", {"one\n\rtwo\n\r"}}, {"a\r\n\r\nb", {"a", "", "b"}},
+    };
+    for (const auto& [chunk, lines] : rows) {
+        PipelineHarness h;
+        h.process(chunk);
+        EXPECT_EQ(h.window(kMainWindow), chunk);
+        EXPECT_EQ(h.logFile(), chunk + "\r\n");
+        EXPECT_EQ(h.triggers.global, Lines{chunk});
+        EXPECT_EQ(h.triggers.lines, lines);
+    }
+    // A line split across chunks joins only on screen.
+    PipelineHarness h;
+    h.process("ab");
+    h.process("c\r\n");
+    EXPECT_EQ(h.window(kMainWindow), "abc\r\n");
+    EXPECT_EQ(h.logFile(), "ab\r\nc\r\n\r\n");
+    EXPECT_EQ(h.triggers.lines, (Lines{"ab", "c", ""}));
+}
+
+TEST(LinePipeline, CleanerTextBreaksAheadOfGoldWhenMppIsThere) {
+    const std::vector<std::pair<std::string, std::string>> rows = {
+        {"a\r\nb\r\nGold: 5\r\nMPP: 3", "a\r\nb\r\r\n\r\nGold: 5\r\nMPP: 3"},
+        {"MPP: 3\r\nx Gold: 5", "MPP: 3\r\r\n\r\nx Gold: 5"},
+        {"Gold: 5 MPP: 3", "Gold: 5 MPP: 3\r\n"},
+        {"hp\r\nGold: 5", "hp\r\nGold: 5"},
+        {"gold: 5 MPP: 3", "gold: 5 MPP: 3"},
+    };
+    for (auto [in, out] : rows) {
+        const std::string before = in;
+        LinePipeline::cleanerText(in);
+        EXPECT_EQ(in, out) << before;
+    }
+
+    PipelineHarness h;
+    h.process("hp\r\nGold: 5 MPP: 3");
+    const std::string changed = "hp\r\r\n\r\nGold: 5 MPP: 3";
+    EXPECT_EQ(h.window(kMainWindow), changed);
+    EXPECT_EQ(h.logFile(), changed + "\r\n");
+    EXPECT_EQ(h.triggers.lines, (Lines{"hp\r", "", "Gold: 5 MPP: 3"}));
+
+    PipelineHarness off;
+    off.c.setCleanerText(false);
+    off.process("hp\r\nGold: 5 MPP: 3");
+    EXPECT_EQ(off.window(kMainWindow), "hp\r\nGold: 5 MPP: 3");
+}
+
+TEST(LinePipeline, FailureAbandonsTheChunkWithTheLogErrorLine) {
+    for (const auto& [chunk, source] : std::vector<std::pair<std::string, std::string>>{
+             {"ok" + bytes({255, 251}), "S_InterpretIac"}, {"ok\x1BMlost\r\nmore", "A_ParseCsi"}}) {
+        PipelineHarness h;
+        h.process("before");
+        h.process(chunk);
+        EXPECT_EQ(h.window(kMainWindow), "beforeok");
+        EXPECT_EQ(h.logFile(), "before\r\n\r\nERROR : 5/Invalid procedure call or argument on line " + source + "\r\n");
+        EXPECT_EQ(h.triggers.global, Lines{"before"});
+        EXPECT_EQ(h.triggers.lines, Lines{"before"});
+        h.process("after");
+        EXPECT_EQ(h.window(kMainWindow), "beforeokafter") << "the session goes on";
+    }
+
+    PipelineHarness noLog;
+    noLog.c.log.close();
+    noLog.process("x" + bytes({255}));
+    EXPECT_EQ(noLog.window(kMainWindow), "x");
+    EXPECT_TRUE(noLog.triggers.global.empty());
+}

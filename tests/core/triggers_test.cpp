@@ -1,0 +1,318 @@
+// Trigger files, written into a temporary program folder and read by the
+// store as at start-up: the format, matching and firing through the whole
+// receive road (groups, flags read at the moment a record is tested, the two
+// passes, "$*", failures, INJECT), and the editor's boxes against the files.
+#include <gtest/gtest.h>
+
+#include "support/trigger_fixture.h"
+#include "triggers/trigger_file.h"
+
+namespace kelpa::test {
+namespace {
+
+// One record as a short text: part, flag groups up to the largest filled
+// (group 0 included), tested count, pattern groups likewise, action.
+std::string describe(const TriggerRecord& r) {
+    std::string s = "part" + std::to_string(r.PartNumber) + " F" + std::to_string(r.FlagGroupCount);
+    for (std::size_t g = 0; g < r.FlagGroups.size(); ++g)
+        if (r.FlagGroups[g].Count() > 0) {
+            s += " f" + std::to_string(g) + ":";
+            for (int v : r.FlagGroups[g].Values) s += std::to_string(v) + ",";
+        }
+    s += " P" + std::to_string(r.PatternGroupCount);
+    for (std::size_t g = 0; g < r.PatternGroups.size(); ++g)
+        if (r.PatternGroups[g].Count() > 0) {
+            s += " p" + std::to_string(g) + ":";
+            for (const std::string& t : r.PatternGroups[g].Texts) s += "'" + t + "'";
+        }
+    return s + " a'" + r.Action + "'";
+}
+
+std::string describe(const TriggerRecords& t) {
+    std::string s;
+    for (const TriggerRecord& r : t) s += (s.empty() ? "" : " | ") + describe(r);
+    return s;
+}
+
+struct Case {
+    const char* name;
+    const char* file;
+    const char* records;  // "" when the file is not loaded
+};
+
+const Case kCases[] = {
+    {"same flag group", "flag1=3\r\nFLAG1=4\r\npattern1=x\r\naction=go", "part1 F1 f1:3,4, P1 p1:'x' a'go'"},
+    {"two flag groups", "flag1=3\r\nflag2=4\r\npattern1=x\r\naction=go", "part1 F2 f1:3, f2:4, P1 p1:'x' a'go'"},
+    {"last group counts", "flag2=3\r\nflag1=4\r\npattern2=a\r\npattern1=b\r\naction=go",
+     "part1 F1 f1:4, f2:3, P1 p1:'b' p2:'a' a'go'"},
+    {"group 3 alone", "flag3=7\r\npattern1=x\r\naction=go", "part1 F3 f3:7, P1 p1:'x' a'go'"},
+    {"group 0", "flag=7\r\npattern=x\r\naction=go", "part1 F0 f0:7, P0 p0:'x' a'go'"},
+    {"numbers as read", "flag 1.5 =2.5\r\npattern2.5=x\r\naction=go", "part1 F2 f2:2, P2 p2:'x' a'go'"},
+    {"texts kept whole", "pattern1= a=b \r\npattern1=\r\naction=say = hi", "part1 F0 P1 p1:' a=b ''' a'say = hi'"},
+    {"action without =", "pattern1=x\r\nkill rat", "part1 F0 P1 p1:'x' a'kill rat'"},
+    {"leading blank is no key", " flag1=1\r\npattern1=x\r\naction=go",
+     "part1 F0 P0 a'1' | part2 F0 P1 p1:'x' a'go'"},
+    {"blank line after flags", "flag1=1\r\n\r\npattern1=x\r\naction=go",
+     "part1 F1 f1:1, P0 a'' | part2 F1 f1:1, P1 p1:'x' a'go'"},
+    {"one pattern line", "pattern1=x\r\n", "part1 F0 P0 a''"},
+    {"flags then one line", "flag1=1\r\npattern1=x", "part1 F1 f1:1, P0 a''"},
+    {"trailing pattern line", "flag1=1\r\npattern1=x\r\naction=go\r\npattern1=y\r\n",
+     "part1 F1 f1:1, P1 p1:'x' a'go' | part2 F1 f1:1, P0 a''"},
+    {"comments skipped", "pattern1=x\r\naction=go\r\n# note\r\nflag1=2\r\naction=no\r\npattern1=y\r\naction=two\r\nend",
+     "part1 F0 P1 p1:'x' a'go' | part2 F0 P1 p1:'y' a'two'"},
+    {"later parts copy tested flags", "flag0=9\r\nflag1=1\r\npattern1=x\r\naction=a\r\npattern1=y\r\naction=b",
+     "part1 F1 f0:9, f1:1, P1 p1:'x' a'a' | part2 F1 f1:1, P1 p1:'y' a'b'"},
+    {"linux line ends", "flag1=1\npattern1=x\naction=go\n", "part1 F1 f1:1, P1 p1:'x' a'go'"},
+    {"empty file", "", ""},
+    {"ends in flag block", "flag1=1\r\nflag1=2\r\n", ""},
+    {"ends in pattern block", "pattern1=x\r\npattern1=y\r\n", ""},
+    {"pattern without =", "pattern1x\r\naction=go", ""},
+    {"flag without =", "flag1\r\npattern1=x\r\naction=go", ""},
+    {"group 51", "pattern51=x\r\naction=go", ""},
+    {"negative group", "flag-1=1\r\npattern1=x\r\naction=go", ""},
+    {"flag beyond 32 bits", "flag1=1e20\r\npattern1=x\r\naction=go", ""},
+};
+
+TEST(TriggerFiles, EveryCaseOfTheFormatLoadsAsItShould) {
+    for (const Case& k : kCases) {
+        TriggerFixture t;
+        t.trigger("a.trigger", "pattern1=before\r\naction=one");
+        t.trigger("b.trigger", k.file);
+        t.trigger("c.trigger", "pattern1=after\r\naction=three");
+        t.c.LoadTriggers();
+        const TriggerRecords& table = t.c.triggers.TriggerTable;
+        ASSERT_GE(table.size(), 2u) << k.name;
+        EXPECT_EQ(table.front().Action, "one") << k.name;
+        EXPECT_EQ(table.back().Action, "three") << k.name;
+        TriggerRecords middle(table.begin() + 1, table.end() - 1);
+        EXPECT_EQ(describe(middle), k.records) << k.name;
+        if (std::string(k.records).empty()) {
+            EXPECT_NE(t.debugText().find("Trigger file not loaded: " + t.fp.files.absolute("triggers/b.trigger") +
+                                         " line "),
+                      std::string::npos)
+                << k.name;
+        }
+    }
+}
+
+TEST(TriggerFiles, FullGroupsStopTheFileAndTheDebugLinesNameWhatWasRead) {
+    TriggerFixture t;
+    std::string fifty, fiftyOne;
+    for (int i = 0; i < 50; ++i) fifty += "pattern1=p" + std::to_string(i) + "\r\n";
+    fiftyOne = fifty + "pattern1=last\r\n";
+    t.trigger("full.trigger", fifty + "action=ok\r\npattern1=x\r\naction=two");
+    t.trigger("over.trigger", fiftyOne + "action=no");
+    t.trigger("g.trigger", "pattern1=x\r\naction=global", true);
+    t.trigger("skip.txt", "pattern1=x\r\naction=no");
+    t.c.LoadTriggers();
+    ASSERT_EQ(t.c.triggers.TriggerCount(), 2);
+    EXPECT_EQ(t.c.triggers.TriggerTable[0].patternGroup(1).Count(), 50);
+    EXPECT_EQ(t.c.triggers.TriggerTable[1].PartNumber, 2);
+    EXPECT_EQ(t.c.triggers.TriggerTable[1].FilePath, t.fp.files.absolute("triggers/full.trigger"));
+    ASSERT_EQ(t.c.triggers.GlobalTriggerCount(), 1);
+    EXPECT_EQ(t.debugText().substr(t.debugText().find("loading trigger full")),
+              "loading trigger full.trigger from /triggers\r\n"
+              "Found a parts , loading parts \r\n"
+              "Total parts loaded : 2\r\n"
+              "loading trigger over.trigger from /triggers\r\n"
+              "Trigger file not loaded: " + t.fp.files.absolute("triggers/over.trigger") +
+                  " line 51: more than 50 entries in one group\r\n"
+              "loading trigger g.trigger from /gtriggers\r\n");
+
+    // A reload starts from empty tables.
+    std::filesystem::remove(t.fp.folder.path() / "triggers/full.trigger");
+    t.c.LoadTriggers();
+    EXPECT_EQ(t.c.triggers.TriggerCount(), 0);
+    EXPECT_EQ(t.c.triggers.GlobalTriggerCount(), 1);
+}
+
+TEST(TriggerMatch, GroupsAndFlagsDecideWhichRecordsFireInTableOrder) {
+    TriggerFixture t;
+    t.trigger("a.trigger", "flag1=1\r\npattern1=?\r\naction=template");
+    t.trigger("b.trigger", "pattern1=a\r\npattern1=b\r\npattern2=c\r\naction=either");
+    t.trigger("c.trigger", "pattern2=never\r\npattern1=n\r\naction=empty group two");
+    t.trigger("d.trigger", "flag1=2\r\nflag1=3\r\naction=nopattern\r\n; no pattern line");
+    t.trigger("e.trigger", "flag1=4\r\nflag2=5\r\npattern1=zz\r\naction=one of two");
+    t.trigger("f.trigger", "pattern1=\r\naction=nonempty\r\npattern1=q\r\naction=second part");
+    t.c.LoadTriggers();
+    auto run = [&](const std::string& chunk) {
+        t.fp.socket.sent.clear();
+        t.receive(chunk);
+        return t.sent();
+    };
+    EXPECT_EQ(run("ab"), "either\r\nnonempty\r\n");
+    EXPECT_EQ(run("a c?"), "either\r\nnonempty\r\n");  // flag 1 clear
+    t.c.flags.set(1, true);
+    EXPECT_EQ(run("why?\r\n"), "template\r\nnonempty\r\n");  // the empty last line fires nothing
+    EXPECT_EQ(run("nq"), "empty group two\r\nnonempty\r\nsecond part\r\n");
+    t.c.flags.set(2, true);
+    EXPECT_EQ(run("x"), "nonempty\r\n");  // group needs flags 2 and 3
+    t.c.flags.set(3, true);
+    EXPECT_EQ(run("x\r\n"), "nopattern\r\nnonempty\r\nnopattern\r\n");
+    t.c.flags.set(5, true);
+    EXPECT_EQ(run("zz"), "nopattern\r\none of two\r\nnonempty\r\n");
+}
+
+TEST(TriggerMatch, ActionsSetFlagsForTheRecordsBehindThemAndTheLinesThatFollow) {
+    TriggerFixture t;
+    t.trigger("a.trigger", "flag1=7\r\npattern1=x\r\naction=seven");
+    t.trigger("b.trigger", "pattern1=x\r\naction=#SF 7 1");
+    t.trigger("b2.trigger", "flag1=7\r\npattern1=x\r\naction=seen");
+    t.trigger("c.trigger", "flag1=7\r\npattern1=x\r\naction=#SF 7 0\r\npattern1=x\r\naction=behind");
+    t.trigger("g.trigger", "pattern1=go\r\naction=#SF 7 1", true);
+    t.c.LoadTriggers();
+    t.receive("x\r\nx");
+    // Each line: a misses, b sets 7 for b2, c's first part clears it again
+    // before its second part is tested.
+    EXPECT_EQ(t.sent(), "seen\r\nseen\r\n");
+    t.fp.socket.sent.clear();
+    t.receive("go\r\nx");  // the global pass sets 7 before the line pass
+    EXPECT_EQ(t.sent(), "seven\r\nseen\r\n");
+}
+
+TEST(TriggerMatch, GlobalTriggersSeeTheChunkAndDollarStarBringsTheText) {
+    TriggerFixture t;
+    t.trigger("g.trigger", "pattern1=one\r\npattern1=two\r\naction=say $*!", true);
+    t.trigger("n.trigger", "pattern1=o\r\naction=tell $*");
+    t.c.LoadTriggers();
+    t.receive("one\r\ntwo\r\n");
+    // The chunk's pairs cut the global command; each line runs by itself.
+    EXPECT_EQ(t.sent(), "say  one\r\ntwo\r\n!\r\ntell  one\r\ntell  two\r\n");
+    const std::string fired = "Fired trigger 0 :" + t.fp.files.absolute("gtriggers/g.trigger") + " Part 1\r\n";
+    EXPECT_NE(t.debugText().find(fired), std::string::npos);
+    t.fp.socket.sent.clear();
+    t.receive("on");
+    t.receive("e\r\ntwo");  // split across chunks: the global trigger misses
+    EXPECT_EQ(t.sent(), "tell  on\r\ntell  two\r\n");
+}
+
+TEST(TriggerMatch, AFailureEndsTheChunkAndTheTablesStayUsable) {
+    TriggerFixture t;
+    t.openLog();
+    t.trigger("a.trigger", "flag1=99\r\nflag2=1\r\npattern1=x\r\naction=never");
+    t.trigger("b.trigger", "pattern1=y\r\naction=why");
+    t.c.LoadTriggers();
+    t.receive("y\r\nx\r\ny");  // a tests its flags on every line, patterns or not
+    EXPECT_EQ(t.sent(), "");
+    EXPECT_NE(t.logFile().find("y\r\nx\r\ny\r\n\r\nERROR : 340/Control array element '99' doesn't exist on line T_Match"),
+              std::string::npos);
+    t.c.flags.set(1, true);
+    t.c.flags.set(2, true);  // group 1 holds now but its entries are all read
+    t.receive("y");
+    EXPECT_EQ(t.sent(), "");
+}
+
+TEST(TriggerMatch, InjectedTextNestsAndTheDepthGuardEndsRunawayLoops) {
+    TriggerFixture t;
+    t.openLog();
+    t.trigger("a.trigger", "pattern1=ping\r\naction=#INJECT pong");
+    t.trigger("b.trigger", "pattern1=PONG\r\naction=got $*");
+    t.trigger("c.trigger", "pattern1=ping\r\naction=after");
+    // A chain exactly as deep as the guard allows ends by itself.
+    for (int i = 1; i < kMaxTriggerNesting; ++i)
+        t.trigger("s" + std::to_string(1000 + i) + ".trigger",
+                  "pattern1=<" + std::to_string(i) + ">\r\naction=#INJECT <" + std::to_string(i + 1) + ">");
+    t.trigger("s" + std::to_string(1000 + kMaxTriggerNesting) + ".trigger",
+              "pattern1=<" + std::to_string(kMaxTriggerNesting) + ">\r\naction=bottom");
+    // Two records that each inject what fires both again.
+    t.trigger("z1.trigger", "pattern1=LOOP\r\naction=#I LOOP");
+    t.trigger("z2.trigger", "pattern1=LOOP\r\naction=#I LOOP");
+    t.c.LoadTriggers();
+
+    t.receive("ping");
+    EXPECT_EQ(t.sent(), "got  PONG\r\nafter\r\n");
+    t.receive("<1>");
+    EXPECT_EQ(t.sent(), "got  PONG\r\nafter\r\nbottom\r\n");
+    EXPECT_EQ(t.logFile().find("ERROR"), std::string::npos);
+
+    t.fp.socket.sent.clear();
+    t.receive("<0>\r\nLOOP\r\nping");  // a doubling tree of firings, 64 deep, without the guard
+    EXPECT_EQ(t.sent(), "");
+    const std::string log = t.logFile();
+    const std::string error = "\r\nERROR : 28/Out of stack space on line T_Match";
+    EXPECT_NE(log.find(error), std::string::npos);
+    EXPECT_EQ(log.find(error), log.rfind(error));
+    t.receive("ping");  // and the road goes on
+    EXPECT_EQ(t.sent(), "got  PONG\r\nafter\r\n");
+}
+
+TEST(TriggerMatch, AReloadDuringAnActionEndsThePassOverTheOldTables) {
+    TriggerFixture t;
+    t.trigger("a.trigger", "pattern1=x\r\naction=#MB reload");
+    t.trigger("b.trigger", "pattern1=x\r\naction=after");
+    t.c.LoadTriggers();
+    // The message box waits for the player, who presses Reload meanwhile,
+    // after b.trigger has gone.
+    t.fp.host.onMessageBox = [&] {
+        std::filesystem::remove(t.fp.folder.path() / "triggers/b.trigger");
+        t.c.LoadTriggers();
+    };
+    t.receive("x\r\nx");
+    EXPECT_EQ(t.sent(), "");
+    EXPECT_EQ(t.c.triggers.TriggerCount(), 1);
+}
+
+TEST(TriggerEditor, TemplateSavesLoadsAndSavesAgainAsTheOldEditorDid) {
+    TriggerFixture t;
+    std::filesystem::create_directories(t.fp.folder.path() / "triggers");
+    std::filesystem::create_directories(t.fp.folder.path() / "gtriggers");
+    TriggerEditor& e = t.c.triggerEditor;
+    e.brefresh2_Click();
+    e.btnTRGNew_Click();
+    e.txtTRGLabel = "fight.trigger";
+    ASSERT_EQ(e.btnTRGSave_Click(), "");
+    EXPECT_EQ(t.fp.folder.read("triggers/fight.trigger"),
+              "flag1=1\r\npattern1=?\r\naction=#nop\r\npattern1=?\r\naction=#nop\r\n");
+    EXPECT_EQ(t.c.triggers.TriggerCount(), 2);  // in the tables at once
+    EXPECT_TRUE(e.TList.empty());               // the list waits for Refresh
+
+    t.trigger("fight.trigger", "; note\r\npattern1=x\r\nAction=go\r\nFLAG2=3\r\nbad=1\r\nsay=no");
+    e.brefresh2_Click();
+    ASSERT_EQ(e.TList, std::vector<std::string>{"fight.trigger"});
+    e.listIndex = 0;
+    ASSERT_EQ(e.TList_DblClick(), "");
+    EXPECT_EQ(e.txtTRGLabel, "fight.trigger");
+    EXPECT_EQ(e.TxtTrgFlags, "FLAG2=3\r\n");
+    EXPECT_EQ(e.txtTRGBody, "pattern1=x\r\nAction=go\r\n");
+    e.Option1_Click(1);  // a save now copies the trigger to the global folder
+    EXPECT_EQ(e.txtTRGLabel, "fight.trigger");
+    ASSERT_EQ(e.btnTRGSave_Click(), "");
+    EXPECT_EQ(t.fp.folder.read("gtriggers/fight.trigger"), "FLAG2=3\r\n\r\npattern1=x\r\nAction=go\r\n\r\n");
+    ASSERT_EQ(t.c.triggers.GlobalTriggerCount(), 2);  // the blank line makes an empty first part
+    EXPECT_EQ(t.c.triggers.GlobalTriggerTable[1].Action, "go");
+
+    e.listIndex = -1;
+    EXPECT_EQ(e.TList_DblClick(), "");
+    EXPECT_EQ(e.txtTRGLabel + e.TxtTrgFlags + e.txtTRGBody, "");
+}
+
+TEST(TriggerEditor, FailedSavesAndDeletesSayWhyAndKeepTheBoxes) {
+    TriggerFixture t;
+    TriggerEditor& e = t.c.triggerEditor;
+    e.btnTRGNew_Click();
+    e.txtTRGLabel = "a.trigger";
+    EXPECT_NE(e.btnTRGSave_Click(), "") << "no folder";
+    std::filesystem::create_directories(t.fp.folder.path() / "triggers");
+    e.txtTRGLabel = std::string(300, 'n') + ".trigger";
+    EXPECT_NE(e.btnTRGSave_Click().find("File name too long"), std::string::npos);
+    e.txtTRGLabel = "../escape.trigger";
+    EXPECT_EQ(e.btnTRGSave_Click(), "Cannot save the trigger: \"../escape.trigger\" is not a file name.");
+    EXPECT_EQ(e.TxtTrgFlags, "flag1=1");
+    EXPECT_TRUE(std::filesystem::is_empty(t.fp.folder.path() / "triggers"));  // no temporary file left
+
+    e.txtTRGLabel = "a.trigger";
+    ASSERT_EQ(e.btnTRGSave_Click(), "");
+    auto yes = [](const std::string&, const std::string&) { return true; };
+    EXPECT_EQ(e.btnTRGDelete_Click(yes), "");
+    EXPECT_EQ(t.c.triggers.TriggerCount(), 2);  // still active until a reload
+    e.txtTRGLabel = "a.trigger";
+    e.txtTRGBody = "kept";
+    EXPECT_EQ(e.btnTRGDelete_Click(yes),
+              "Cannot delete the trigger " + t.fp.files.absolute("triggers/a.trigger") + ": there is no such file.");
+    EXPECT_EQ(e.txtTRGBody, "kept");
+    e.Reload_Click();
+    EXPECT_EQ(t.c.triggers.TriggerCount(), 0);
+}
+
+}  // namespace
+}  // namespace kelpa::test
