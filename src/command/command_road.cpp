@@ -15,7 +15,13 @@ struct Nesting {
 }  // namespace
 
 void CommandRoad::S_RunCommands(std::string text) {
-    if (depth_ == 0) nestedTexts_ = 0;
+    if (depth_ == 0) {
+        nestedTexts_ = 0;
+        nestedBytes_ = 0;
+        workSpent_ = false;
+        workStart_ = workMeter_ ? workMeter_() : 0;
+    }
+    if (workSpent_) return;
     if (depth_ >= kNestingLimit || (depth_ > 0 && nestedTexts_ >= kNestedTextBudget)) {
         const std::string trimmed = trimBlanks(text);
         if (trimmed.empty()) return;
@@ -27,7 +33,10 @@ void CommandRoad::S_RunCommands(std::string text) {
                             head);
         return;
     }
-    if (depth_ > 0) ++nestedTexts_;
+    if (depth_ > 0) {
+        ++nestedTexts_;
+        nestedBytes_ += text.size();
+    }
     const Nesting nesting(depth_);
     // A loop in place of one level of recursion per line. Trimming the rest
     // at each turn only ever removes blanks at its front: its end is the
@@ -42,6 +51,7 @@ void CommandRoad::S_RunCommands(std::string text) {
         if (pair == std::string::npos || pair + 2 > end) pair = end;
         std::string line = text.substr(start, pair - start);
         start = pair == end ? end : pair + 2;
+        if (overWorkBudget(line)) return;
         if (line.size() >= 2 && line[0] == '@') {
             debug_.DebugLog("Running Macro : " + line);
             if (runMacro_)
@@ -57,6 +67,16 @@ void CommandRoad::S_RunCommands(std::string text) {
             S_SendLine(line);
         }
     }
+}
+
+bool CommandRoad::overWorkBudget(const std::string& line) {
+    if (workSpent_) return true;
+    const std::uint64_t done = nestedBytes_ + (workMeter_ ? workMeter_() - workStart_ : 0);
+    if (done <= kWorkBudget) return false;
+    workSpent_ = true;
+    debug_.DebugLog("More than " + decimal(static_cast<long long>(kWorkBudget >> 20)) +
+                    " MB of commands in one run, stopped at: " + line);
+    return true;
 }
 
 void CommandRoad::S_SendLine(std::string line) {

@@ -2,6 +2,7 @@
 // "@" to the macros, "#" to the keywords, the rest to the server.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <string>
 
@@ -21,6 +22,10 @@ public:
     // depth yet doubles its work at every level; one command from outside
     // may run at most this many nested texts.
     static constexpr int kNestedTextBudget = 1000;
+    // Values that double themselves reach the expansion cap in a few lines,
+    // and a line that names one a thousand times then costs a gigabyte. One
+    // command from outside may expand and nest at most this many bytes.
+    static constexpr std::uint64_t kWorkBudget = std::uint64_t{4} << 20;
 
     CommandRoad(Sender& sender, DebugChannel& debug) : sender_(sender), debug_(debug) {}
 
@@ -30,6 +35,8 @@ public:
     void setMacroRunner(LineHandler h) { runMacro_ = std::move(h); }
     void setKeywordRunner(LineHandler h) { runKeyword_ = std::move(h); }
     void setExpander(Expander e) { expand_ = std::move(e); }
+    // Bytes expanded so far, by anyone; read at each line.
+    void setWorkMeter(std::function<std::uint64_t()> m) { workMeter_ = std::move(m); }
 
     void S_RunCommands(std::string text);
     void S_SendLine(std::string line);
@@ -43,8 +50,14 @@ private:
     LineHandler runMacro_;
     LineHandler runKeyword_;
     Expander expand_;
+    std::function<std::uint64_t()> workMeter_;
     int depth_ = 0;
     int nestedTexts_ = 0;
+    std::uint64_t workStart_ = 0;
+    std::uint64_t nestedBytes_ = 0;
+    bool workSpent_ = false;
+
+    bool overWorkBudget(const std::string& line);
 };
 
 }  // namespace kelpa

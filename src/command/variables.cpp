@@ -319,6 +319,12 @@ private:
 };
 
 std::string VariableTable::S_ExpandVars(std::string_view text) const {
+    std::string out = expandOnce(text);
+    expandedBytes_ += out.size();
+    return out;
+}
+
+std::string VariableTable::expandOnce(std::string_view text) const {
     if (Variables.empty() || text.find('%') == std::string_view::npos) return std::string(text);
     if (percentInName_) return expandByPasses(text);
     std::string out;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -45,10 +46,14 @@ public:
     // order, exactly as one pass per entry would; an index over the names
     // makes the cost follow the text and its references, not the table.
     std::string S_ExpandVars(std::string_view text) const;
+    // Bytes of text every expansion so far has handed back: what the
+    // command road weighs a runaway run by.
+    std::uint64_t expandedBytes() const { return expandedBytes_; }
     // Empties the table, as the trigger loader does.
     void clear();
 
 private:
+    mutable std::uint64_t expandedBytes_ = 0;
     struct Node {
         std::vector<std::pair<unsigned char, int>> next;
         int entry = 0;  // the entry whose name ends here, 0 for none
@@ -57,6 +62,7 @@ private:
     int child(int node, unsigned char c) const;
     void addName(const std::string& name, int entry);
     std::string expandByPasses(std::string_view text) const;
+    std::string expandOnce(std::string_view text) const;
 
     DebugChannel& debug_;
     const Clock& clock_;

@@ -21,6 +21,7 @@ Client::Client(Platform& p)
       triggerEditor(p.files, [this] { LoadTriggers(); }) {
     telnet.setSender([this](std::string& answer) { sender.S_SendData(answer); });
     commands.setExpander([this](const std::string& s) { return variables.S_ExpandVars(s); });
+    commands.setWorkMeter([this] { return variables.expandedBytes(); });
     commands.setMacroRunner([this](const std::string& line) {
         std::string l = line;
         macros.S_RunMacro(l);

@@ -262,6 +262,23 @@ TEST(Macros, BranchingCallsStopAtTheBudgetOfOneRun) {
     EXPECT_EQ(h.count("More than 1000 nested commands in one run"), 1u);
 }
 
+TEST(Macros, HugeExpansionsStopAtTheWorkBudgetOfOneRun) {
+    Lines h;
+    // Eight doublings leave 128 KB in X; each line that names it sends it all.
+    std::string text = "#sv x " + std::string(512, 'a');
+    for (int i = 0; i < 8; ++i) text += "\r\n#sv x %x%x";
+    for (int i = 0; i < 40; ++i) text += "\r\nsay %X";
+    h.run(text + "\r\nsay never");
+    EXPECT_EQ(h.count("More than 4 MB of commands in one run, stopped at: say %X\r\n"), 1u);
+    std::size_t sent = 0;
+    for (const std::string& w : h.fp.socket.writes) sent += w.size();
+    EXPECT_GT(sent, std::size_t{3} << 20);
+    EXPECT_LT(sent, std::size_t{4} << 20);
+    EXPECT_NE(h.fp.socket.writes.back(), "say never\r\n");
+    h.run("say alive");  // the next run has the whole budget again
+    EXPECT_EQ(h.fp.socket.writes.back(), "say alive\r\n");
+}
+
 TEST(Words, GetwordEndsAtOneBlankOrTheFirstPairAndFolds) {
     std::string s = "sv  x\r\ny z";
     EXPECT_EQ(getword(s), "SV");
