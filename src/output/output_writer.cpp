@@ -80,11 +80,17 @@ void OutputWriter::W_Print(std::string_view input, int win) {
         return;
     }
     WindowState& st = windows_.state[win];
-    // Local, so that a nested call for the same window cannot disturb it.
-    std::string text;
-    text.reserve(st.Pending.size() + input.size());
-    text.append(st.Pending).append(input);
-    st.Pending.clear();
+    // A sequence cut by the last call is joined to this text, in a local
+    // copy that a nested call for the same window cannot disturb; without
+    // one the caller's text is read where it lies.
+    std::string joined;
+    std::string_view text = input;
+    if (!st.Pending.empty()) {
+        joined.reserve(st.Pending.size() + input.size());
+        joined.append(st.Pending).append(input);
+        st.Pending.clear();
+        text = joined;
+    }
     st.StartLen = windows_.text[win].size();
 
     try {

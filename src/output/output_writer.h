@@ -22,7 +22,9 @@ public:
         : windows_(windows), debug_(debug), telnet_(telnet), ansi_(ansi) {}
 
     // Throws RunError when a telnet or ESC sequence cannot be taken apart;
-    // what was written before stays.
+    // what was written before stays. `text` must not lie in anything a
+    // print can change (a window, the history): a telnet answer prints and
+    // records its echo while the text is being read.
     void W_Print(std::string_view text, int win);
 
 private:
