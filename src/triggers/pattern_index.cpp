@@ -1,6 +1,8 @@
 #include "triggers/pattern_index.h"
 
 #include <algorithm>
+#include <cstring>
+#include <limits>
 #include <unordered_map>
 
 namespace kelpa {
@@ -18,9 +20,25 @@ std::int32_t findChild(const TrieNode& n, unsigned char c) {
     return it != n.children.end() && it->first == c ? it->second : -1;
 }
 
+// Fibonacci hashing: the top bits of the product depend on every key byte.
+constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15u;
+
+std::uint64_t load64(const unsigned char* p) {
+    std::uint64_t v;
+    std::memcpy(&v, p, sizeof v);
+    return v;
+}
+
+unsigned log2Ceil(std::size_t n) {
+    unsigned b = 0;
+    while ((std::size_t{1} << b) < n) ++b;
+    return b;
+}
+
 }  // namespace
 
-void PatternIndex::build(const TriggerRecords* const (&tables)[kTables], int flagCount, std::size_t denseBudget) {
+void PatternIndex::build(const TriggerRecords* const (&tables)[kTables], int flagCount, std::size_t denseBudget,
+                         unsigned filterBits) {
     std::unordered_map<std::string_view, std::int32_t> ids;
     std::vector<std::string> texts;
     auto idOf = [&](const std::string& t) {
@@ -84,12 +102,76 @@ void PatternIndex::build(const TriggerRecords* const (&tables)[kTables], int fla
     seenEpoch_ = 0;
     seen_.clear();
     buildAutomaton(texts, denseBudget);
+    buildFilter(texts, filterBits);
 }
 
-void PatternIndex::buildAutomaton(std::vector<std::string>& texts, std::size_t denseBudget) {
+void PatternIndex::buildFilter(const std::vector<std::string>& texts, unsigned filterBits) {
+    keyLen_ = 0;
+    filter_.clear();
+    slots_.clear();
+    keyTexts_.clear();
+    textBytes_.clear();
+    textBegin_.assign(1, 0);
+    std::size_t shortest = std::numeric_limits<std::size_t>::max();
+    for (std::size_t id = 0; id < texts.size(); ++id) {
+        textBytes_ += texts[id];
+        textBegin_.push_back(static_cast<std::uint32_t>(textBytes_.size()));
+        if (texts[id].size() >= kLongText) {
+            keyTexts_.push_back(static_cast<std::int32_t>(id));
+            shortest = std::min(shortest, texts[id].size());
+        }
+    }
+    if (keyTexts_.empty()) return;
+
+    keyLen_ = std::min<std::size_t>(8, shortest);
+    unsigned char bytes[8] = {};
+    std::memset(bytes, 0xff, keyLen_);
+    keyMask_ = load64(bytes);
+    auto keyOf = [&](std::int32_t id) {
+        const std::string& t = texts[static_cast<std::size_t>(id)];
+        unsigned char window[8] = {};
+        std::memcpy(window, t.data() + t.size() - keyLen_, keyLen_);
+        return load64(window);
+    };
+    std::vector<std::pair<std::uint64_t, std::int32_t>> keyed;
+    keyed.reserve(keyTexts_.size());
+    for (std::int32_t id : keyTexts_) keyed.emplace_back(keyOf(id), id);
+    // Shorter texts first within a key, so that a lookup near the start
+    // of the text can stop at the first one that would begin before it.
+    std::sort(keyed.begin(), keyed.end(), [&](const auto& a, const auto& b) {
+        if (a.first != b.first) return a.first < b.first;
+        return texts[static_cast<std::size_t>(a.second)].size() < texts[static_cast<std::size_t>(b.second)].size();
+    });
+    std::size_t keys = 0;
+    for (std::size_t k = 0; k < keyed.size(); ++k) keys += k == 0 || keyed[k].first != keyed[k - 1].first;
+
+    // About 32 bits per key: a window that is no key passes one time in 32.
+    const unsigned bits = filterBits ? std::clamp(filterBits, 1u, 30u) : std::clamp(log2Ceil(keys * 32), 10u, 20u);
+    filterShift_ = 64 - bits;
+    filter_.assign(std::max<std::size_t>(1, (std::size_t{1} << bits) / 64), 0);
+    const unsigned slotBits = std::max(1u, log2Ceil(keys * 2));
+    slotShift_ = 64 - slotBits;
+    slots_.assign(std::size_t{1} << slotBits, Slot{});
+    const std::size_t slotMask = slots_.size() - 1;
+    for (std::size_t k = 0; k < keyed.size();) {
+        const std::uint64_t key = keyed[k].first;
+        const std::uint64_t h = key * kMultiplier;
+        const std::uint64_t bit = h >> filterShift_;
+        filter_[bit >> 6] |= std::uint64_t{1} << (bit & 63);
+        std::size_t i = h >> slotShift_;
+        while (slots_[i].begin != slots_[i].end) i = (i + 1) & slotMask;
+        slots_[i].key = key;
+        slots_[i].begin = static_cast<std::uint32_t>(k);
+        while (k < keyed.size() && keyed[k].first == key) keyTexts_[k] = keyed[k].second, ++k;
+        slots_[i].end = static_cast<std::uint32_t>(k);
+    }
+}
+
+void PatternIndex::buildAutomaton(const std::vector<std::string>& texts, std::size_t denseBudget) {
     std::vector<TrieNode> trie(1);
     bool used[256] = {};
     for (std::size_t id = 0; id < texts.size(); ++id) {
+        if (texts[id].size() >= kLongText) continue;
         std::int32_t s = 0;
         for (char ch : texts[id]) {
             const auto c = static_cast<unsigned char>(ch);
@@ -190,13 +272,71 @@ std::int32_t PatternIndex::step(std::int32_t s, unsigned char c) const {
     return decode(dense_[static_cast<std::size_t>(s) * classes_ + classOf_[c]]);
 }
 
+void PatternIndex::see(std::int32_t id) {
+    std::uint32_t& stamp = seenStamp_[static_cast<std::size_t>(id)];
+    if (stamp == seenEpoch_) return;
+    stamp = seenEpoch_;
+    seen_.push_back(id);
+}
+
 void PatternIndex::scan(std::string_view text) {
     seen_.clear();
     if (++seenEpoch_ == 0) {
         std::fill(seenStamp_.begin(), seenStamp_.end(), 0);
         seenEpoch_ = 1;
     }
-    if (nodes_.size() <= 1) return;
+    if (keyLen_ != 0 && text.size() >= keyLen_) scanLong(text);
+    if (nodes_.size() > 1) scanShort(text);
+}
+
+void PatternIndex::scanLong(std::string_view text) {
+    const auto* s = reinterpret_cast<const unsigned char*>(text.data());
+    const std::size_t n = text.size();
+    const std::uint64_t mask = keyMask_;
+    const unsigned shift = filterShift_;
+    const std::uint64_t* filter = filter_.data();
+    std::size_t p = 0;
+    // Each window is tested on its own: the loads and multiplications of
+    // neighbouring windows overlap.
+    for (; p + 8 <= n; ++p) {
+        const std::uint64_t key = load64(s + p) & mask;
+        const std::uint64_t h = key * kMultiplier;
+        const std::uint64_t bit = h >> shift;
+        if (filter[bit >> 6] >> (bit & 63) & 1) [[unlikely]]
+            verify(s, p, key, h);
+    }
+    // The last windows, from a copy with room for the 64-bit loads.
+    if (p + keyLen_ <= n) {
+        unsigned char tail[16] = {};
+        std::memcpy(tail, s + p, n - p);
+        for (std::size_t q = 0; p + keyLen_ <= n; ++p, ++q) {
+            const std::uint64_t key = load64(tail + q) & mask;
+            const std::uint64_t h = key * kMultiplier;
+            const std::uint64_t bit = h >> shift;
+            if (filter[bit >> 6] >> (bit & 63) & 1) verify(s, p, key, h);
+        }
+    }
+}
+
+void PatternIndex::verify(const unsigned char* text, std::size_t at, std::uint64_t key, std::uint64_t hash) {
+    const std::size_t end = at + keyLen_;  // where the window, and so the text, ends
+    const std::size_t slotMask = slots_.size() - 1;
+    for (std::size_t i = hash >> slotShift_;; i = (i + 1) & slotMask) {
+        const Slot& slot = slots_[i];
+        if (slot.begin == slot.end) return;
+        if (slot.key != key) continue;
+        for (std::uint32_t k = slot.begin; k < slot.end; ++k) {
+            const std::int32_t id = keyTexts_[k];
+            const std::size_t b = textBegin_[static_cast<std::size_t>(id)];
+            const std::size_t len = textBegin_[static_cast<std::size_t>(id) + 1] - b;
+            if (len > end) return;  // it would start before the text; so would the rest
+            if (std::memcmp(text + end - len, textBytes_.data() + b, len - keyLen_) == 0) see(id);
+        }
+        return;
+    }
+}
+
+void PatternIndex::scanShort(std::string_view text) {
     const std::int32_t* dense = dense_.data();
     std::int32_t entry = 0;  // the root's row
     for (char ch : text) {
@@ -205,18 +345,18 @@ void PatternIndex::scan(std::string_view text) {
         entry = base >= 0 ? dense[base + classOf_[c]] : encode(step(decode(base), c));
         if (!(entry & 1)) continue;
         for (std::int32_t o = firstOut_[static_cast<std::size_t>(decode(entry))]; o >= 0;
-             o = nodes_[static_cast<std::size_t>(o)].nextOut) {
-            const auto id = static_cast<std::size_t>(nodes_[static_cast<std::size_t>(o)].output);
-            if (seenStamp_[id] == seenEpoch_) continue;
-            seenStamp_[id] = seenEpoch_;
-            seen_.push_back(static_cast<std::int32_t>(id));
-        }
+             o = nodes_[static_cast<std::size_t>(o)].nextOut)
+            see(nodes_[static_cast<std::size_t>(o)].output);
     }
 }
 
 void PatternIndex::candidates(int t, std::string_view text, std::vector<Candidate>& out) {
     out.clear();
     Table& tb = tables_[t];
+    const bool search = !text.empty() && !tb.groups.empty();
+    if (search) scan(text);
+    // Most lines of a flood: nothing occurs and nothing holds without a search.
+    if ((!search || seen_.empty()) && tb.free.empty() && tb.risky.empty()) return;
     if (++tb.epoch == 0) {
         std::fill(tb.groupStamp.begin(), tb.groupStamp.end(), 0);
         std::fill(tb.recordStamp.begin(), tb.recordStamp.end(), 0);
@@ -229,8 +369,7 @@ void PatternIndex::candidates(int t, std::string_view text, std::vector<Candidat
         stamp = epoch;
         out.push_back({rec, holds});
     };
-    if (!text.empty() && !tb.groups.empty()) {
-        scan(text);
+    if (search) {
         for (std::int32_t id : seen_) {
             const std::uint32_t end = tb.postingBegin[static_cast<std::size_t>(id) + 1];
             for (std::uint32_t p = tb.postingBegin[static_cast<std::size_t>(id)]; p < end; ++p) {

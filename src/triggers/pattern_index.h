@@ -1,10 +1,16 @@
 // Which records of a table can fire on a text, found with one pass over the
 // text instead of a search per record and pattern.
 //
-// Every non-empty pattern text of both tables goes into one Aho-Corasick
-// automaton. A pass reports the texts that occur; each occurring text
-// counts towards the groups that hold it, and a group whose distinct texts
-// have all been counted holds. A record is a candidate when one of its
+// A pass reports the non-empty pattern texts of both tables that occur in
+// the text. Texts of four bytes or more are found through a window of their
+// last bytes: every window of the text is hashed and tested in a bitset, and
+// only the windows that pass are looked up and the rest of the text
+// compared. The work per byte does not depend on the byte before, so it
+// runs at the processor's width instead of one memory latency a byte, and
+// it barely grows with the number of texts. Shorter texts go into a small
+// Aho-Corasick automaton, walked only when there are some. Each occurring
+// text counts towards the groups that hold it, and a group whose distinct
+// texts have all been counted holds. A record is a candidate when one of its
 // tested groups holds, or when a group holds without any search (empty,
 // or only empty texts and the text is not empty), or when its flag block
 // names a flag that does not exist (the flag test must then still run, to
@@ -26,6 +32,8 @@ class PatternIndex {
 public:
     static constexpr int kTables = 2;
     static constexpr std::size_t kDenseBudget = std::size_t{4} << 20;
+    // Texts this long or longer go through the window filter.
+    static constexpr std::size_t kLongText = 4;
 
     struct Candidate {
         std::int32_t record;
@@ -33,9 +41,11 @@ public:
     };
 
     // Built once per load, over both tables. `denseBudget` bounds the
-    // table of full rows, in entries; tests make it small to walk the rest.
+    // automaton's table of full rows, in entries; `filterBits` (log2 of the
+    // bitset's size, 0 to size it by the number of texts) lets tests make
+    // the bitset tiny so that windows collide. Both only for tests.
     void build(const TriggerRecords* const (&tables)[kTables], int flagCount,
-               std::size_t denseBudget = kDenseBudget);
+               std::size_t denseBudget = kDenseBudget, unsigned filterBits = 0);
 
     // The candidates of table `t` for `text`, in table order, into `out`.
     // The index's own scratch state is free again when this returns, so a
@@ -44,6 +54,7 @@ public:
 
     std::size_t patternTexts() const { return seenStamp_.size(); }
     std::size_t states() const { return nodes_.size(); }
+    std::size_t windowLength() const { return keyLen_; }
 
 private:
     struct Node {
@@ -73,7 +84,8 @@ private:
         std::uint32_t epoch = 0;
     };
 
-    void buildAutomaton(std::vector<std::string>& texts, std::size_t denseBudget);
+    void buildAutomaton(const std::vector<std::string>& texts, std::size_t denseBudget);
+    void buildFilter(const std::vector<std::string>& texts, unsigned filterBits);
     std::int32_t step(std::int32_t s, unsigned char c) const;
     // Row entries: a dense state as the start of its row, a deeper one as a
     // negative number; the low bit marks a state where an output chain
@@ -81,6 +93,27 @@ private:
     std::int32_t encode(std::int32_t state) const;
     std::int32_t decode(std::int32_t entry) const;
     void scan(std::string_view text);
+    void scanShort(std::string_view text);
+    void scanLong(std::string_view text);
+    void verify(const unsigned char* text, std::size_t at, std::uint64_t key, std::uint64_t hash);
+    void see(std::int32_t id);
+
+    // The window filter over the texts of kLongText bytes or more. A text's
+    // key is its last keyLen_ bytes, as they lie in memory, in a 64-bit
+    // word with the other bytes masked off.
+    struct Slot {
+        std::uint64_t key = 0;
+        std::uint32_t begin = 0, end = 0;  // into keyTexts_; empty when equal
+    };
+    std::size_t keyLen_ = 0;  // 4 to 8, the shortest long text; 0 without any
+    std::uint64_t keyMask_ = 0;
+    unsigned filterShift_ = 64;
+    std::vector<std::uint64_t> filter_;
+    unsigned slotShift_ = 64;
+    std::vector<Slot> slots_;
+    std::vector<std::int32_t> keyTexts_;     // text ids, by key, shorter first
+    std::vector<std::uint32_t> textBegin_;   // per text id, into textBytes_
+    std::string textBytes_;
 
     // States are numbered breadth first. The first `denseStates_` have a
     // full row of next states over the byte classes, so that the common

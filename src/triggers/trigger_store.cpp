@@ -17,9 +17,9 @@ void TriggerStore::LoadTriggers() {
     indexTables();
 }
 
-void TriggerStore::indexTables(std::size_t denseBudget) {
+void TriggerStore::indexTables(std::size_t denseBudget, unsigned filterBits) {
     const TriggerRecords* tables[PatternIndex::kTables] = {&TriggerTable, &GlobalTriggerTable};
-    index_.build(tables, FlagTable::kCount, denseBudget);
+    index_.build(tables, FlagTable::kCount, denseBudget, filterBits);
 }
 
 void TriggerStore::LoadTriggerDir(TriggerRecords& table, const std::string& directoryName) {

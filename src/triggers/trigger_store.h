@@ -44,7 +44,7 @@ public:
     void LoadTriggerDir(TriggerRecords& table, const std::string& directoryName);
     // Builds the pattern index over both tables as they stand; LoadTriggers
     // calls it, and so may whoever fills the tables by hand.
-    void indexTables(std::size_t denseBudget = PatternIndex::kDenseBudget);
+    void indexTables(std::size_t denseBudget = PatternIndex::kDenseBudget, unsigned filterBits = 0);
 
     void T_Match(TableId table, std::string_view text);
 
