@@ -2,7 +2,6 @@
 
 #include "common/run_error.h"
 #include "common/text.h"
-#include "session/lines.h"
 
 namespace kelpa {
 
@@ -41,9 +40,7 @@ void LinePipeline::run(std::string& data) {
     if (!triggers_->hasLineTriggers()) return;
     // The lines are fixed before the first action runs.
     const std::string chunk = data;
-    LineCursor lines(chunk);
-    std::string_view line;
-    while (lines.next(line)) triggers_->matchLine(line);
+    triggers_->matchLines(chunk);
 }
 
 }  // namespace kelpa
