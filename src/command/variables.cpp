@@ -14,7 +14,9 @@ int VariableTable::S_FindVal(const std::string& name) const {
 }
 
 void VariableTable::S_SetVal(const std::string& name, const std::string& value) {
-    const int started = clock_.secondsSinceMidnight();
+    // The clock is read only for the debug line: a trigger that counts
+    // with #math sets a variable on every firing.
+    const int started = debug_.enabled ? clock_.secondsSinceMidnight() : 0;
     const int n = S_FindVal(name);
     if (n > VariableCount()) {
         Variables.push_back({name, value});
@@ -23,6 +25,7 @@ void VariableTable::S_SetVal(const std::string& name, const std::string& value) 
     } else {
         Variables[static_cast<std::size_t>(n - 1)].Value = value;
     }
+    if (!debug_.enabled) return;
     int took = clock_.secondsSinceMidnight() - started;
     if (took < 0) took += 86400;
     debug_.DebugLog("Setting value of " + decimal(n) + " " + name + " to " + value + "  operation took " +

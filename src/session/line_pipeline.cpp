@@ -2,7 +2,6 @@
 
 #include "common/run_error.h"
 #include "common/text.h"
-#include "session/lines.h"
 
 namespace kelpa {
 
@@ -39,11 +38,13 @@ void LinePipeline::run(std::string& data) {
     log_.print(data);
     triggers_->matchGlobal(data);
     if (!triggers_->hasLineTriggers()) return;
-    // The lines are fixed before the first action runs.
-    const std::string chunk = data;
-    LineCursor lines(chunk);
-    std::string_view line;
-    while (lines.next(line)) triggers_->matchLine(line);
+    // The lines are fixed before the first action runs. Each nesting level
+    // keeps its copy's memory: a fresh copy of a large chunk would fault in
+    // new pages every time.
+    if (copies_.size() < static_cast<std::size_t>(nesting_)) copies_.resize(static_cast<std::size_t>(nesting_));
+    std::string& chunk = copies_[static_cast<std::size_t>(nesting_) - 1];
+    chunk.assign(data);
+    triggers_->matchLines(chunk);
 }
 
 }  // namespace kelpa

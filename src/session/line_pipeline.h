@@ -2,6 +2,7 @@
 // the triggers, in that order. The one failure handler of the receive road.
 #pragma once
 
+#include <deque>
 #include <string>
 
 #include "history/session_log.h"
@@ -32,6 +33,7 @@ private:
     SessionLog& log_;
     TriggerPasses* triggers_;
     int nesting_ = 0;
+    std::deque<std::string> copies_;  // the line pass's copy of the chunk, per nesting level
 };
 
 }  // namespace kelpa

@@ -1,6 +1,8 @@
 #include "triggers/pattern_index.h"
 
 #include <algorithm>
+#include <cstring>
+#include <limits>
 #include <unordered_map>
 
 namespace kelpa {
@@ -18,9 +20,39 @@ std::int32_t findChild(const TrieNode& n, unsigned char c) {
     return it != n.children.end() && it->first == c ? it->second : -1;
 }
 
+// Fibonacci hashing: the top bits of the product depend on every key byte.
+constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15u;
+
+std::uint64_t load64(const unsigned char* p) {
+    std::uint64_t v;
+    std::memcpy(&v, p, sizeof v);
+    return v;
+}
+
+// The top bits of a hash pick the bitset's word (at most 2^kMaxWordBits
+// of them); the 12 bits below those pick two bits in it. The shifts are
+// constants, and each bit is tested on its own, to keep the test of a
+// window a handful of instructions.
+constexpr unsigned kMaxWordBits = 14;
+std::size_t filterWord(std::uint64_t h, std::size_t mask) { return static_cast<std::size_t>(h >> (64 - kMaxWordBits)) & mask; }
+bool filterPasses(std::uint64_t word, std::uint64_t h) {
+    return (word >> (h >> (64 - kMaxWordBits - 6) & 63) & word >> (h >> (64 - kMaxWordBits - 12) & 63) & 1) != 0;
+}
+std::uint64_t filterBits(std::uint64_t h) {
+    return std::uint64_t{1} << (h >> (64 - kMaxWordBits - 6) & 63) |
+           std::uint64_t{1} << (h >> (64 - kMaxWordBits - 12) & 63);
+}
+
+unsigned log2Ceil(std::size_t n) {
+    unsigned b = 0;
+    while ((std::size_t{1} << b) < n) ++b;
+    return b;
+}
+
 }  // namespace
 
-void PatternIndex::build(const TriggerRecords* const (&tables)[kTables], int flagCount, std::size_t denseBudget) {
+void PatternIndex::build(const TriggerRecords* const (&tables)[kTables], int flagCount, std::size_t denseBudget,
+                         unsigned filterWordsLog2) {
     std::unordered_map<std::string_view, std::int32_t> ids;
     std::vector<std::string> texts;
     auto idOf = [&](const std::string& t) {
@@ -84,12 +116,72 @@ void PatternIndex::build(const TriggerRecords* const (&tables)[kTables], int fla
     seenEpoch_ = 0;
     seen_.clear();
     buildAutomaton(texts, denseBudget);
+    buildFilter(texts, filterWordsLog2);
 }
 
-void PatternIndex::buildAutomaton(std::vector<std::string>& texts, std::size_t denseBudget) {
+void PatternIndex::buildFilter(const std::vector<std::string>& texts, unsigned filterWordsLog2) {
+    keyLen_ = 0;
+    stride_ = 1;
+    filter_.clear();
+    slots_.clear();
+    textBytes_.clear();
+    textBegin_.assign(1, 0);
+    std::size_t shortest = std::numeric_limits<std::size_t>::max();
+    for (std::size_t id = 0; id < texts.size(); ++id) {
+        textBytes_ += texts[id];
+        textBegin_.push_back(static_cast<std::uint32_t>(textBytes_.size()));
+        if (texts[id].size() >= kLongText) shortest = std::min(shortest, texts[id].size());
+    }
+    if (shortest == std::numeric_limits<std::size_t>::max()) return;
+
+    // Every text has a key window at `stride_` neighbouring offsets, so a
+    // scan that tests only every stride_-th window of the text still meets
+    // each occurrence, exactly once. A wider stride costs keys, a shorter
+    // window more windows that pass by chance; the shortest text decides.
+    stride_ = std::clamp<std::size_t>((shortest - 2) / 2, 1, 4);
+    keyLen_ = std::min<std::size_t>(8, shortest - stride_ + 1);
+    unsigned char bytes[8] = {};
+    std::memset(bytes, 0xff, keyLen_);
+    keyMask_ = load64(bytes);
+    std::size_t keys = 0;
+    for (const std::string& t : texts) keys += t.size() >= kLongText ? stride_ : 0;
+    // One or two keys a word, so about four bits of 64 set: a window that
+    // is no key passes about one time in 250.
+    const unsigned wordBits =
+        std::clamp(filterWordsLog2 ? filterWordsLog2 : log2Ceil(keys / 2), filterWordsLog2 ? 1u : 4u, kMaxWordBits);
+    filter_.assign(std::size_t{1} << wordBits, 0);
+    // A table at most two thirds full; a key's entries lie along its probe.
+    const unsigned slotBits = std::max(1u, log2Ceil(keys + keys / 2));
+    slotShift_ = 64 - slotBits;
+    slots_.assign(std::size_t{1} << slotBits, Slot{});
+    const std::size_t slotMask = slots_.size() - 1;
+    for (std::size_t id = 0; id < texts.size(); ++id) {
+        const std::string& t = texts[id];
+        if (t.size() < kLongText) continue;
+        Slot entry;
+        entry.text = static_cast<std::int32_t>(id);
+        entry.begin = textBegin_[id];
+        entry.length = static_cast<std::uint32_t>(t.size());
+        if (t.size() >= 8) entry.last8 = load64(reinterpret_cast<const unsigned char*>(t.data() + t.size() - 8));
+        for (std::size_t j = 0; j < stride_; ++j) {
+            entry.offset = static_cast<std::uint32_t>(t.size() - keyLen_ - j);
+            unsigned char window[8] = {};
+            std::memcpy(window, t.data() + entry.offset, keyLen_);
+            entry.key = load64(window);
+            const std::uint64_t h = entry.key * kMultiplier;
+            filter_[filterWord(h, filter_.size() - 1)] |= filterBits(h);
+            std::size_t i = h >> slotShift_;
+            while (slots_[i].length != 0) i = (i + 1) & slotMask;
+            slots_[i] = entry;
+        }
+    }
+}
+
+void PatternIndex::buildAutomaton(const std::vector<std::string>& texts, std::size_t denseBudget) {
     std::vector<TrieNode> trie(1);
     bool used[256] = {};
     for (std::size_t id = 0; id < texts.size(); ++id) {
+        if (texts[id].size() >= kLongText) continue;
         std::int32_t s = 0;
         for (char ch : texts[id]) {
             const auto c = static_cast<unsigned char>(ch);
@@ -190,13 +282,92 @@ std::int32_t PatternIndex::step(std::int32_t s, unsigned char c) const {
     return decode(dense_[static_cast<std::size_t>(s) * classes_ + classOf_[c]]);
 }
 
-void PatternIndex::scan(std::string_view text) {
+void PatternIndex::startSeen() {
     seen_.clear();
     if (++seenEpoch_ == 0) {
         std::fill(seenStamp_.begin(), seenStamp_.end(), 0);
         seenEpoch_ = 1;
     }
-    if (nodes_.size() <= 1) return;
+}
+
+void PatternIndex::see(std::int32_t id) {
+    std::uint32_t& stamp = seenStamp_[static_cast<std::size_t>(id)];
+    if (stamp == seenEpoch_) return;
+    stamp = seenEpoch_;
+    seen_.push_back(id);
+}
+
+void PatternIndex::scan(std::string_view text) {
+    startSeen();
+    if (keyLen_ != 0 && text.size() >= keyLen_)
+        scanLong(text, [this](std::int32_t id, std::size_t, std::size_t) { see(id); });
+    if (nodes_.size() > 1) scanShort(text);
+}
+
+void PatternIndex::findLong(std::string_view chunk, std::vector<Found>& out) {
+    out.clear();
+    if (keyLen_ == 0 || chunk.size() < keyLen_) return;
+    scanLong(chunk, [&out](std::int32_t id, std::size_t start, std::size_t end) {
+        out.push_back({static_cast<std::uint32_t>(start), static_cast<std::uint32_t>(end), id});
+    });
+    // Found by window, which with a stride is not quite by end.
+    auto byEnd = [](const Found& a, const Found& b) { return a.end < b.end; };
+    if (!std::is_sorted(out.begin(), out.end(), byEnd)) std::sort(out.begin(), out.end(), byEnd);
+}
+
+template <class Report>
+void PatternIndex::scanLong(std::string_view text, Report&& report) {
+    const auto* s = reinterpret_cast<const unsigned char*>(text.data());
+    const std::size_t n = text.size(), stride = stride_;
+    const std::uint64_t mask = keyMask_;
+    const std::uint64_t* filter = filter_.data();
+    const std::size_t words = filter_.size() - 1;
+    std::size_t p = 0;
+    // Each window is tested on its own, two at a time with one branch: the
+    // loads and multiplications of neighbouring windows overlap.
+    for (; p + stride + 8 <= n; p += 2 * stride) {
+        const std::uint64_t k0 = load64(s + p) & mask, k1 = load64(s + p + stride) & mask;
+        const std::uint64_t h0 = k0 * kMultiplier, h1 = k1 * kMultiplier;
+        const bool pass0 = filterPasses(filter[filterWord(h0, words)], h0);
+        const bool pass1 = filterPasses(filter[filterWord(h1, words)], h1);
+        if (pass0 | pass1) [[unlikely]] {
+            if (pass0) verify(s, n, p, k0, h0, report);
+            if (pass1) verify(s, n, p + stride, k1, h1, report);
+        }
+    }
+    for (; p + 8 <= n; p += stride) {
+        const std::uint64_t key = load64(s + p) & mask;
+        const std::uint64_t h = key * kMultiplier;
+        if (filterPasses(filter[filterWord(h, words)], h)) verify(s, n, p, key, h, report);
+    }
+    // The last windows, from a copy with room for the 64-bit loads.
+    if (p + keyLen_ <= n) {
+        unsigned char tail[16] = {};
+        std::memcpy(tail, s + p, n - p);
+        for (std::size_t q = 0; p + keyLen_ <= n; p += stride, q += stride) {
+            const std::uint64_t key = load64(tail + q) & mask;
+            const std::uint64_t h = key * kMultiplier;
+            if (filterPasses(filter[filterWord(h, words)], h)) verify(s, n, p, key, h, report);
+        }
+    }
+}
+
+template <class Report>
+void PatternIndex::verify(const unsigned char* text, std::size_t size, std::size_t at, std::uint64_t key,
+                          std::uint64_t hash, Report& report) {
+    const std::size_t slotMask = slots_.size() - 1;
+    for (std::size_t i = hash >> slotShift_; slots_[i].length != 0; i = (i + 1) & slotMask) {
+        const Slot& e = slots_[i];
+        // It must start and end inside the text; the last 8 bytes, kept in
+        // the slot, turn most near misses away without reading the text.
+        if (e.key != key || e.offset > at || e.length > size - (at - e.offset)) continue;
+        const std::size_t start = at - e.offset;
+        if (e.length >= 8 && load64(text + start + e.length - 8) != e.last8) continue;
+        if (std::memcmp(text + start, textBytes_.data() + e.begin, e.length) == 0) report(e.text, start, start + e.length);
+    }
+}
+
+void PatternIndex::scanShort(std::string_view text) {
     const std::int32_t* dense = dense_.data();
     std::int32_t entry = 0;  // the root's row
     for (char ch : text) {
@@ -205,18 +376,35 @@ void PatternIndex::scan(std::string_view text) {
         entry = base >= 0 ? dense[base + classOf_[c]] : encode(step(decode(base), c));
         if (!(entry & 1)) continue;
         for (std::int32_t o = firstOut_[static_cast<std::size_t>(decode(entry))]; o >= 0;
-             o = nodes_[static_cast<std::size_t>(o)].nextOut) {
-            const auto id = static_cast<std::size_t>(nodes_[static_cast<std::size_t>(o)].output);
-            if (seenStamp_[id] == seenEpoch_) continue;
-            seenStamp_[id] = seenEpoch_;
-            seen_.push_back(static_cast<std::int32_t>(id));
-        }
+             o = nodes_[static_cast<std::size_t>(o)].nextOut)
+            see(nodes_[static_cast<std::size_t>(o)].output);
     }
 }
 
 void PatternIndex::candidates(int t, std::string_view text, std::vector<Candidate>& out) {
-    out.clear();
     Table& tb = tables_[t];
+    if (!text.empty() && !tb.groups.empty()) scan(text);
+    else seen_.clear();
+    collect(tb, text.empty(), out);
+}
+
+void PatternIndex::lineCandidates(int t, std::string_view line, std::size_t offset, std::span<const Found> found,
+                                  std::vector<Candidate>& out) {
+    Table& tb = tables_[t];
+    seen_.clear();
+    if (!line.empty() && !tb.groups.empty() && (!found.empty() || nodes_.size() > 1)) {
+        startSeen();
+        for (const Found& f : found)
+            if (f.start >= offset) see(f.text);
+        if (nodes_.size() > 1) scanShort(line);
+    }
+    collect(tb, line.empty(), out);
+}
+
+void PatternIndex::collect(Table& tb, bool textEmpty, std::vector<Candidate>& out) {
+    out.clear();
+    // Most lines of a flood: nothing occurs and nothing holds without a search.
+    if (seen_.empty() && tb.free.empty() && tb.risky.empty()) return;
     if (++tb.epoch == 0) {
         std::fill(tb.groupStamp.begin(), tb.groupStamp.end(), 0);
         std::fill(tb.recordStamp.begin(), tb.recordStamp.end(), 0);
@@ -229,22 +417,19 @@ void PatternIndex::candidates(int t, std::string_view text, std::vector<Candidat
         stamp = epoch;
         out.push_back({rec, holds});
     };
-    if (!text.empty() && !tb.groups.empty()) {
-        scan(text);
-        for (std::int32_t id : seen_) {
-            const std::uint32_t end = tb.postingBegin[static_cast<std::size_t>(id) + 1];
-            for (std::uint32_t p = tb.postingBegin[static_cast<std::size_t>(id)]; p < end; ++p) {
-                const auto g = static_cast<std::size_t>(tb.postings[p]);
-                if (tb.groupStamp[g] != epoch) {
-                    tb.groupStamp[g] = epoch;
-                    tb.groupHits[g] = 0;
-                }
-                if (++tb.groupHits[g] == tb.groups[g].need) take(tb.groups[g].record, true);
+    for (std::int32_t id : seen_) {
+        const std::uint32_t end = tb.postingBegin[static_cast<std::size_t>(id) + 1];
+        for (std::uint32_t p = tb.postingBegin[static_cast<std::size_t>(id)]; p < end; ++p) {
+            const auto g = static_cast<std::size_t>(tb.postings[p]);
+            if (tb.groupStamp[g] != epoch) {
+                tb.groupStamp[g] = epoch;
+                tb.groupHits[g] = 0;
             }
+            if (++tb.groupHits[g] == tb.groups[g].need) take(tb.groups[g].record, true);
         }
     }
     for (const FreeRecord& f : tb.free)
-        if (!f.needsText || !text.empty()) take(f.record, true);
+        if (!f.needsText || !textEmpty) take(f.record, true);
     for (std::int32_t rec : tb.risky) take(rec, false);
     if (out.size() > 1)
         std::sort(out.begin(), out.end(), [](const Candidate& a, const Candidate& b) { return a.record < b.record; });

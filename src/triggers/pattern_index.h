@@ -1,10 +1,17 @@
 // Which records of a table can fire on a text, found with one pass over the
 // text instead of a search per record and pattern.
 //
-// Every non-empty pattern text of both tables goes into one Aho-Corasick
-// automaton. A pass reports the texts that occur; each occurring text
-// counts towards the groups that hold it, and a group whose distinct texts
-// have all been counted holds. A record is a candidate when one of its
+// A pass reports the non-empty pattern texts of both tables that occur in
+// the text. Texts of four bytes or more are found through short windows
+// near their ends: every first, second, third or fourth window of the text
+// (the longer the shortest text, the wider the step) is hashed and tested
+// in a bitset, and only the windows that pass are looked up and the text
+// compared. The work per window does not depend on the byte before, so it
+// runs at the processor's width instead of one memory latency a byte, and
+// it barely grows with the number of texts. Shorter texts go into a small
+// Aho-Corasick automaton, walked only when there are some. Each occurring
+// text counts towards the groups that hold it, and a group whose distinct
+// texts have all been counted holds. A record is a candidate when one of its
 // tested groups holds, or when a group holds without any search (empty,
 // or only empty texts and the text is not empty), or when its flag block
 // names a flag that does not exist (the flag test must then still run, to
@@ -14,6 +21,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -26,24 +34,44 @@ class PatternIndex {
 public:
     static constexpr int kTables = 2;
     static constexpr std::size_t kDenseBudget = std::size_t{4} << 20;
+    // Texts this long or longer go through the window filter.
+    static constexpr std::size_t kLongText = 4;
 
     struct Candidate {
         std::int32_t record;
         bool patternsHold;
     };
+    // A place where a text of kLongText bytes or more occurs.
+    struct Found {
+        std::uint32_t start, end;
+        std::int32_t text;
+    };
 
     // Built once per load, over both tables. `denseBudget` bounds the
-    // table of full rows, in entries; tests make it small to walk the rest.
+    // automaton's table of full rows, in entries; `filterWordsLog2` (log2
+    // of the bitset's 64-bit words, 0 to size it by the number of texts)
+    // lets tests make the bitset tiny so that windows collide. Both only
+    // for tests.
     void build(const TriggerRecords* const (&tables)[kTables], int flagCount,
-               std::size_t denseBudget = kDenseBudget);
+               std::size_t denseBudget = kDenseBudget, unsigned filterWordsLog2 = 0);
 
     // The candidates of table `t` for `text`, in table order, into `out`.
     // The index's own scratch state is free again when this returns, so a
     // nested call (an action that injects text) is safe.
     void candidates(int t, std::string_view text, std::vector<Candidate>& out);
 
+    // The line pass looks at the whole chunk once: findLong gives every
+    // place where a long text occurs, by end; lineCandidates then takes a
+    // line that starts at `offset` in that chunk with the places that end
+    // within it (those that start before it are left out).
+    void findLong(std::string_view chunk, std::vector<Found>& out);
+    void lineCandidates(int t, std::string_view line, std::size_t offset, std::span<const Found> found,
+                        std::vector<Candidate>& out);
+
     std::size_t patternTexts() const { return seenStamp_.size(); }
     std::size_t states() const { return nodes_.size(); }
+    std::size_t windowLength() const { return keyLen_; }
+    std::size_t windowStride() const { return stride_; }
 
 private:
     struct Node {
@@ -73,7 +101,8 @@ private:
         std::uint32_t epoch = 0;
     };
 
-    void buildAutomaton(std::vector<std::string>& texts, std::size_t denseBudget);
+    void buildAutomaton(const std::vector<std::string>& texts, std::size_t denseBudget);
+    void buildFilter(const std::vector<std::string>& texts, unsigned filterWordsLog2);
     std::int32_t step(std::int32_t s, unsigned char c) const;
     // Row entries: a dense state as the start of its row, a deeper one as a
     // negative number; the low bit marks a state where an output chain
@@ -81,6 +110,39 @@ private:
     std::int32_t encode(std::int32_t state) const;
     std::int32_t decode(std::int32_t entry) const;
     void scan(std::string_view text);
+    void scanShort(std::string_view text);
+    // Calls report(text id, start, end) for every place a long text occurs.
+    template <class Report>
+    void scanLong(std::string_view text, Report&& report);
+    template <class Report>
+    void verify(const unsigned char* text, std::size_t size, std::size_t at, std::uint64_t key, std::uint64_t hash,
+                Report& report);
+    void startSeen();
+    void see(std::int32_t id);
+    void collect(Table& tb, bool textEmpty, std::vector<Candidate>& out);
+
+    // The window filter over the texts of kLongText bytes or more. A key
+    // is a window of keyLen_ bytes, as they lie in memory, in a 64-bit word
+    // with the other bytes masked off; each text has one at each of the
+    // last stride_ offsets where a window fits. A key's hash picks one word
+    // of the bitset and two bits in it; both must be set. The slots of the
+    // open table hold one key and text each.
+    struct Slot {
+        std::uint64_t key = 0;
+        std::uint64_t last8 = 0;  // the text's last 8 bytes, if it has 8
+        std::int32_t text = -1;
+        std::uint32_t offset = 0;  // of the window in the text
+        std::uint32_t begin = 0;   // into textBytes_
+        std::uint32_t length = 0;  // 0: a free slot
+    };
+    std::size_t keyLen_ = 0;  // 4 to 8; 0 without long texts
+    std::size_t stride_ = 1;
+    std::uint64_t keyMask_ = 0;
+    std::vector<std::uint64_t> filter_;
+    unsigned slotShift_ = 64;
+    std::vector<Slot> slots_;
+    std::vector<std::uint32_t> textBegin_;   // per text id, into textBytes_
+    std::string textBytes_;
 
     // States are numbered breadth first. The first `denseStates_` have a
     // full row of next states over the byte classes, so that the common

@@ -16,6 +16,16 @@ public:
     virtual bool hasLineTriggers() const = 0;
     // Normal triggers: one line at a time.
     virtual void matchLine(std::string_view line) = 0;
+    // Normal triggers on every line of a chunk in order, the lines cut at
+    // CR LF pairs. A pass that can look at the whole chunk at once does.
+    virtual void matchLines(std::string_view chunk) {
+        for (std::size_t pos = 0;;) {
+            const std::size_t pair = chunk.find("\r\n", pos);
+            matchLine(chunk.substr(pos, pair == std::string_view::npos ? std::string_view::npos : pair - pos));
+            if (pair == std::string_view::npos) return;
+            pos = pair + 2;
+        }
+    }
 };
 
 // The tables before any trigger file is read.

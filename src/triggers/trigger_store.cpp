@@ -17,9 +17,9 @@ void TriggerStore::LoadTriggers() {
     indexTables();
 }
 
-void TriggerStore::indexTables(std::size_t denseBudget) {
+void TriggerStore::indexTables(std::size_t denseBudget, unsigned filterWordsLog2) {
     const TriggerRecords* tables[PatternIndex::kTables] = {&TriggerTable, &GlobalTriggerTable};
-    index_.build(tables, FlagTable::kCount, denseBudget);
+    index_.build(tables, FlagTable::kCount, denseBudget, filterWordsLog2);
 }
 
 void TriggerStore::LoadTriggerDir(TriggerRecords& table, const std::string& directoryName) {
@@ -66,14 +66,45 @@ std::string TriggerStore::commandText(const std::string& action, std::string_vie
     return replaceAll(action, "$*", with);
 }
 
+TriggerStore::Scratch& TriggerStore::scratch() {
+    // Actions run while a level's lists are in use and may nest a pass of
+    // their own, which takes the next level: a deque keeps the others where
+    // they are.
+    if (scratch_.size() <= static_cast<std::size_t>(depth_)) scratch_.resize(static_cast<std::size_t>(depth_) + 1);
+    return scratch_[static_cast<std::size_t>(depth_)];
+}
+
 void TriggerStore::T_Match(TableId table, std::string_view text) {
     const TriggerRecords& t = table == kGlobal ? GlobalTriggerTable : TriggerTable;
     if (t.empty()) return;
-    if (scratch_.size() <= static_cast<std::size_t>(depth_)) scratch_.resize(static_cast<std::size_t>(depth_) + 1);
-    // Actions run inside this loop and may nest a pass of their own, which
-    // takes the next list: this one stays as it is.
-    std::vector<PatternIndex::Candidate>& candidates = scratch_[static_cast<std::size_t>(depth_)];
-    index_.candidates(table, text, candidates);
+    Scratch& s = scratch();
+    index_.candidates(table, text, s.candidates);
+    fireCandidates(t, text, s.candidates);
+}
+
+void TriggerStore::matchLines(std::string_view chunk) {
+    if (TriggerTable.empty()) return;
+    Scratch& s = scratch();
+    index_.findLong(chunk, s.found);
+    const std::uint64_t generation = generation_;
+    std::size_t k = 0;
+    for (std::size_t pos = 0;;) {
+        const std::size_t pair = chunk.find("\r\n", pos);
+        const std::size_t end = pair == std::string_view::npos ? chunk.size() : pair;
+        const std::size_t first = k;
+        while (k < s.found.size() && s.found[k].end <= end) ++k;
+        const std::string_view line = chunk.substr(pos, end - pos);
+        index_.lineCandidates(kNormal, line, pos, std::span(s.found).subspan(first, k - first), s.candidates);
+        fireCandidates(TriggerTable, line, s.candidates);
+        if (pair == std::string_view::npos) return;
+        pos = pair + 2;
+        // After a reload the other lines meet the new tables.
+        if (generation_ != generation) return matchLines(chunk.substr(pos));
+    }
+}
+
+void TriggerStore::fireCandidates(const TriggerRecords& t, std::string_view text,
+                                  const std::vector<PatternIndex::Candidate>& candidates) {
     const std::uint64_t generation = generation_;
     for (std::size_t k = 0; k < candidates.size(); ++k) {
         // A reload while an action waited (a message box lets the Reload

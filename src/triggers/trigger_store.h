@@ -44,13 +44,16 @@ public:
     void LoadTriggerDir(TriggerRecords& table, const std::string& directoryName);
     // Builds the pattern index over both tables as they stand; LoadTriggers
     // calls it, and so may whoever fills the tables by hand.
-    void indexTables(std::size_t denseBudget = PatternIndex::kDenseBudget);
+    void indexTables(std::size_t denseBudget = PatternIndex::kDenseBudget, unsigned filterWordsLog2 = 0);
 
     void T_Match(TableId table, std::string_view text);
 
     void matchGlobal(std::string_view chunk) override { T_Match(kGlobal, chunk); }
     bool hasLineTriggers() const override { return !TriggerTable.empty(); }
     void matchLine(std::string_view line) override { T_Match(kNormal, line); }
+    // The normal table on each line of the chunk, as T_Match would, with
+    // one search of the whole chunk for the long pattern texts.
+    void matchLines(std::string_view chunk) override;
 
     TriggerRecords TriggerTable;
     TriggerRecords GlobalTriggerTable;
@@ -65,6 +68,13 @@ public:
     static std::string commandText(const std::string& action, std::string_view text);
 
 private:
+    struct Scratch {
+        std::vector<PatternIndex::Candidate> candidates;
+        std::vector<PatternIndex::Found> found;
+    };
+    Scratch& scratch();
+    void fireCandidates(const TriggerRecords& t, std::string_view text,
+                        const std::vector<PatternIndex::Candidate>& candidates);
     void fire(const TriggerRecord& r, std::int32_t index, std::string_view text);
 
     FileSystem& files_;
@@ -74,8 +84,8 @@ private:
     PatternIndex index_;
     int depth_ = 0;
     std::uint64_t generation_ = 0;
-    // One candidate list per nesting level, kept between calls.
-    std::deque<std::vector<PatternIndex::Candidate>> scratch_;
+    // One per nesting level, kept between calls.
+    std::deque<Scratch> scratch_;
 };
 
 }  // namespace kelpa

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <random>
+#include <set>
 
 #include "session/lines.h"
 #include "support/client_harness.h"
@@ -55,12 +56,37 @@ void plainMatch(const TriggerRecords& table, std::string_view text, FlagTable& f
 
 struct Random {
     std::mt19937 rng;
+    std::vector<std::string> pool;  // pattern texts made so far
+    std::size_t longFrom = 4;        // texts of 4 bytes or more are at least this long
     int below(int n) { return static_cast<int>(rng() % static_cast<unsigned>(n)); }
-    // Few letters, so patterns share prefixes and often nearly match.
+    // Few bytes, so patterns share windows and often nearly match.
     std::string text(int maxLen) {
-        static const char letters[] = {'a', 'b', 'a', 'c', '\r', '\n', 'a', 'b', '$', '\xff'};
+        static const char bytes[] = {'a', 'b', 'a', 'c', '\r', '\n', 'a', 'b', '$', '\xff', '\0', '\x80'};
         std::string s;
-        for (int n = below(maxLen + 1); n > 0; --n) s += letters[below(sizeof letters)];
+        for (int n = below(maxLen + 1); n > 0; --n) s += bytes[below(sizeof bytes)];
+        return s;
+    }
+    // Short and long texts, and texts made from earlier ones: one inside
+    // another, sharing its end or its start, or off by its last byte.
+    std::string pattern() {
+        std::string p = below(3) == 0 ? text(3) : text(14);
+        if (!pool.empty() && below(2) == 0) {
+            const std::string& q = pool[static_cast<std::size_t>(below(static_cast<int>(pool.size())))];
+            switch (below(4)) {
+            case 0: p = q.substr(0, static_cast<std::size_t>(below(static_cast<int>(q.size()) + 1))); break;
+            case 1: p += q; break;
+            case 2: p = q + p; break;
+            default: p = q.empty() ? p : q.substr(0, q.size() - 1) + text(1);
+            }
+        }
+        while (p.size() >= 4 && p.size() < longFrom) p += text(1) + "a";
+        pool.push_back(p);
+        return p;
+    }
+    // Random bytes with pattern texts planted, some cut or changed.
+    std::string chunk() {
+        std::string s;
+        for (int k = below(5); k > 0; --k) s += below(2) || pool.empty() ? text(8) : pattern();
         return s;
     }
 };
@@ -75,7 +101,7 @@ TriggerRecords randomTable(Random& r, int& nextId) {
         rec.PatternGroupCount = r.below(4);
         rec.PatternGroups.resize(static_cast<std::size_t>(r.below(3)) + static_cast<std::size_t>(rec.PatternGroupCount));
         for (PatternGroup& g : rec.PatternGroups)
-            for (int k = r.below(4); k > 0; --k) g.Texts.push_back(r.text(4));
+            for (int k = r.below(4); k > 0; --k) g.Texts.push_back(r.pattern());
         static const char* ops[] = {"s", "c", "n", "n"};
         rec.Action = std::to_string(nextId++) + " " + ops[r.below(4)] + " " + std::to_string(r.below(6)) +
                      (r.below(2) ? " $*" : "");
@@ -84,8 +110,9 @@ TriggerRecords randomTable(Random& r, int& nextId) {
 }
 
 TEST(TriggerIndex, FiresWhatAWalkOfEveryRecordFiresOnRandomTablesAndTexts) {
-    Random r{std::mt19937(20261123)};
+    Random r{std::mt19937(20261123), {}, 4};
     int compared = 0, fired = 0;
+    std::set<std::pair<std::size_t, std::size_t>> windows;  // length, stride
     for (int round = 0; round < 300; ++round) {
         FakePlatform fp;
         OutputWindow debugWindow;
@@ -97,19 +124,30 @@ TEST(TriggerIndex, FiresWhatAWalkOfEveryRecordFiresOnRandomTablesAndTexts) {
             applyAction(command, flags);
         });
         int id = 0;
+        r.pool.clear();
+        // The shortest text of 4 bytes or more sets the window and its step.
+        r.longFrom = round % 2 ? 4 : static_cast<std::size_t>(5 + r.below(8));
         store.TriggerTable = randomTable(r, id);
         store.GlobalTriggerTable = randomTable(r, id);
-        // Every other round only the root has a full row of next states.
-        store.indexTables(round % 2 ? PatternIndex::kDenseBudget : 1);
+        // Every other round only the root has a full row of next states;
+        // one round in three the bitset has 2 to 8 words, so that windows collide.
+        store.indexTables(round % 2 ? PatternIndex::kDenseBudget : 1,
+                          round % 3 ? 0 : static_cast<unsigned>(1 + r.below(4)));
+        windows.insert({store.index().windowLength(), store.index().windowStride()});
         for (int k = 0; k < 6; ++k) flags.set(k, r.below(2) == 0);
         plainFlags = flags;
         for (int chunk = 0; chunk < 20; ++chunk) {
-            const std::string text = r.text(24);
+            const std::string text = r.chunk();
             bool gotError = false, wantError = false;
             try {
                 store.T_Match(TriggerStore::kGlobal, text);
-                LineCursor lines(text);
-                for (std::string_view line; lines.next(line);) store.T_Match(TriggerStore::kNormal, line);
+                // The road's pass over the whole chunk, or T_Match line by line.
+                if (chunk % 2) {
+                    store.matchLines(text);
+                } else {
+                    LineCursor lines(text);
+                    for (std::string_view line; lines.next(line);) store.T_Match(TriggerStore::kNormal, line);
+                }
             } catch (const RunError&) {
                 gotError = true;
             }
@@ -129,6 +167,8 @@ TEST(TriggerIndex, FiresWhatAWalkOfEveryRecordFiresOnRandomTablesAndTexts) {
     }
     EXPECT_EQ(compared, 6000);
     EXPECT_GT(fired, 10000);  // the tables do fire, often
+    windows.erase({0, 1});  // no text of 4 bytes or more
+    EXPECT_EQ(windows.size(), 8u);  // every shortest text from 4 to 11 bytes
 }
 
 }  // namespace

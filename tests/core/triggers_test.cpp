@@ -238,18 +238,20 @@ TEST(TriggerMatch, InjectedTextNestsAndTheDepthGuardEndsRunawayLoops) {
 
 TEST(TriggerMatch, AReloadDuringAnActionEndsThePassOverTheOldTables) {
     TriggerFixture t;
-    t.trigger("a.trigger", "pattern1=x\r\naction=#MB reload");
-    t.trigger("b.trigger", "pattern1=x\r\naction=after");
+    t.trigger("a.trigger", "pattern1=xxxxxx\r\naction=#MB reload");
+    t.trigger("b.trigger", "pattern1=xxxxxx\r\naction=after");
     t.c.LoadTriggers();
     // The message box waits for the player, who presses Reload meanwhile,
-    // after b.trigger has gone.
+    // after b.trigger has gone and c.trigger has come: the next line of the
+    // same chunk meets the new tables.
     t.fp.host.onMessageBox = [&] {
         std::filesystem::remove(t.fp.folder.path() / "triggers/b.trigger");
+        t.trigger("c.trigger", "pattern1=yyyyyyyy\r\naction=new");
         t.c.LoadTriggers();
     };
-    t.receive("x\r\nx");
-    EXPECT_EQ(t.sent(), "");
-    EXPECT_EQ(t.c.triggers.TriggerCount(), 1);
+    t.receive("xxxxxx\r\nyyyyyyyy");
+    EXPECT_EQ(t.sent(), "new\r\n");
+    EXPECT_EQ(t.c.triggers.TriggerCount(), 2);
 }
 
 TEST(TriggerEditor, TemplateSavesLoadsAndSavesAgainAsTheOldEditorDid) {
