@@ -29,7 +29,9 @@ SiteRecord site(std::string name, std::string init) {
 // A client whose current site has the short name "mud".
 struct LogHarness : ClientHarness {
     LogHarness() {
-        c.bar.Sites = {SiteRecord{"", "mud"}};
+        SiteRecord site;
+        site.ShortName = "mud";
+        c.bar.Sites = {site};
         c.bar.CB_Connections_Click(0);
     }
 };

@@ -96,7 +96,7 @@ TEST(SiteBook, DamagedPortsAndCutBlocksLoseNoOtherSite) {
     ASSERT_EQ(sites.size(), 3u);
     EXPECT_EQ(sites[0].DefaultPort, 23);
     EXPECT_EQ(sites[0].AlternatePort, 0);
-    EXPECT_EQ(sites[1], (SiteRecord{"cut", "c"}));
+    EXPECT_EQ(sites[1], (SiteRecord{"cut", "c", "", "", 0, 0, "", ""}));
     EXPECT_EQ(sites[2], rec("b", "z"));
     EXPECT_EQ(warnings.size(), 3u) << "two ports and one cut block";
 }
