@@ -76,7 +76,8 @@ bool MacroRunner::putArguments(std::string& body, std::string args) {
         const std::string word = n <= static_cast<long long>(words.size())
                                      ? words[static_cast<std::size_t>(n - 1)]
                                      : std::string();
-        const std::string ref = "%" + decimal(n);
+        std::string ref(1, '%');  // appended, not "%" + ...: GCC 12 warns falsely on that
+        ref += decimal(n);
         if (replacedSize(body, ref, word) > kMaxBodySize) return false;
         body = replaceAll(body, ref, word);
         due = referenced(body, last);
