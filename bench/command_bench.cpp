@@ -16,14 +16,27 @@ namespace {
 constexpr int kVariables = 10000;
 
 void fillTable(VariableTable& vars) {
-    for (int i = 0; i < kVariables; ++i) vars.S_SetVal("V" + std::to_string(i), "value" + std::to_string(i));
+    for (int i = 0; i < kVariables; ++i) {
+        const std::string n = std::to_string(i);
+        vars.S_SetVal("V" + n, "value" + n);
+    }
 }
+
+// A started client with the 10,000 variables.
+struct LargeTable {
+    test::FakePlatform fp;
+    Client c{fp.platform};
+    LargeTable() {
+        c.Form_Load();
+        fillTable(c.variables);
+    }
+};
 
 // Words and references to random variables, about one reference in five.
 std::string referringText(std::size_t bytes, std::mt19937& rng) {
     std::string s;
     while (s.size() < bytes) {
-        s += rng() % 5 == 0 ? "%V" + std::to_string(rng() % kVariables) : "word";
+        s += rng() % 5 == 0 ? std::string("%V") + std::to_string(rng() % kVariables) : "word";
         s += rng() % 12 == 0 ? "\r\n" : " ";
     }
     return s;
@@ -31,9 +44,8 @@ std::string referringText(std::size_t bytes, std::mt19937& rng) {
 
 // One text of the given size through S_ExpandVars.
 void BM_ExpandVars(benchmark::State& state) {
-    test::FakePlatform fp;
-    Client c(fp.platform);
-    fillTable(c.variables);
+    LargeTable table;
+    Client& c = table.c;
     std::mt19937 rng(7);
     const std::string text = referringText(static_cast<std::size_t>(state.range(0)), rng);
     for (auto _ : state) benchmark::DoNotOptimize(c.variables.S_ExpandVars(text));
@@ -43,9 +55,8 @@ BENCHMARK(BM_ExpandVars)->Arg(64 << 10)->Arg(256 << 10)->Arg(1 << 20)->Unit(benc
 
 // The same with one pass over the text per entry, as the old program did.
 void BM_ExpandVarsOnePassPerEntry(benchmark::State& state) {
-    test::FakePlatform fp;
-    Client c(fp.platform);
-    fillTable(c.variables);
+    LargeTable table;
+    Client& c = table.c;
     std::mt19937 rng(7);
     const std::string text = referringText(static_cast<std::size_t>(state.range(0)), rng);
     for (auto _ : state) {
@@ -62,8 +73,8 @@ BENCHMARK(BM_ExpandVarsOnePassPerEntry)->Arg(64 << 10)->Arg(1 << 20)->Unit(bench
 // off: each line sets, computes, tests, prints or sends.
 std::string commandText(std::size_t bytes, std::mt19937& rng) {
     std::string s;
-    auto v = [&] { return "%V" + std::to_string(rng() % kVariables); };
-    auto name = [&] { return "V" + std::to_string(rng() % kVariables); };
+    auto v = [&] { return std::string("%V") + std::to_string(rng() % kVariables); };
+    auto name = [&] { return std::string("V") + std::to_string(rng() % kVariables); };
     while (s.size() < bytes) {
         switch (rng() % 6) {
             case 0: s += "#sv " + name() + " " + v() + " and " + v(); break;
@@ -102,10 +113,8 @@ BENCHMARK(BM_RunCommands)->Arg(256 << 10)->Arg(1 << 20)->Unit(benchmark::kMillis
 
 // One keyword line of the given length: fold, expansion, words, print.
 void BM_OneLongKeywordLine(benchmark::State& state) {
-    test::FakePlatform fp;
-    Client c(fp.platform);
-    c.Form_Load();
-    fillTable(c.variables);
+    LargeTable table;
+    Client& c = table.c;
     std::mt19937 rng(13);
     std::string line = "#echo 2 " + referringText(static_cast<std::size_t>(state.range(0)), rng);
     line = replaceAll(line, "\r\n", " ");
