@@ -4,6 +4,8 @@
 
 #include <string_view>
 
+#include "session/lines.h"
+
 namespace kelpa {
 
 class TriggerPasses {
@@ -19,12 +21,9 @@ public:
     // Normal triggers on every line of a chunk in order, the lines cut at
     // CR LF pairs. A pass that can look at the whole chunk at once does.
     virtual void matchLines(std::string_view chunk) {
-        for (std::size_t pos = 0;;) {
-            const std::size_t pair = chunk.find("\r\n", pos);
-            matchLine(chunk.substr(pos, pair == std::string_view::npos ? std::string_view::npos : pair - pos));
-            if (pair == std::string_view::npos) return;
-            pos = pair + 2;
-        }
+        LineCursor lines(chunk);
+        std::string_view line;
+        while (lines.next(line)) matchLine(line);
     }
 };
 

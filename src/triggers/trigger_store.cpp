@@ -1,6 +1,7 @@
 #include "triggers/trigger_store.h"
 
 #include "common/text.h"
+#include "session/lines.h"
 #include "triggers/trigger_file.h"
 
 namespace kelpa {
@@ -88,18 +89,17 @@ void TriggerStore::matchLines(std::string_view chunk) {
     index_.findLong(chunk, s.found);
     const std::uint64_t generation = generation_;
     std::size_t k = 0;
-    for (std::size_t pos = 0;;) {
-        const std::size_t pair = chunk.find("\r\n", pos);
-        const std::size_t end = pair == std::string_view::npos ? chunk.size() : pair;
+    LineCursor lines(chunk);
+    std::string_view line;
+    while (lines.next(line)) {
+        const auto pos = static_cast<std::size_t>(line.data() - chunk.data());
+        const std::size_t end = pos + line.size();
         const std::size_t first = k;
         while (k < s.found.size() && s.found[k].end <= end) ++k;
-        const std::string_view line = chunk.substr(pos, end - pos);
         index_.lineCandidates(kNormal, line, pos, std::span(s.found).subspan(first, k - first), s.candidates);
         fireCandidates(TriggerTable, line, s.candidates);
-        if (pair == std::string_view::npos) return;
-        pos = pair + 2;
         // After a reload the other lines meet the new tables.
-        if (generation_ != generation) return matchLines(chunk.substr(pos));
+        if (generation_ != generation && end < chunk.size()) return matchLines(chunk.substr(end + 2));
     }
 }
 
