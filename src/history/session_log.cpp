@@ -26,7 +26,7 @@ void SessionLog::close() { file_.reset(); }
 
 void SessionLog::print(const std::string& text) {
     if (!file_) return;
-    if (!file_->write(text + "\r\n")) {
+    if (!file_->write(text, "\r\n")) {
         // Keep going without a log; the next connection or day tries again.
         debug_.DebugLog("Cannot write the log " + files_.absolute(path_));
         file_.reset();

@@ -1,18 +1,34 @@
 #include "output/output_window.h"
 
+#include <algorithm>
+#include <cstring>
+
 namespace kelpa {
 
 void OutputWindow::append(std::string_view bytes, const TextStyle& style) {
     if (bytes.empty()) return;
-    if (runs_.empty() || !(runs_.back().style == style)) runs_.push_back({data_.size(), style});
-    data_.append(bytes);
-    ++revision_;
+    std::memcpy(tail(bytes.size()), bytes.data(), bytes.size());
+    commit(bytes.size(), style);
+}
+
+void OutputWindow::grow(std::size_t more) {
+    // Text cut off the front goes first; doubling covers the rest.
+    if (off_ > 0 && off_ >= size()) {
+        shiftToFront();
+        if (cap_ - end_ >= more) return;
+    }
+    const std::size_t cap = std::max({cap_ * 2, end_ + more, std::size_t{256}});
+    auto buf = std::make_unique_for_overwrite<char[]>(cap);
+    if (end_ > 0) std::memcpy(buf.get(), buf_.get(), end_);
+    buf_ = std::move(buf);
+    cap_ = cap;
 }
 
 void OutputWindow::clear() {
-    data_.clear();
+    end_ = 0;
     off_ = 0;
     runs_.clear();
+    head_ = 0;
     ++revision_;
     ++resets_;
 }
@@ -21,44 +37,64 @@ void OutputWindow::cutAfterFirst(std::size_t count) {
     if (size() < 2 || count == 0) return;
     if (count > size() - 1) count = size() - 1;
     const std::size_t newFirst = off_ + count;
-    const TextStyle firstStyle = runs_.front().style;
-    // Drop the runs that lie wholly in the cut; the one left covers the
-    // character behind the cut.
-    while (runs_.size() >= 2 && runs_[1].start <= newFirst + 1) runs_.pop_front();
-    if (newFirst + 1 < data_.size())
-        runs_.front().start = newFirst + 1;
-    else
-        runs_.clear();
-    data_[newFirst] = data_[off_];
-    runs_.push_front({newFirst, firstStyle});
-    if (runs_.size() > 1 && runs_[1].style == firstStyle) runs_.erase(runs_.begin() + 1);
+    const TextStyle firstStyle = runs_[head_].style;
+    buf_[newFirst] = buf_[off_];
     off_ = newFirst;
+    // The run that holds the character behind the cut; those before it lie
+    // wholly in the cut.
+    const auto behind = std::upper_bound(runs_.begin() + static_cast<std::ptrdiff_t>(head_), runs_.end(),
+                                         newFirst + 1,
+                                         [](std::size_t at, const Entry& r) { return at < r.start; });
+    const std::size_t j = static_cast<std::size_t>(behind - runs_.begin()) - 1;
+    if (newFirst + 1 >= end_) {
+        // Only the first character is left.
+        runs_.resize(head_ + 1);
+        runs_[head_] = {newFirst, firstStyle};
+    } else if (j == head_ || runs_[j].style == firstStyle) {
+        // The first character's run goes on behind it.
+        head_ = j;
+        runs_[j] = {newFirst, firstStyle};
+    } else {
+        head_ = j - 1;
+        runs_[j - 1] = {newFirst, firstStyle};
+        runs_[j].start = newFirst + 1;
+    }
     ++revision_;
     ++resets_;
     compact();
 }
 
 void OutputWindow::compact() {
-    if (off_ < 4096 || off_ < size()) return;
-    data_.erase(0, off_);
-    for (auto& r : runs_) r.start -= off_;
+    if (head_ >= 64 && head_ >= runs_.size() / 2) {
+        runs_.erase(runs_.begin(), runs_.begin() + static_cast<std::ptrdiff_t>(head_));
+        head_ = 0;
+    }
+    if (off_ >= 4096 && off_ >= size()) shiftToFront();
+}
+
+void OutputWindow::shiftToFront() {
+    std::memmove(buf_.get(), buf_.get() + off_, size());
+    end_ -= off_;
+    for (std::size_t i = head_; i < runs_.size(); ++i) runs_[i].start -= off_;
     off_ = 0;
 }
 
 void OutputWindow::flattenToPlain() {
-    std::deque<Entry> merged;
-    for (auto r : runs_) {
+    std::vector<Entry> merged;
+    for (std::size_t i = head_; i < runs_.size(); ++i) {
+        Entry r = runs_[i];
         r.style.colour = 0;
         r.style.underline = false;
         r.style.plain = true;
         if (merged.empty() || !(merged.back().style == r.style)) merged.push_back(r);
     }
     runs_.swap(merged);
+    head_ = 0;
     ++revision_;
 }
 
 bool OutputWindow::caretUnderline() const {
-    return runs_.empty() ? false : runs_.back().style.underline;
+    return runs_.size() == head_ ? false : runs_.back().style.underline;
 }
 
 }  // namespace kelpa

@@ -5,9 +5,10 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace kelpa {
 
@@ -27,10 +28,25 @@ public:
         TextStyle style;
     };
 
-    std::size_t size() const { return data_.size() - off_; }
-    std::string_view text() const { return std::string_view(data_).substr(off_); }
+    std::size_t size() const { return end_ - off_; }
+    std::string_view text() const { return {buf_.get() + off_, end_ - off_}; }
 
     void append(std::string_view bytes, const TextStyle& style);
+
+    // For a writer that copies while it scans: room for `n` more bytes at
+    // the returned end of the text. Nothing is text until commit(); the
+    // pointer holds until the window next changes.
+    char* tail(std::size_t n) {
+        if (cap_ - end_ < n) grow(n);
+        return buf_.get() + end_;
+    }
+    // The first `n` bytes written at tail() become text of the style.
+    void commit(std::size_t n, const TextStyle& style) {
+        if (n == 0) return;
+        if (runs_.size() == head_ || !(runs_.back().style == style)) runs_.push_back({end_, style});
+        end_ += n;
+        ++revision_;
+    }
     void clear();
     // Removes `count` characters from position 1 (0-based), so that the
     // first character stays.
@@ -46,13 +62,13 @@ public:
     // Calls f(run) for every run, in order.
     template <typename F>
     void forEachRun(F&& f) const {
-        for (std::size_t i = 0; i < runs_.size(); ++i) {
+        for (std::size_t i = head_; i < runs_.size(); ++i) {
             std::size_t b = runs_[i].start;
-            std::size_t e = i + 1 < runs_.size() ? runs_[i + 1].start : data_.size();
+            std::size_t e = i + 1 < runs_.size() ? runs_[i + 1].start : end_;
             if (e > b) f(Run{b - off_, e - off_, runs_[i].style});
         }
     }
-    std::size_t runCount() const { return runs_.size(); }
+    std::size_t runCount() const { return runs_.size() - head_; }
 
     // Changes with every modification; lets a view skip unchanged windows.
     std::uint64_t revision() const { return revision_; }
@@ -61,14 +77,23 @@ public:
 
 private:
     struct Entry {
-        std::size_t start;  // index into data_
+        std::size_t start;  // index into buf_
         TextStyle style;
     };
     void compact();
+    void shiftToFront();
+    void grow(std::size_t more);
 
-    std::string data_;
+    // The text is buf_[off_, end_); a plain buffer, not a string, so that
+    // the writer can fill it without first zeroing what it will overwrite.
+    std::unique_ptr<char[]> buf_;
+    std::size_t cap_ = 0;
+    std::size_t end_ = 0;
     std::size_t off_ = 0;
-    std::deque<Entry> runs_;
+    // The runs are runs_[head_..]; those cut off the front wait below
+    // head_ until compact() drops them.
+    std::vector<Entry> runs_;
+    std::size_t head_ = 0;
     std::uint64_t revision_ = 0;
     std::uint64_t resets_ = 0;
 };

@@ -2,6 +2,8 @@
 // sequences are interpreted here, at display time, per window.
 #pragma once
 
+#include <array>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -29,13 +31,35 @@ public:
 
 private:
     void writeAll(std::string_view text, int win);
-    void writeSegment(std::string_view segment, int win, bool last);
+    // The parameters between "ESC x" and the final m, one by one.
+    void applySgr(std::string_view params, int win);
+    // The same for fewer than 8 parameter bytes, also held in `key` (the
+    // bytes in a word, the rest zero), through the cache.
+    void applyShortSgr(std::uint64_t key, std::string_view params, int win) {
+        SgrSlot& slot = sgrCache_[(key * 0x9E3779B97F4A7C15ull) >> 58];
+        if (slot.key == key)
+            slot.effect.applyTo(windows_.state[win]);
+        else
+            missShortSgr(slot, key, params, win);
+    }
+    // The last text of a call takes the underline of the text before the
+    // caret; any other text the window's own.
+    TextStyle styleOf(const WindowState& st, bool underline) const;
     void applyLimit(int win);
 
     OutputWindows& windows_;
     DebugChannel& debug_;
     TelnetInterpreter& telnet_;
     AnsiInterpreter& ansi_;
+
+    // The effects of the parameter strings seen lately: a stream repeats a
+    // handful of colour changes over and over.
+    struct SgrSlot {
+        std::uint64_t key = ~0ull;  // no parameter bytes make this key
+        SgrEffect effect;
+    };
+    std::array<SgrSlot, 64> sgrCache_{};
+    void missShortSgr(SgrSlot& slot, std::uint64_t key, std::string_view params, int win);
 };
 
 }  // namespace kelpa

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace kelpa {
@@ -49,7 +50,9 @@ public:
 class AppendFile {
 public:
     virtual ~AppendFile() = default;
-    virtual bool write(const std::string& bytes) = 0;
+    // The two texts one after the other, as one write: a line and its end
+    // need no joined copy.
+    virtual bool write(std::string_view text, std::string_view more) = 0;
 };
 
 // Files below the program's folder. Paths are relative to that folder and

@@ -7,54 +7,30 @@
 
 namespace kelpa {
 
-namespace {
-
-constexpr std::uint32_t kGrey = rgb(128, 128, 128);
-
-int digitValue(char c) { return c >= '0' && c <= '9' ? c - '0' : 0; }
-
-}  // namespace
-
 std::uint32_t AnsiInterpreter::A_ColourFor(int digit) {
-    static constexpr std::uint32_t base[8] = {
-        kGrey,          rgb(128, 0, 0),   rgb(0, 128, 0),   rgb(128, 128, 0),
-        rgb(0, 0, 128), rgb(128, 0, 128), rgb(0, 128, 128), kGrey,
-    };
-    if (digit >= 0 && digit < 8) return base[digit];
+    if (digit >= 0 && digit < 8) return kAnsiColours[digit];
     debug_.DebugLog("unknown color " + decimal(digit));
     return 0;
 }
 
 void AnsiInterpreter::A_ApplySgr(std::string_view param, int win) {
     WindowState& st = windows_.state[win];
-    if (param.empty()) {
-        st.Colour = kGrey;
-        st.NotBold = true;
+    SgrEffect quiet;
+    if (addQuietSgr(quiet, param)) {
+        quiet.applyTo(st);
         return;
     }
     if (param.size() == 1) {
-        switch (param[0]) {
-            case '0':
-                st.Colour = kGrey;
-                st.NotBold = true;
-                st.Underline = st.Blink = st.Reverse = false;
-                return;
-            case '1': st.NotBold = false; return;
-            case '4': st.Underline = true; return;
-            case '5': st.Blink = true; return;
-            case '7': st.Reverse = true; return;
-            default: debug_.DebugLog("unknown SING :" + std::string(param)); return;
-        }
+        debug_.DebugLog("unknown SING :" + std::string(param));
+        return;
     }
-    if (param.size() == 2) {
-        if (param[0] == '3')
-            st.Colour = A_ColourFor(digitValue(param[1]));
-        else if (param[0] == '4')
-            st.BackColour = A_ColourFor(digitValue(param[1]));
-        else
-            debug_.DebugLog("unknown SING/DBL " + std::string(param));
-    }
-    // Three characters or more: ignored.
+    // Two characters: a colour 8 or 9, or no colour at all.
+    if (param[0] == '3')
+        st.Colour = A_ColourFor(param[1] - '0');
+    else if (param[0] == '4')
+        st.BackColour = A_ColourFor(param[1] - '0');
+    else
+        debug_.DebugLog("unknown SING/DBL " + std::string(param));
 }
 
 void AnsiInterpreter::A_ParseCsi(std::string_view seq, int win) {

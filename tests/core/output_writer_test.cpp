@@ -3,8 +3,11 @@
 // debug channel that writes into window 1.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <random>
+#include <tuple>
 
+#include "common/run_error.h"
 #include "support/client_harness.h"
 
 using namespace kelpa;
@@ -138,6 +141,140 @@ TEST(OutputWriter, RunsSurviveLimitCutsLikeAPlainCopy) {
             covered += r.end - r.begin;
         });
         ASSERT_EQ(covered, plain.size());
+    }
+}
+
+namespace {
+
+// W_Print read the slow way: a byte at a time, every sequence through
+// A_ParseCsi, every stretch of text through OutputWindow::append. The
+// writer's block scans, its short-SGR cache and its direct copies must
+// leave exactly what this leaves.
+void slowPrint(Client& c, std::string_view input, int win) {
+    WindowState& st = c.windows.state[win];
+    OutputWindow& out = c.windows.text[win];
+    const std::string all = st.Pending + std::string(input);
+    st.Pending.clear();
+    st.StartLen = out.size();
+    std::string text;
+    auto flush = [&](bool last) {
+        TextStyle s;
+        s.colour = st.Colour + (st.NotBold ? rgb(64, 64, 64) : rgb(127, 127, 127));
+        s.underline = last ? out.caretUnderline() : st.Underline;
+        s.graphics = c.windows.Graphics;
+        if (st.Ink) out.append(text, s);
+        text.clear();
+    };
+    auto limit = [&] {
+        const auto max = static_cast<std::size_t>(windowInfo(win).tagLimit);
+        if (max != 0 && out.size() > max) out.cutAfterFirst(out.size() - (max * 4 + 2) / 5);
+    };
+    try {
+        std::size_t pos = 0;
+        while (pos < all.size()) {
+            const char ch = all[pos];
+            if (ch != '\x1B' && ch != '\xFF') {
+                text += ch;
+                ++pos;
+                continue;
+            }
+            flush(false);
+            if (ch == '\xFF') {
+                pos += c.telnet.S_InterpretIac(std::string_view(all).substr(pos), win);
+                continue;
+            }
+            std::size_t fin = pos + 1;
+            while (fin < all.size() && fin < pos + 9999 && CsiFinals.find(all[fin]) == std::string::npos) ++fin;
+            if (fin == all.size() || fin == pos + 9999) {
+                if (all.size() - pos > 5) {
+                    ++pos;
+                    continue;
+                }
+                st.Pending = all.substr(pos);
+                break;
+            }
+            c.ansi.A_ParseCsi(std::string_view(all).substr(pos, fin - pos + 1), win);
+            pos = fin + 1;
+        }
+        flush(true);
+    } catch (...) {
+        limit();
+        throw;
+    }
+    limit();
+}
+
+std::string randomStream(std::mt19937& rng, std::size_t pieces) {
+    static const std::vector<std::string> params = {
+        "", "0", "1", "4", "5", "7", "2", "9", "30", "31", "37", "38", "39", "40", "47", "48",
+        "3x", "4:", "22", "12", "0;1;33", "1;34", "31;1", "38;5;196", "1;31;42;5;7", "0;3;4", "?"};
+    static const std::vector<std::string> others = {
+        "\x1B[2J", "\x1B[H", "\x1B[K", "\x1B[5A", "\x1BM", "\x1Bm", "\x1B[?25h", "\x1B", "\x1B[3",
+        "\xFF\xFB\x01", "\xFF\xFC\x01", "\xFF\xFD\x18", "\xFF\xFA\x18\x01\xFF\xF0", "\xFF\xFA\x22" "ab\xFF\xF0",
+        "\xFF\xF1", "\xFF\xF9", "\xFF", "\r\n", "\xC4\xCD\xB3\xDD"};
+    std::string s;
+    for (std::size_t i = 0; i < pieces; ++i) {
+        const unsigned kind = rng() % 10;
+        if (kind < 5) {
+            const std::size_t len = rng() % 40;
+            for (std::size_t k = 0; k < len; ++k) s += static_cast<char>('a' + rng() % 26);
+        } else if (kind < 8) {
+            s += "\x1B[" + params[rng() % params.size()] + (rng() % 8 ? "m" : "M");
+        } else {
+            s += others[rng() % others.size()];
+        }
+    }
+    return s;
+}
+
+}  // namespace
+
+TEST(OutputWriter, FastPathsLeaveWhatTheByteByByteReadingLeaves) {
+    std::mt19937 rng(11);
+    for (int round = 0; round < 60; ++round) {
+        ClientHarness fast, slow;
+        const std::string stream = randomStream(rng, 300);
+        std::size_t pos = 0;
+        for (int call = 0; pos < stream.size(); ++call) {
+            const std::size_t len = rng() % 3 == 0 ? rng() % 8 : rng() % 600;
+            const std::string piece = stream.substr(pos, len);
+            pos += len;
+            const int win = std::array{0, 0, 0, 1, 2, 7}[rng() % 6];
+            const bool graphics = rng() % 4 != 0, ink = rng() % 8 != 0;
+            std::string fastError, slowError;
+            for (auto* h : {&fast, &slow}) {
+                h->c.setGraphics(graphics);
+                h->state(win).Ink = ink;
+                try {
+                    if (h == &fast)
+                        h->c.writer.W_Print(piece, win);
+                    else
+                        slowPrint(h->c, piece, win);
+                } catch (const RunError& e) {
+                    (h == &fast ? fastError : slowError) = e.source();
+                }
+            }
+            const std::string where = "round " + std::to_string(round) + " call " + std::to_string(call);
+            ASSERT_EQ(fastError, slowError) << where;
+            ASSERT_EQ(fast.fp.socket.sent, slow.fp.socket.sent) << where;
+            for (int w = 0; w < kWindowCount; ++w) {
+                ASSERT_EQ(fast.window(w), slow.window(w)) << where << " window " << w;
+                std::vector<std::tuple<std::size_t, std::size_t, std::uint32_t, bool, bool, bool>> a, b;
+                fast.c.windows.text[w].forEachRun([&](const OutputWindow::Run& r) {
+                    a.emplace_back(r.begin, r.end, r.style.colour, r.style.underline, r.style.plain, r.style.graphics);
+                });
+                slow.c.windows.text[w].forEachRun([&](const OutputWindow::Run& r) {
+                    b.emplace_back(r.begin, r.end, r.style.colour, r.style.underline, r.style.plain, r.style.graphics);
+                });
+                ASSERT_EQ(a, b) << where << " window " << w;
+                const WindowState &x = fast.state(w), &y = slow.state(w);
+                ASSERT_EQ(std::tie(x.Colour, x.NotBold, x.BackColour, x.Underline, x.Blink, x.Reverse, x.Ink,
+                                   x.Pending, x.StartLen),
+                          std::tie(y.Colour, y.NotBold, y.BackColour, y.Underline, y.Blink, y.Reverse, y.Ink,
+                                   y.Pending, y.StartLen))
+                    << where << " window " << w;
+            }
+        }
     }
 }
 

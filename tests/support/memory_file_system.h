@@ -74,10 +74,11 @@ private:
     class File : public AppendFile {
     public:
         File(MemoryFileSystem& fs, std::string path) : fs_(fs), path_(std::move(path)) {}
-        bool write(const std::string& bytes) override {
-            if (!fs_.room(bytes.size())) return false;
-            fs_.used += bytes.size();
-            if (fs_.keepAppends) fs_.files[path_] += bytes;
+        bool write(std::string_view text, std::string_view more) override {
+            const std::size_t n = text.size() + more.size();
+            if (!fs_.room(n)) return false;
+            fs_.used += n;
+            if (fs_.keepAppends) fs_.files[path_].append(text).append(more);
             return true;
         }
 
