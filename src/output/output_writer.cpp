@@ -241,14 +241,16 @@ void OutputWriter::applySgr(std::string_view params, int win) {
     });
 }
 
-void OutputWriter::missShortSgr(SgrSlot& slot, std::uint64_t key, std::string_view params, int win) {
+void OutputWriter::missShortSgr(std::size_t set, std::uint64_t key, std::string_view params, int win) {
     SgrEffect effect;
     if (!eachParam(params, [&](std::string_view p) { return addQuietSgr(effect, p); })) {
         // Some parameter has a word for the debug window: one by one.
         applySgr(params, win);
         return;
     }
-    slot = {key, effect};
+    // The newest takes the first way; the one it held moves to the second.
+    sgrCache_[set + 1] = sgrCache_[set];
+    sgrCache_[set] = {key, effect};
     effect.applyTo(windows_.state[win]);
 }
 

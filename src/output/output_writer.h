@@ -36,11 +36,15 @@ private:
     // The same for fewer than 8 parameter bytes, also held in `key` (the
     // bytes in a word, the rest zero), through the cache.
     void applyShortSgr(std::uint64_t key, std::string_view params, int win) {
-        SgrSlot& slot = sgrCache_[(key * 0x9E3779B97F4A7C15ull) >> 58];
-        if (slot.key == key)
-            slot.effect.applyTo(windows_.state[win]);
+        // Sets of two, so that two strings of one stream that hash alike
+        // do not keep pushing each other out.
+        const std::size_t set = ((key * 0x9E3779B97F4A7C15ull) >> 59) * 2;
+        if (sgrCache_[set].key == key)
+            sgrCache_[set].effect.applyTo(windows_.state[win]);
+        else if (sgrCache_[set + 1].key == key)
+            sgrCache_[set + 1].effect.applyTo(windows_.state[win]);
         else
-            missShortSgr(slot, key, params, win);
+            missShortSgr(set, key, params, win);
     }
     // The last text of a call takes the underline of the text before the
     // caret; any other text the window's own.
@@ -59,7 +63,7 @@ private:
         SgrEffect effect;
     };
     std::array<SgrSlot, 64> sgrCache_{};
-    void missShortSgr(SgrSlot& slot, std::uint64_t key, std::string_view params, int win);
+    void missShortSgr(std::size_t set, std::uint64_t key, std::string_view params, int win);
 };
 
 }  // namespace kelpa
