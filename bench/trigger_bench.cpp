@@ -81,7 +81,7 @@ void BM_ReceiveRoadWithTriggers(benchmark::State& state) {
             road.fp.socket.writes.clear();
             road.fp.socket.sent.clear();
             // The run's raw text would otherwise grow for the whole bench.
-            road.c.history.HistoryText.clear();
+            road.c.history.clearForBench();
         }
         road.fp.socket.incoming = data.substr(pos, chunk);
         pos += chunk;

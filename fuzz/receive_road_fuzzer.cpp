@@ -45,11 +45,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         expected += chunk;
         if (f.c.windows.text[kMainWindow].size() > 3500) std::abort();
     }
-    if (f.c.history.HistoryText.size() < expected.size()) std::abort();
+    const std::string history = f.c.history.text();
+    if (history.size() < expected.size()) std::abort();
     // Telnet answers are sent and join the history between chunks; the
     // received bytes keep their order around them.
     std::size_t at = 0;
-    for (char ch : f.c.history.HistoryText)
+    for (char ch : history)
         if (at < expected.size() && ch == expected[at]) ++at;
     if (at != expected.size()) std::abort();
     return 0;

@@ -10,27 +10,67 @@
 
 namespace kelpa {
 
-// Fills the page tables of memory that is about to be written. Where the
-// first touch of each page is dear (a fault per 4 KB), one call over a
-// stretch costs a fraction of that. Doing nothing is always correct.
-class PageWarmer {
+// A place outside the program's own memory for the raw text, such as a file
+// the kernel keeps in memory: appending to it fills no page tables, which
+// on some machines costs more than the copy itself.
+class HistoryStore {
 public:
-    virtual ~PageWarmer() = default;
-    virtual void warm(char* begin, std::size_t bytes) = 0;
+    virtual ~HistoryStore() = default;
+    // Appends what it can and says how much; less than all ends its use.
+    virtual std::size_t append(std::string_view bytes) = 0;
+    // Up to `n` bytes from `pos`.
+    virtual std::string read(std::size_t pos, std::size_t n) const = 0;
 };
 
-struct HistoryText {
-    std::string HistoryText;
+// The text is the store's part (while there is a store) followed by the part
+// in memory: once the store fails, the rest of the run stays in memory and
+// nothing is lost.
+class HistoryText {
+public:
+    // Position of the view; every append sets it to the length.
     std::size_t HistoryPos = 0;
 
     void append(std::string_view bytes) {
-        if (HistoryText.capacity() - HistoryText.size() < bytes.size()) grow(bytes.size());
-        HistoryText.append(bytes);
-        HistoryPos = HistoryText.size();
-        if (warmer_ && HistoryPos + kWarmAhead / 2 > warmedEnd_) warmAhead();
+        if (store_ && memory_.empty()) {
+            const std::size_t taken = store_->append(bytes);
+            stored_ += taken;
+            bytes.remove_prefix(taken);
+        }
+        if (!bytes.empty()) {
+            if (memory_.capacity() - memory_.size() < bytes.size()) grow(bytes.size());
+            memory_.append(bytes);
+        }
+        HistoryPos = size();
     }
 
-    void setPageWarmer(PageWarmer* w) { warmer_ = w; }
+    std::size_t size() const { return stored_ + memory_.size(); }
+
+    // Up to `n` bytes from `pos`.
+    std::string read(std::size_t pos, std::size_t n) const {
+        std::string out;
+        if (pos < stored_) {
+            const std::size_t asked = std::min(n, stored_ - pos);
+            out = store_->read(pos, asked);
+            if (out.size() < asked) return out;  // no gaps: what could be read, up to there
+            n -= asked;
+            pos = stored_;
+        }
+        if (pos - stored_ < memory_.size()) out += std::string_view(memory_).substr(pos - stored_, n);
+        return out;
+    }
+    std::string text() const { return read(0, size()); }
+
+    // Where the text goes from now on; only while nothing is held yet.
+    void setStore(HistoryStore* store) {
+        if (size() == 0) store_ = store;
+    }
+    // Empties the text, for benches that start every pass alike.
+    void clearForBench() {
+        memory_.clear();
+        stored_ = 0;
+        store_ = nullptr;
+        HistoryPos = 0;
+    }
 
 private:
     // Doubling a long text copies all of it into fresh pages, a stall of the
@@ -39,32 +79,17 @@ private:
     // text reaches them.
     static constexpr std::size_t kSmall = std::size_t{1} << 20;
     static constexpr std::size_t kLongRun = std::size_t{1} << 30;
-    static constexpr std::size_t kWarmAhead = std::size_t{4} << 20;
 
-    PageWarmer* warmer_ = nullptr;
-    const char* warmedBuffer_ = nullptr;
-    std::size_t warmedEnd_ = 0;  // offset up to which the pages are warm
-
-    // Only the long-run reserve is worth it; small texts live on the heap.
-    void warmAhead() {
-        const std::size_t cap = HistoryText.capacity();
-        if (cap < kLongRun) return;
-        char* base = HistoryText.data();
-        if (base != warmedBuffer_) {
-            warmedBuffer_ = base;
-            warmedEnd_ = HistoryText.size();
-        }
-        const std::size_t end = std::min(cap, std::max(warmedEnd_, HistoryText.size()) + kWarmAhead);
-        if (end > warmedEnd_) warmer_->warm(base + warmedEnd_, end - warmedEnd_);
-        warmedEnd_ = end;
-    }
+    HistoryStore* store_ = nullptr;
+    std::size_t stored_ = 0;
+    std::string memory_;
 
     void grow(std::size_t more) {
-        const std::size_t need = HistoryText.size() + more;
+        const std::size_t need = memory_.size() + more;
         if (need <= kSmall) return;  // ordinary doubling
-        const std::size_t cap = HistoryText.capacity();
+        const std::size_t cap = memory_.capacity();
         try {
-            HistoryText.reserve(std::max(need, cap < kLongRun ? kLongRun : cap * 2));
+            memory_.reserve(std::max(need, cap < kLongRun ? kLongRun : cap * 2));
         } catch (const std::bad_alloc&) {
             // No room for the reserve: ordinary growth still works.
         }

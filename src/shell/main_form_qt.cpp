@@ -70,7 +70,7 @@ std::unique_ptr<MainForm> MainForm::createOn(std::unique_ptr<QtPlatform> platfor
     f->ownPlatform_ = std::move(platform);
     p.host.attach(f, f->Text1_);
     f->listenTo(p.socket);
-    f->client_.history.setPageWarmer(&p.pages);
+    if (p.history.usable()) f->client_.history.setStore(&p.history);
     return form;
 }
 

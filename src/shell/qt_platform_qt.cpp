@@ -61,21 +61,41 @@ bool QtHost::askYesNo(const std::string& text, const std::string& title) {
 
 long long QtHost::instanceHandle() const { return QCoreApplication::applicationPid(); }
 
-void LinuxPageWarmer::warm(char* begin, std::size_t bytes) {
-#ifdef MADV_POPULATE_WRITE
-    constexpr int kPopulateWrite = MADV_POPULATE_WRITE;
-#else
-    constexpr int kPopulateWrite = 23;  // Linux 5.14
-#endif
-    if (unsupported_ || bytes == 0) return;
-    static const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
-    // The call takes whole pages; the part-page at the start is the
-    // text's own and warm already.
-    const auto from = (reinterpret_cast<std::uintptr_t>(begin) + page - 1) & ~(page - 1);
-    const auto to = (reinterpret_cast<std::uintptr_t>(begin) + bytes) & ~(page - 1);
-    if (to <= from) return;
-    if (madvise(reinterpret_cast<void*>(from), to - from, kPopulateWrite) != 0 && errno == EINVAL)
-        unsupported_ = true;
+MemoryFileHistory::MemoryFileHistory() : fd_(memfd_create("kelpa-history", MFD_CLOEXEC)) {}
+
+MemoryFileHistory::~MemoryFileHistory() {
+    if (fd_ >= 0) close(fd_);
+}
+
+std::size_t MemoryFileHistory::append(std::string_view bytes) {
+    std::size_t done = 0;
+    while (done < bytes.size()) {
+        const ssize_t n = write(fd_, bytes.data() + done, bytes.size() - done);
+        if (n > 0)
+            done += static_cast<std::size_t>(n);
+        else if (n < 0 && errno == EINTR)
+            continue;
+        else
+            break;  // full: the rest of the run stays in the program's memory
+    }
+    written_ += done;
+    return done;
+}
+
+std::string MemoryFileHistory::read(std::size_t pos, std::size_t n) const {
+    std::string out(n, '\0');
+    std::size_t got = 0;
+    while (got < n) {
+        const ssize_t r = pread(fd_, out.data() + got, n - got, static_cast<off_t>(pos + got));
+        if (r > 0)
+            got += static_cast<std::size_t>(r);
+        else if (r < 0 && errno == EINTR)
+            continue;
+        else
+            break;
+    }
+    out.resize(got);
+    return out;
 }
 
 QtPlatform::QtPlatform()

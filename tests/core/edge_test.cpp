@@ -61,7 +61,7 @@ TEST(Edges, ALogThatCannotBeWrittenLeavesTheTextAndTriesAgainLater) {
         m.receive("during\r\n");
         m.receive("still\r\n");
         EXPECT_NE(m.window(kMainWindow).find("during\r\nstill\r\n"), std::string::npos);
-        EXPECT_EQ(m.c.history.HistoryText, "before\r\nduring\r\nstill\r\n");
+        EXPECT_EQ(m.c.history.text(), "before\r\nduring\r\nstill\r\n");
         EXPECT_NE(m.window(kDebugWindow).find("Cannot write the log"), std::string::npos);
         EXPECT_EQ(m.log(), "before\r\n\r\n");
 
@@ -107,7 +107,7 @@ TEST(Edges, FloodsThatNeverEndALineOrASequenceStayCheapPerChunk) {
         if (!kSanitized) {
             EXPECT_LT(slowest, 0.030) << head.size();
         }
-        EXPECT_EQ(m.c.history.HistoryText.size(), total);
+        EXPECT_EQ(m.c.history.size(), total);
         EXPECT_LE(m.c.windows.text[kMainWindow].size(), 3500u);
         EXPECT_LE(m.c.windows.state[kMainWindow].Pending.size(), 5u);
     }

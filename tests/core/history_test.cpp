@@ -1,56 +1,60 @@
-// The raw text keeps every byte, and once it has its long-run reserve the
-// pages ahead of the text are warmed before the text reaches them.
+// The raw text keeps every byte in order, in memory or in a store, and a
+// store that fills up hands the rest of the run to memory without a gap.
 #include <gtest/gtest.h>
-
-#include <utility>
-#include <vector>
 
 #include "history/history_text.h"
 
 namespace kelpa {
 namespace {
 
-struct RecordingWarmer : PageWarmer {
-    std::vector<std::pair<const char*, const char*>> ranges;
-    void warm(char* begin, std::size_t bytes) override { ranges.emplace_back(begin, begin + bytes); }
+// A store that takes `room` bytes in all, then no more.
+struct SmallStore : HistoryStore {
+    std::string bytes;
+    std::size_t room = 0;
+    int appendsAfterFull = 0;
+    std::size_t append(std::string_view b) override {
+        if (bytes.size() == room) ++appendsAfterFull;
+        const std::size_t n = std::min(b.size(), room - bytes.size());
+        bytes.append(b.substr(0, n));
+        return n;
+    }
+    std::string read(std::size_t pos, std::size_t n) const override { return bytes.substr(pos, n); }
 };
 
-TEST(HistoryText, KeepsEveryByteAndWarmsAheadWithinItsReserve) {
-    HistoryText h;
-    RecordingWarmer warmer;
-    h.setPageWarmer(&warmer);
-    std::string expected;
-    std::size_t piece = 1;
-    while (expected.size() < (std::size_t{9} << 20)) {
-        piece = piece * 7 % 100'003 + 1;  // odd sizes, some tiny, some large
-        const std::string bytes(piece, static_cast<char>('a' + expected.size() % 26));
-        h.append(bytes);
-        expected += bytes;
-        ASSERT_EQ(h.HistoryPos, expected.size());
-
-        const char* base = h.HistoryText.data();
-        const std::size_t cap = h.HistoryText.capacity();
-        for (auto [b, e] : warmer.ranges) {
-            if (b < base || b >= base + cap) continue;  // an older buffer
-            ASSERT_LE(e, base + cap);
+TEST(HistoryText, KeepsEveryByteInOrderAcrossStoreAndMemory) {
+    for (std::size_t room : {std::size_t{0}, std::size_t{1}, std::size_t{5000}, std::size_t{3} << 20}) {
+        HistoryText h;
+        SmallStore store;
+        store.room = room;
+        h.setStore(&store);
+        std::string expected;
+        std::size_t piece = 1;
+        while (expected.size() < (std::size_t{5} << 20)) {
+            piece = piece * 7 % 100'003 + 1;  // odd sizes, some tiny, some large
+            const std::string bytes(piece, static_cast<char>('a' + expected.size() % 26));
+            h.append(bytes);
+            expected += bytes;
+            ASSERT_EQ(h.HistoryPos, expected.size());
         }
-        if (cap < (std::size_t{1} << 30)) continue;
-        // The next two megabytes past the text are warm, or the reserve ends.
-        std::size_t covered = h.HistoryText.size();
-        for (bool grew = true; grew;) {
-            grew = false;
-            for (auto [b, e] : warmer.ranges)
-                if (b >= base && b <= base + covered && e > base + covered) {
-                    covered = static_cast<std::size_t>(e - base);
-                    grew = true;
-                }
-        }
-        ASSERT_GE(covered, std::min(cap, h.HistoryText.size() + (std::size_t{2} << 20)));
+        ASSERT_EQ(h.size(), expected.size());
+        EXPECT_EQ(store.bytes, expected.substr(0, room));
+        EXPECT_LE(store.appendsAfterFull, 1) << "a full store is not asked again";
+        EXPECT_TRUE(h.text() == expected) << "room " << room;
+        // Stretches on either side of the seam and across it.
+        for (std::size_t pos : {std::size_t{0}, room > 0 ? room - 1 : 0, room, room + 7, expected.size() - 3})
+            for (std::size_t n : {std::size_t{0}, std::size_t{1}, std::size_t{10}, std::size_t{70'000}})
+                ASSERT_EQ(h.read(pos, n), expected.substr(pos, n)) << "room " << room << " at " << pos;
+        EXPECT_EQ(h.read(expected.size() + 5, 10), "");
     }
-    EXPECT_TRUE(h.HistoryText == expected);
-    EXPECT_FALSE(warmer.ranges.empty());
-    // Warming is asked for in stretches, not per append.
-    EXPECT_LT(warmer.ranges.size(), 10u);
+    // A store comes only before the first byte: the text stays in one piece.
+    HistoryText h;
+    h.append("first");
+    SmallStore late;
+    late.room = 100;
+    h.setStore(&late);
+    h.append(" second");
+    EXPECT_EQ(h.text(), "first second");
+    EXPECT_EQ(late.bytes, "");
 }
 
 }  // namespace

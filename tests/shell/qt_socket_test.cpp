@@ -92,7 +92,7 @@ TEST(CloseWithData, EveryByteIsShownLoggedAndKeptBeforeTheCloseIsHandled) {
     // Connected after the window's own handler, so it sees the state the
     // close left behind; the road reads nothing once the socket is closed.
     QObject::connect(&form->qtPlatform()->socket, &qt::QtSocket::closed, [&] {
-        historyAtClose = c.history.HistoryText;
+        historyAtClose = c.history.text();
         windowAtClose = std::string(c.windows.text[kMainWindow].text());
         closed = true;
     });

@@ -25,7 +25,7 @@ struct ClientHarness {
     std::string window(int win) const { return std::string(c.windows.text[win].text()); }
     std::string debugText() const { return window(kDebugWindow); }
     WindowState& state(int win) { return c.windows.state[win]; }
-    const std::string& history() const { return c.history.HistoryText; }
+    std::string history() const { return c.history.text(); }
     // What the open (or last opened) session log holds.
     std::string logFile() const { return fp.folder.read(c.log.currentPath()); }
     // A chunk from the server, as the socket's data event brings it.
