@@ -99,6 +99,14 @@ inline std::uint64_t nonParamBytes(std::uint64_t x) {
     return (((t & kLow7) + kLow7) | t) & kHighs;
 }
 
+// Byte `n` (0 to 7) of a word loaded from memory.
+inline unsigned byteOf(std::uint64_t x, std::size_t n) {
+    if constexpr (std::endian::native == std::endian::little)
+        return static_cast<unsigned>(x >> (8 * n)) & 0xFF;
+    else
+        return static_cast<unsigned>(x >> (56 - 8 * n)) & 0xFF;
+}
+
 // The first `n` (0 to 7) bytes of a word loaded from memory, the rest zero.
 inline std::uint64_t firstBytes(std::uint64_t x, std::size_t n) {
     if (n == 0) return 0;
@@ -184,7 +192,7 @@ void OutputWriter::writeAll(std::string_view all, int win) {
             std::memcpy(&word, all.data() + pos + 2, 8);
             if (const std::uint64_t stops = nonParamBytes(word)) {
                 const std::size_t n = lowestByte(stops);
-                if ((all[pos + 2 + n] | 0x20) == 'm') {
+                if ((byteOf(word, n) | 0x20) == 'm') {
                     applyShortSgr(firstBytes(word, n), all.substr(pos + 2, n), win);
                     pos += 3 + n;
                     continue;

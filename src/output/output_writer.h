@@ -38,7 +38,7 @@ private:
     void applyShortSgr(std::uint64_t key, std::string_view params, int win) {
         // Sets of two, so that two strings of one stream that hash alike
         // do not keep pushing each other out.
-        const std::size_t set = ((key * 0x9E3779B97F4A7C15ull) >> 59) * 2;
+        const std::size_t set = ((key * 0x9E3779B97F4A7C15ull) >> 58) * 2;
         if (sgrCache_[set].key == key)
             sgrCache_[set].effect.applyTo(windows_.state[win]);
         else if (sgrCache_[set + 1].key == key)
@@ -62,7 +62,7 @@ private:
         std::uint64_t key = ~0ull;  // no parameter bytes make this key
         SgrEffect effect;
     };
-    std::array<SgrSlot, 64> sgrCache_{};
+    std::array<SgrSlot, 128> sgrCache_{};
     void missShortSgr(std::size_t set, std::uint64_t key, std::string_view params, int win);
 };
 

@@ -34,6 +34,11 @@ int byteAt(std::string_view text, std::size_t i) {
 }  // namespace
 
 std::size_t TelnetInterpreter::S_InterpretIac(std::string_view text, int win) {
+    // The words of an option are only built when they will be written: a
+    // prompt's IAC GA comes with every line of some servers.
+    auto optionWords = [&](int option, const char* after) {
+        if (debug_.enabled) debug_.DebugLog(TelnetOptionName(option) + after);
+    };
     const int cmd = byteAt(text, 1);
     debug_.DebugLog("IAC ;");
     switch (cmd) {
@@ -43,7 +48,7 @@ std::size_t TelnetInterpreter::S_InterpretIac(std::string_view text, int win) {
         case 250: {
             debug_.DebugLog(" SB ;");
             const int option = byteAt(text, 2);
-            debug_.DebugLog(TelnetOptionName(option) + ";");
+            optionWords(option, ";");
             if (option != 34) {
                 // No parser: the payload stays in the text and is shown.
                 debug_.DebugLog(" ");
@@ -56,19 +61,19 @@ std::size_t TelnetInterpreter::S_InterpretIac(std::string_view text, int win) {
         }
         case 251:
             debug_.DebugLog(" WILL ;");
-            debug_.DebugLog(TelnetOptionName(byteAt(text, 2)));
+            optionWords(byteAt(text, 2), "");
             return 3;
         case 252: {
             debug_.DebugLog(" WONT ;");
             const int option = byteAt(text, 2);
             if (option == 1) windows_.state[win].Ink = true;
-            debug_.DebugLog(TelnetOptionName(option));
+            optionWords(option, "");
             return 3;
         }
         case 253: {
             debug_.DebugLog(" DO ;");
             const int option = byteAt(text, 2);
-            debug_.DebugLog(TelnetOptionName(option));
+            optionWords(option, "");
             if (option == 24 && send_) {
                 std::string answer = kTerminalTypeAnswer;
                 send_(answer);
@@ -77,7 +82,7 @@ std::size_t TelnetInterpreter::S_InterpretIac(std::string_view text, int win) {
         }
         default:
             // Only the IAC goes; the command byte is shown as text.
-            debug_.DebugLog("unknown iac command " + decimal(cmd));
+            if (debug_.enabled) debug_.DebugLog("unknown iac command " + decimal(cmd));
             return 1;
     }
 }
