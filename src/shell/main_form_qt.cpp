@@ -24,7 +24,9 @@
 namespace kelpa::qt {
 
 namespace {
-constexpr int kFrameMs = 16;
+// The windows follow the core at most once per frame: 17 ms keeps a flood
+// under 60 repaints a second, however short the work between them.
+constexpr int kFrameMs = 17;
 }  // namespace
 
 MainForm::MainForm(Platform& platform, QWidget* parent) : QWidget(parent), client_(platform) {
