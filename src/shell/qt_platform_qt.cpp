@@ -9,11 +9,9 @@
 
 #include "shell/widget_kit_qt.h"
 
-#include <cstdlib>
 #include <cerrno>
-#include <cstdint>
 
-#include <sys/mman.h>
+#include <sys/mman.h>  // memfd_create
 #include <unistd.h>
 
 namespace kelpa::qt {
