@@ -218,42 +218,18 @@ void OutputWriter::writeAll(std::string_view all, int win) {
             continue;
         }
         if ((all[fin] | 0x20) == 'm' && fin >= pos + 2)
-            applySgr(all.substr(pos + 2, fin - pos - 2), win);
+            ansi_.A_ApplySgrList(all.substr(pos + 2, fin - pos - 2), win);
         else
             ansi_.A_ParseCsi(all.substr(pos, fin - pos + 1), win);
         pos = fin + 1;
     }
 }
 
-namespace {
-
-// Calls f(param) for each ";"-separated parameter, until f returns false.
-template <typename F>
-bool eachParam(std::string_view params, F&& f) {
-    std::size_t from = 0;
-    for (std::size_t i = 0;; ++i) {
-        if (i == params.size() || params[i] == ';') {
-            if (!f(params.substr(from, i - from))) return false;
-            if (i == params.size()) return true;
-            from = i + 1;
-        }
-    }
-}
-
-}  // namespace
-
-void OutputWriter::applySgr(std::string_view params, int win) {
-    eachParam(params, [&](std::string_view param) {
-        ansi_.A_ApplySgr(param, win);
-        return true;
-    });
-}
-
 void OutputWriter::missShortSgr(std::size_t set, std::uint64_t key, std::string_view params, int win) {
     SgrEffect effect;
-    if (!eachParam(params, [&](std::string_view p) { return addQuietSgr(effect, p); })) {
+    if (!forEachSgrParam(params, [&](std::string_view p) { return addQuietSgr(effect, p); })) {
         // Some parameter has a word for the debug window: one by one.
-        applySgr(params, win);
+        ansi_.A_ApplySgrList(params, win);
         return;
     }
     // The newest takes the first way; the one it held moves to the second.

@@ -31,8 +31,6 @@ public:
 
 private:
     void writeAll(std::string_view text, int win);
-    // The parameters between "ESC x" and the final m, one by one.
-    void applySgr(std::string_view params, int win);
     // The same for fewer than 8 parameter bytes, also held in `key` (the
     // bytes in a word, the rest zero), through the cache.
     void applyShortSgr(std::uint64_t key, std::string_view params, int win) {

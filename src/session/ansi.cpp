@@ -33,23 +33,20 @@ void AnsiInterpreter::A_ApplySgr(std::string_view param, int win) {
         debug_.DebugLog("unknown SING/DBL " + std::string(param));
 }
 
+void AnsiInterpreter::A_ApplySgrList(std::string_view params, int win) {
+    forEachSgrParam(params, [&](std::string_view param) {
+        A_ApplySgr(param, win);
+        return true;
+    });
+}
+
 void AnsiInterpreter::A_ParseCsi(std::string_view seq, int win) {
     char last = seq.empty() ? '\0' : seq.back();
     if (last >= 'a' && last <= 'z') last = static_cast<char>(last - 'a' + 'A');
     switch (last) {
         case 'M': {
             if (seq.size() < 3) throw RunError::invalidArgument("A_ParseCsi");
-            std::string_view params = seq.substr(2, seq.size() - 3);
-            std::size_t from = 0;
-            while (true) {
-                std::size_t semi = params.find(';', from);
-                if (semi == std::string_view::npos) {
-                    A_ApplySgr(params.substr(from), win);
-                    break;
-                }
-                A_ApplySgr(params.substr(from, semi - from), win);
-                from = semi + 1;
-            }
+            A_ApplySgrList(seq.substr(2, seq.size() - 3), win);
             return;
         }
         case 'H':

@@ -89,6 +89,20 @@ inline bool addQuietSgr(SgrEffect& e, std::string_view param) {
     }
 }
 
+// Calls f(param) for each ";"-separated SGR parameter, until f returns
+// false; says whether it went through all of them.
+template <typename F>
+bool forEachSgrParam(std::string_view params, F&& f) {
+    std::size_t from = 0;
+    for (std::size_t i = 0;; ++i) {
+        if (i == params.size() || params[i] == ';') {
+            if (!f(params.substr(from, i - from))) return false;
+            if (i == params.size()) return true;
+            from = i + 1;
+        }
+    }
+}
+
 class AnsiInterpreter {
 public:
     AnsiInterpreter(OutputWindows& windows, DebugChannel& debug)
@@ -98,6 +112,8 @@ public:
     // two-character SGR (ESC m, ESC M).
     void A_ParseCsi(std::string_view seq, int win);
     void A_ApplySgr(std::string_view param, int win);
+    // The parameters between "ESC x" and the final m, one by one.
+    void A_ApplySgrList(std::string_view params, int win);
     std::uint32_t A_ColourFor(int digit);
 
 private:
