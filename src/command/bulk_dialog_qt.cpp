@@ -3,7 +3,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 
-#include "shell/widget_kit_qt.h"
+#include "toolkit/widget_kit_qt.h"
 
 namespace kelpa::qt {
 

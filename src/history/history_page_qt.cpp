@@ -5,7 +5,7 @@
 #include <QListWidget>
 #include <QPushButton>
 
-#include "shell/widget_kit_qt.h"
+#include "toolkit/widget_kit_qt.h"
 
 namespace kelpa::qt {
 

@@ -1,8 +1,8 @@
 #include "output/output_layout_qt.h"
 
 #include "output/box_chars.h"
-#include "output/codepage.h"
-#include "shell/widget_kit_qt.h"
+#include "common/codepage.h"
+#include "toolkit/widget_kit_qt.h"
 
 namespace kelpa::qt {
 

@@ -7,7 +7,7 @@
 #include <QPainter>
 #include <QScrollBar>
 
-#include "shell/widget_kit_qt.h"
+#include "toolkit/widget_kit_qt.h"
 
 namespace kelpa::qt {
 

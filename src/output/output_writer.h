@@ -9,8 +9,8 @@
 
 #include "output/debug_channel.h"
 #include "output/window_state.h"
-#include "session/ansi.h"
-#include "session/telnet.h"
+#include "output/ansi.h"
+#include "output/telnet.h"
 
 namespace kelpa {
 

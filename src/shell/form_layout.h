@@ -6,14 +6,9 @@
 #include <map>
 #include <string>
 
+#include "toolkit/twips.h"
+
 namespace kelpa {
-
-struct TwipRect {
-    int left = 0, top = 0, width = 0, height = 0;
-    friend bool operator==(const TwipRect&, const TwipRect&) = default;
-};
-
-inline constexpr int kTwipsPerPixel = 15;  // at 96 dots per inch
 
 // The form's inside size at start.
 inline constexpr int kFormInnerWidth = 12030;

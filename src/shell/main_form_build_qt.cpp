@@ -10,8 +10,8 @@
 #include "history/history_page_qt.h"
 #include "output/output_view_qt.h"
 #include "shell/main_form_qt.h"
-#include "shell/tab_control_qt.h"
-#include "shell/widget_kit_qt.h"
+#include "toolkit/tab_control_qt.h"
+#include "toolkit/widget_kit_qt.h"
 #include "triggers/trigger_page_qt.h"
 
 namespace kelpa::qt {

@@ -16,8 +16,8 @@
 #include "command/macro_page_qt.h"
 #include "output/output_view_qt.h"
 #include "shell/qt_platform_qt.h"
-#include "shell/tab_control_qt.h"
-#include "shell/widget_kit_qt.h"
+#include "toolkit/tab_control_qt.h"
+#include "toolkit/widget_kit_qt.h"
 #include "triggers/flags_form_qt.h"
 #include "triggers/trigger_page_qt.h"
 

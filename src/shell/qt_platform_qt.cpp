@@ -7,7 +7,7 @@
 #include <QTime>
 #include <QWidget>
 
-#include "shell/widget_kit_qt.h"
+#include "toolkit/widget_kit_qt.h"
 
 #include <cerrno>
 

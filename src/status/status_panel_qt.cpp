@@ -5,8 +5,8 @@
 
 #include <initializer_list>
 
-#include "shell/tab_control_qt.h"
-#include "shell/widget_kit_qt.h"
+#include "toolkit/tab_control_qt.h"
+#include "toolkit/widget_kit_qt.h"
 
 namespace kelpa::qt {
 

@@ -4,7 +4,7 @@
 #include <QPushButton>
 #include <QSignalBlocker>
 
-#include "shell/widget_kit_qt.h"
+#include "toolkit/widget_kit_qt.h"
 
 namespace kelpa::qt {
 

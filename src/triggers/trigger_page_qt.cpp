@@ -12,7 +12,7 @@
 #include <QSignalBlocker>
 
 #include "common/text.h"
-#include "shell/widget_kit_qt.h"
+#include "toolkit/widget_kit_qt.h"
 
 namespace kelpa::qt {
 

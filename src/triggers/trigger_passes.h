@@ -4,7 +4,7 @@
 
 #include <string_view>
 
-#include "session/lines.h"
+#include "common/lines.h"
 
 namespace kelpa {
 

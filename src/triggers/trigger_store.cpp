@@ -1,7 +1,7 @@
 #include "triggers/trigger_store.h"
 
 #include "common/text.h"
-#include "session/lines.h"
+#include "common/lines.h"
 #include "triggers/trigger_file.h"
 
 namespace kelpa {

@@ -7,7 +7,7 @@
 
 #include <random>
 
-#include "session/lines.h"
+#include "common/lines.h"
 #include "session/server_session.h"
 #include "support/client_harness.h"
 

@@ -7,7 +7,7 @@
 #include <random>
 #include <set>
 
-#include "session/lines.h"
+#include "common/lines.h"
 #include "support/client_harness.h"
 #include "triggers/trigger_store.h"
 

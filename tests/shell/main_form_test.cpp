@@ -15,8 +15,8 @@
 
 #include "command/bulk_dialog_qt.h"
 #include "form_fixture.h"
-#include "shell/tab_control_qt.h"
-#include "shell/widget_kit_qt.h"
+#include "toolkit/tab_control_qt.h"
+#include "toolkit/widget_kit_qt.h"
 #include "sites/site_book.h"
 #include "triggers/flags_form_qt.h"
 

@@ -6,7 +6,7 @@
 #include <QScrollBar>
 
 #include "form_fixture.h"
-#include "shell/widget_kit_qt.h"
+#include "toolkit/widget_kit_qt.h"
 #include "output/output_layout_qt.h"
 #include "output/output_view_qt.h"
 

@@ -13,7 +13,7 @@
 
 #include "command/macro_page_qt.h"
 #include "form_fixture.h"
-#include "shell/tab_control_qt.h"
+#include "toolkit/tab_control_qt.h"
 
 namespace kelpa::test {
 namespace {

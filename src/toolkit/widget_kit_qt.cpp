@@ -1,11 +1,11 @@
-#include "shell/widget_kit_qt.h"
+#include "toolkit/widget_kit_qt.h"
 
 #include <QFontDatabase>
 #include <QFontInfo>
 #include <QPalette>
 #include <QWidget>
 
-#include "output/codepage.h"
+#include "common/codepage.h"
 
 namespace kelpa::qt {
 

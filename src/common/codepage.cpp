@@ -1,4 +1,4 @@
-#include "output/codepage.h"
+#include "common/codepage.h"
 
 namespace kelpa {
 

@@ -1,4 +1,4 @@
-#include "session/lines.h"
+#include "common/lines.h"
 
 namespace kelpa {
 

@@ -1,4 +1,4 @@
-#include "session/ansi.h"
+#include "output/ansi.h"
 
 #include <string>
 

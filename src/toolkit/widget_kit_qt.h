@@ -13,7 +13,7 @@
 #include <string>
 #include <string_view>
 
-#include "shell/form_layout.h"
+#include "toolkit/twips.h"
 
 namespace kelpa::qt {
 

@@ -1,4 +1,4 @@
-#include "session/telnet.h"
+#include "output/telnet.h"
 
 #include "common/run_error.h"
 #include "common/text.h"

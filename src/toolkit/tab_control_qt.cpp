@@ -1,9 +1,9 @@
-#include "shell/tab_control_qt.h"
+#include "toolkit/tab_control_qt.h"
 
 #include <QMouseEvent>
 #include <QPainter>
 
-#include "shell/widget_kit_qt.h"
+#include "toolkit/widget_kit_qt.h"
 
 namespace kelpa::qt {
 
