@@ -50,6 +50,17 @@ void Client::LoadTriggers() {
     triggers.LoadTriggers();
 }
 
+void Client::SiteManagerClosed() {
+    bar.reload(platform.files, [this](const std::string& w) { debug.DebugLog(w); });
+}
+
+void Client::startupNote(const std::string& line) {
+    const bool on = debug.enabled;
+    debug.enabled = true;
+    debug.DebugLog(line);
+    debug.enabled = on;
+}
+
 void Client::Form_Unload() { platform.socket.close(); }
 
 void Client::Form_Terminate() {

@@ -57,6 +57,11 @@ public:
     // Both trigger tables read again; the variables are forgotten.
     void LoadTriggers();
 
+    // After the site manager closed: the book read again, the first site selected.
+    void SiteManagerClosed();
+    // A line of the start-up in the debug window, shown whatever its switch.
+    void startupNote(const std::string& line);
+
     Platform& platform;
     OutputWindows windows;
     DebugChannel debug;

@@ -15,6 +15,7 @@
 #include "command/bulk_dialog_qt.h"
 #include "command/macro_page_qt.h"
 #include "output/output_view_qt.h"
+#include "shell/kelpa_icon_qt.h"
 #include "shell/qt_platform_qt.h"
 #include "toolkit/tab_control_qt.h"
 #include "toolkit/widget_kit_qt.h"
@@ -32,6 +33,7 @@ constexpr int kFrameMs = 17;
 MainForm::MainForm(Platform& platform, QWidget* parent) : QWidget(parent), client_(platform) {
     setObjectName(QStringLiteral("MainForm"));
     setWindowTitle(QStringLiteral("Kelpa"));
+    setWindowIcon(kelpaIcon());
     setBackground(this, QColor(128, 128, 128));
     setFont(formFont());
     resize(px(kFormInnerWidth), px(kFormInnerHeight));
@@ -167,6 +169,10 @@ void MainForm::connectControls() {
             [this](bool on) { guarded("CT_Click", [&] { client_.setCleanerText(on); }); });
     connect(BTN_BULK_, &QPushButton::clicked, this, &MainForm::BTN_BULK_Click);
     connect(BTN_Flags_, &QPushButton::clicked, this, &MainForm::BTN_Flags_Click);
+    connect(findChild<QPushButton*>(QStringLiteral("CMD_SaveConnection")), &QPushButton::clicked, this,
+            &MainForm::CMD_SaveConnection_Click);
+    connect(findChild<QPushButton*>(QStringLiteral("CMD_About")), &QPushButton::clicked, this,
+            &MainForm::CMD_About_Click);
     Text1_->installEventFilter(this);
 }
 

@@ -98,6 +98,9 @@ private:
     void Text1_Enter();
     void BTN_BULK_Click();
     void BTN_Flags_Click();
+    // main_form_dialogs_qt.cpp
+    void CMD_SaveConnection_Click();
+    void CMD_About_Click();
 
     std::unique_ptr<QtPlatform> ownPlatform_;
     Client client_;
