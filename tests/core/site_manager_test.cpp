@@ -1,0 +1,160 @@
+// The site manager's model: ports, add or modify by name, delete and its
+// selection, and saving (twice the same, failures leave the book alone).
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <optional>
+
+#include "command/words.h"
+#include "sites/site_manager.h"
+#include "support/fakes.h"
+#include "support/memory_file_system.h"
+
+using namespace kelpa;
+using kelpa::test::MemoryFileSystem;
+
+namespace {
+
+SiteRecord site(std::string name, std::int32_t port = 4000) {
+    return SiteRecord{name, "s" + name, name + ".org", "alt." + name, port, port + 1, "#10#", "about " + name};
+}
+
+struct Manager {
+    explicit Manager(std::vector<SiteRecord> book = {}) {
+        files.files[kSiteBookFile] = formatSites(book);
+        m.Form_Load();
+    }
+    std::string book() const { return files.files.at(kSiteBookFile); }
+    MemoryFileSystem files;
+    SiteManager m{files, &Val};
+};
+
+}  // namespace
+
+TEST(SiteManager, PortBoxesReadTheNumberAtTheirHeadAndRefuseWhatLeaves32Bits) {
+    const std::vector<std::pair<std::string, std::optional<std::int32_t>>> rows = {
+        {"23", 23},          {"  23", 23},         {"23abc", 23},          {"abc", 0},
+        {"", 0},             {"2.5", 2},           {"3.5", 4},             {"-7", -7},
+        {"1e3", 1000},       {"2147483647", 2147483647},                   {"2147483648", std::nullopt},
+        {"-2147483648", INT32_MIN},                {"-2147483649", std::nullopt},
+        {"2147483647.4", 2147483647},              {"99999999999999999999", std::nullopt},
+    };
+    Manager s;
+    for (const auto& [text, port] : rows) EXPECT_EQ(s.m.portOf(text), port) << text;
+
+    // A port beyond the range stores nothing and says which box.
+    s.m.boxes = {"New", "n", "h", "", "23", "4294967296", "", ""};
+    const std::string why = s.m.CMD_SiteAdd_Click();
+    EXPECT_NE(why.find("Alternate Port \"4294967296\""), std::string::npos) << why;
+    EXPECT_TRUE(s.m.Sites.empty());
+    EXPECT_EQ(s.m.boxes.Aport, "4294967296");
+}
+
+TEST(SiteManager, AddOrModifyIsDecidedByTheExactName) {
+    Manager s;
+    EXPECT_TRUE(s.m.items.empty());
+    EXPECT_EQ(s.m.listIndex, -1);
+
+    // An empty book gets its first entry; the init string loses its outer blanks only.
+    s.m.boxes = {" Mud ", " m ", "mud.org", "", " 23x", "5e1", "  #10#look  ", "a\r\nb"};
+    EXPECT_EQ(s.m.CMD_SiteAdd_Click(), "");
+    ASSERT_EQ(s.m.Sites.size(), 1u);
+    EXPECT_EQ(s.m.Sites[0], (SiteRecord{" Mud ", " m ", "mud.org", "", 23, 50, "#10#look", "a\r\nb"}));
+    EXPECT_EQ(s.m.items, std::vector<std::string>{" Mud "});
+    EXPECT_EQ(s.m.listIndex, -1);
+    EXPECT_EQ(s.m.boxes.SiteName, " Mud ") << "the boxes keep their text";
+
+    s.m.boxes.STRI = "    ";
+    s.m.boxes.Dport = "4000";
+    EXPECT_EQ(s.m.CMD_SiteAdd_Click(), "");
+    ASSERT_EQ(s.m.Sites.size(), 1u) << "the same name changes the entry";
+    EXPECT_EQ(s.m.Sites[0].DefaultPort, 4000);
+    EXPECT_EQ(s.m.Sites[0].InitString, "") << "blanks only: nothing sent on connecting";
+
+    for (const std::string name : {" mud ", "Mud"}) {
+        s.m.boxes.SiteName = name;
+        s.m.CMD_SiteAdd_Click();
+    }
+    EXPECT_EQ(s.m.items, (std::vector<std::string>{" Mud ", " mud ", "Mud"})) << "no rename, case counts";
+    EXPECT_EQ(s.book(), "") << "nothing reaches the file before Save";
+}
+
+TEST(SiteManager, ClickShowsTheFirstEntryOfThatNameWithItsMarks) {
+    SiteRecord twin = site("A", 7000);
+    Manager s({site("A"), site("B"), twin});
+    s.m.SitesList_Click(2);
+    EXPECT_EQ(s.m.listIndex, 2);
+    EXPECT_EQ(s.m.boxes, (SiteBoxes{"A", "sA", "A.org", "alt.A", "4000", "4001", "#10#", "about A"}));
+    s.m.SitesList_Click(1);
+    EXPECT_EQ(s.m.boxes.DNSIP, "B.org");
+}
+
+TEST(SiteManager, DeleteKeepsTheLastSiteAndSelectsTheEntryInTheDeletedPlace) {
+    struct Row {
+        int sites;
+        int selected;
+        std::vector<std::string> left;
+        int selectedAfter;
+    };
+    const std::vector<Row> rows = {
+        {1, 0, {"0"}, 0},             // the last site stays
+        {2, -1, {"0", "1"}, -1},      // nothing selected: nothing deleted
+        {2, 1, {"0"}, 0},             // the last entry: the new last is selected
+        {3, 1, {"0", "2"}, 1},        // the next one takes the place
+        {3, 0, {"1", "2"}, 0},
+    };
+    for (const Row& r : rows) {
+        std::vector<SiteRecord> book;
+        for (int i = 0; i < r.sites; ++i) book.push_back(site(std::to_string(i)));
+        Manager s(book);
+        if (r.selected >= 0) s.m.SitesList_Click(r.selected);
+        s.m.CMD_SiteDelete_Click();
+        EXPECT_EQ(s.m.items, r.left) << r.sites << " sites, " << r.selected << " selected";
+        EXPECT_EQ(s.m.listIndex, r.selectedAfter) << r.sites << " sites, " << r.selected << " selected";
+        if (r.selectedAfter >= 0)
+            EXPECT_EQ(s.m.boxes.SiteName, r.left[static_cast<std::size_t>(r.selectedAfter)]);
+        EXPECT_EQ(s.book(), formatSites(book)) << "Delete does not touch the file";
+    }
+}
+
+TEST(SiteManager, SaveWritesTheSameBytesTwiceAndAnEmptyBookAsAnEmptyFile) {
+    Manager s({site("A"), site("B")});
+    s.m.boxes = {"C", "c", "c.org", "", "23", "", "", ""};
+    s.m.CMD_SiteAdd_Click();
+    EXPECT_EQ(s.m.OKButton_Click(), "");
+    const std::string first = s.book();
+    EXPECT_EQ(s.m.OKButton_Click(), "");
+    EXPECT_EQ(s.book(), first);
+    // Opened again, an empty description reads as one line break, and it
+    // stays one through further saves.
+    for (int round = 0; round < 2; ++round) {
+        SiteManager again(s.files, &Val);
+        again.Form_Load();
+        EXPECT_EQ(again.items, s.m.items);
+        EXPECT_EQ(again.Sites.back().Description, "\r\n");
+        EXPECT_EQ(again.OKButton_Click(), "");
+    }
+
+    Manager empty;
+    empty.files.files[kSiteBookFile] = "junk\r\n";
+    EXPECT_EQ(empty.m.OKButton_Click(), "");
+    EXPECT_EQ(empty.book(), "");
+}
+
+TEST(SiteManager, AFailedSaveSaysWhyAndLeavesTheBookAndTheEntries) {
+    test::TempFolder folder;
+    StdFileSystem files(folder.path());
+    const std::string before = formatSites({site("A")});
+    folder.write(kSiteBookFile, before);
+    // The temporary file's name is taken by a folder: the write cannot start.
+    std::filesystem::create_directory(folder.path() / "CONN.ZIG.tmp");
+    SiteManager m(files, &Val);
+    m.Form_Load();
+    m.boxes = {"B", "b", "b.org", "", "23", "", "", ""};
+    m.CMD_SiteAdd_Click();
+    const std::string why = m.OKButton_Click();
+    EXPECT_NE(why.find("Cannot save the site book " + files.absolute(kSiteBookFile) + ": "), std::string::npos)
+        << why;
+    EXPECT_EQ(folder.read(kSiteBookFile), before);
+    EXPECT_EQ(m.items, (std::vector<std::string>{"A", "B"}));
+}
