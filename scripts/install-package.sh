@@ -3,7 +3,7 @@
 # it: kelpa in /usr/bin, an entry in the desktop's menu, and its icon.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-bash scripts/install-deps.sh dpkg-dev
+bash scripts/install-deps.sh
 cmake -S . -B build-package -G Ninja -DCMAKE_BUILD_TYPE=Release -DKELPA_SHELL=ON -DKELPA_TESTS=OFF
 cmake --build build-package --target kelpa kelpa_icons
 (cd build-package && cpack -G DEB)
