@@ -45,7 +45,8 @@ kelpa::ProgramFolderFacts factsOfThisRun(const QStringList& arguments) {
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Kelpa"));
-    QApplication::setApplicationVersion(QStringLiteral("2.1.293"));
+    QApplication::setApplicationVersion(
+        QStringLiteral("%1.%2.%3").arg(KELPA_VERSION_MAJOR).arg(KELPA_VERSION_MINOR).arg(KELPA_VERSION_REVISION));
     QApplication::setWindowIcon(kelpa::qt::kelpaIcon());
 
     const QStringList arguments = QCoreApplication::arguments();

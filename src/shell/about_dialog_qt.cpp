@@ -115,7 +115,10 @@ AboutDialog::AboutDialog(QWidget* parent)
 void AboutDialog::Form_Load() {
     const QString title = QStringLiteral("Kelpa");
     setWindowTitle(QStringLiteral("About ") + title);
-    lblVersion->setText(QStringLiteral("Version %1.%2.%3").arg(2).arg(1).arg(293));
+    lblVersion->setText(QStringLiteral("Version %1.%2.%3")
+                            .arg(KELPA_VERSION_MAJOR)
+                            .arg(KELPA_VERSION_MINOR)
+                            .arg(KELPA_VERSION_REVISION));
     lblTitle->setText(title);
     lblDescription->setText(QString::fromLatin1(kComments) + QLatin1Char('\n') + QString::fromLatin1(kCompany));
     lblDisclaimer->setText(QString::fromLatin1(kCopyright) + QLatin1Char('\n') + QString::fromLatin1(kTrademarks));

@@ -15,6 +15,7 @@
 #include <filesystem>
 #include <functional>
 
+#include "command/words.h"
 #include "form_fixture.h"
 #include "shell/about_dialog_qt.h"
 #include "shell/system_info.h"
@@ -127,6 +128,19 @@ TEST(SiteManagerDialog, AFailedSaveKeepsTheDialogAndEscapeDiscards) {
     });
     EXPECT_EQ(f.fake.folder.read("CONN.ZIG"), kOldBook);
     EXPECT_EQ(f.control<QComboBox>("CB_Connections")->count(), 1);
+}
+
+TEST(SiteManagerDialog, TabGoesFromSaveThroughTheBoxesToClose) {
+    FormFixture f;
+    qt::SiteManagerDialog d(f.fake.files, &Val);
+    QStringList order;
+    QWidget* w = d.OKButton;
+    do {
+        if ((w->focusPolicy() & Qt::TabFocus) && !w->objectName().isEmpty()) order << w->objectName();
+        w = w->nextInFocusChain();
+    } while (w != d.OKButton && order.size() < 8);
+    EXPECT_EQ(order, QStringList({"OKButton", "TXT_SiteName", "TXT_SSname", "TXT_DNSIP", "TXT_Dport", "TXT_Aport",
+                                  "TXT_DESC", "CancelButton"}));
 }
 
 TEST(AboutDialog, TellsNameVersionAndPictureAndStartsTheSystemInformation) {
