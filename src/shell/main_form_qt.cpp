@@ -77,6 +77,10 @@ std::unique_ptr<MainForm> MainForm::createOn(std::unique_ptr<QtPlatform> platfor
 }
 
 void MainForm::listenTo(QtSocket& socket) {
+    socket_ = &socket;
+    gate_.setAfterHandlers([this] {
+        if (socket_) socket_->readLeftovers();
+    });
     connect(&socket, &QtSocket::connected, this, &MainForm::s_Connect);
     connect(&socket, &QtSocket::dataArrival, this, &MainForm::s_DataArrival);
     connect(&socket, &QtSocket::closed, this, &MainForm::s_Close);
@@ -85,6 +89,12 @@ void MainForm::listenTo(QtSocket& socket) {
 
 template <typename F>
 void MainForm::guarded(const char* handler, F&& f) {
+    gate_.run([&] { tell(handler, f); });
+    scheduleRefresh();
+}
+
+template <typename F>
+void MainForm::tell(const char* handler, F&& f) {
     try {
         f();
     } catch (const std::exception& e) {
@@ -98,7 +108,14 @@ void MainForm::guarded(const char* handler, F&& f) {
         } catch (...) {
         }
     }
+}
+
+bool MainForm::fromOutside(EventGate::Key key, const char* handler, std::function<void()> call) {
+    const bool now = gate_.enter(key, [this, handler, call = std::move(call)] {
+        if (!terminated_) tell(handler, call);
+    });
     scheduleRefresh();
+    return now;
 }
 
 void MainForm::guardedCall(const char* handler, const std::function<void()>& call) { guarded(handler, call); }
@@ -173,7 +190,9 @@ void MainForm::connectControls() {
 void MainForm::startTimers() {
     as_timer_ = new QTimer(this);
     as_timer_->setObjectName(QStringLiteral("as_timer"));
-    connect(as_timer_, &QTimer::timeout, this, [this] { guarded("as_timer_Timer", [&] { client_.as_timer_Timer(); }); });
+    connect(as_timer_, &QTimer::timeout, this, [this] {
+        fromOutside(EventGate::kAsTimer, "as_timer_Timer", [this] { client_.as_timer_Timer(); });
+    });
     as_timer_->start(1000);
 
     // Turns changed status cells grey again, once the panel is fed.
@@ -184,7 +203,7 @@ void MainForm::startTimers() {
     Queue_ = new QTimer(this);
     Queue_->setObjectName(QStringLiteral("Queue"));
     connect(Queue_, &QTimer::timeout, this, [this] {
-        guarded("Queue_Timer", [&] { Queue_->setInterval(client_.Queue_Timer()); });
+        fromOutside(EventGate::kQueueTimer, "Queue_Timer", [this] { Queue_->setInterval(client_.Queue_Timer()); });
     });
     Queue_->start(Sender::kFirstQueueInterval);
 }
@@ -223,19 +242,22 @@ void MainForm::BTN_Flags_Click() {
 }
 
 void MainForm::s_Connect() {
-    guarded("s_Connect", [&] { client_.session.s_Connect(); });
+    fromOutside(EventGate::kEach, "s_Connect", [this] { client_.session.s_Connect(); });
 }
 
 void MainForm::s_DataArrival() {
-    guarded("s_DataArrival", [&] { client_.session.s_DataArrival(); });
+    if (!fromOutside(EventGate::kData, "s_DataArrival", [this] { client_.session.s_DataArrival(); }) && socket_)
+        socket_->dataEventWaits();
 }
 
 void MainForm::s_Close() {
-    guarded("s_Close", [&] { client_.session.s_Close(); });
+    fromOutside(EventGate::kEach, "s_Close", [this] { client_.session.s_Close(); });
 }
 
 void MainForm::s_Error(int number, const QString& description, long long scode) {
-    guarded("s_Error", [&] { client_.session.s_Error(number, toCoreBytes(description), scode); });
+    fromOutside(EventGate::kEach, "s_Error", [this, number, text = toCoreBytes(description), scode] {
+        client_.session.s_Error(number, text, scode);
+    });
 }
 
 void MainForm::resizeEvent(QResizeEvent* e) {
