@@ -113,7 +113,7 @@ TEST(CommandLine, EnterSendsTheLineInTheCodePageAndEmptiesTheBoxEscapeHidesAndKe
 
 class ThrowingSocket : public FakeSocket {
 public:
-    void sendData(const std::string&) override { throw std::runtime_error("socket broke"); }
+    bool sendData(const std::string&) override { throw std::runtime_error("socket broke"); }
 };
 
 TEST(CommandLine, AFailureInTheCoreIsToldOnTheDebugChannelAndTheProgramGoesOn) {
