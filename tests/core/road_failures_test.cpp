@@ -23,9 +23,9 @@ TEST(Sender, AWriteTheSocketRefusesIsToldOnTheDebugWindowAndTheTextIsStillLogged
     // The init string of a site, sent straight on connecting.
     SiteRecord site;
     site.InitString = "hello#10#there";
-    h.c.bar.Sites = {site};
-    h.c.bar.CB_Connections_Click(0);
-    h.c.session.s_Connect();
+    h.c.parts().bar.Sites = {site};
+    h.c.parts().bar.CB_Connections_Click(0);
+    h.c.parts().session.s_Connect();
     EXPECT_NE(h.debugText().find("SendData failed, 11 bytes not sent: hello\r\n"), std::string::npos) << h.debugText();
 }
 
@@ -50,7 +50,7 @@ TEST(LinePipeline, AnyFailureInsideTheRoadEndsTheChunkWithTheLogsErrorLine) {
         ClientHarness h;
         h.openLog();
         FailingTriggers triggers(fail);
-        h.c.pipeline.setTriggers(triggers);
+        h.c.parts().pipeline.setTriggers(triggers);
         EXPECT_NO_THROW(h.receive("a line\r\n"));
         EXPECT_EQ(h.logFile(), "a line\r\n\r\n\r\nERROR : " + error + " on line S_ProcessLines\r\n");
         EXPECT_EQ(h.window(kMainWindow), "a line\r\n");

@@ -30,7 +30,7 @@ TEST(MessageBox, TextSentWhileTheBoxIsUpIsShownLoggedAndMatchedWhenItClosesWitho
     qt::MainForm form(client.platform);
     form.listenTo(client.socket);
     const Client& c = form.client();
-    auto mainWindow = [&] { return std::string(c.windows.text[kMainWindow].text()); };
+    auto mainWindow = [&] { return std::string(c.parts().windows.text[kMainWindow].text()); };
     bool closed = false;
     std::string shownInBox, sentInBox;
     client.host.onMessageBox = [&] {
@@ -40,9 +40,9 @@ TEST(MessageBox, TextSentWhileTheBoxIsUpIsShownLoggedAndMatchedWhenItClosesWitho
         sentInBox = server.received.back();
         closed = true;
     };
-    form.client().bar.Site = "127.0.0.1";
-    form.client().bar.PPort = server.port();
-    form.client().session.CMD_CONNECT_Click();
+    form.client().parts().bar.Site = "127.0.0.1";
+    form.client().parts().bar.PPort = server.port();
+    form.client().parts().session.CMD_CONNECT_Click();
     ASSERT_TRUE(QTest::qWaitFor([&] { return closed; }, 5000));
     EXPECT_EQ(client.host.messages, std::vector<std::string>{"GREETINGS"});
     EXPECT_EQ(shownInBox, "The guard says hello.\r\n");
@@ -52,7 +52,7 @@ TEST(MessageBox, TextSentWhileTheBoxIsUpIsShownLoggedAndMatchedWhenItClosesWitho
     ASSERT_TRUE(QTest::qWaitFor([&] { return server.received.back() == "wave back\r\n"; }, 5000))
         << server.received.back();
     EXPECT_EQ(mainWindow(), "The guard says hello.\r\nThe guard waves.\r\nwave back\r\n");
-    EXPECT_EQ(client.folder.read(c.log.currentPath()),
+    EXPECT_EQ(client.folder.read(c.parts().log.currentPath()),
               "The guard says hello.\r\n\r\nThe guard waves.\r\n\r\nwave back\r\n\r\n");
 }
 
@@ -74,7 +74,7 @@ TEST(MessageBox, AChunkThatArrivesWhileTheBoxIsUpRunsAfterItOnBudgetsOfItsOwn) {
         form.s_DataArrival();  // the socket's event, delivered by the box's loop
         turnTheEventLoop(20);
         sentInBox = f.fake.socket.sent;
-        shownInBox = countOf(form.client().windows.text[kMainWindow].text(), "ping");
+        shownInBox = countOf(form.client().parts().windows.text[kMainWindow].text(), "ping");
     };
     auto* text1 = f.control<QLineEdit>("Text1");
     text1->setText("#msgbox wait");
@@ -84,8 +84,8 @@ TEST(MessageBox, AChunkThatArrivesWhileTheBoxIsUpRunsAfterItOnBudgetsOfItsOwn) {
     EXPECT_EQ(sentInBox, "");
     EXPECT_EQ(shownInBox, 0u);
     EXPECT_EQ(countOf(f.fake.socket.sent, "pong\r\n"), static_cast<std::size_t>(kPings));
-    EXPECT_EQ(countOf(form.client().history.text(), "ping"), static_cast<std::size_t>(kPings));
-    EXPECT_EQ(countOf(f.fake.folder.read(form.client().log.currentPath()), "ping\r\n"),
+    EXPECT_EQ(countOf(form.client().parts().history.text(), "ping"), static_cast<std::size_t>(kPings));
+    EXPECT_EQ(countOf(f.fake.folder.read(form.client().parts().log.currentPath()), "ping\r\n"),
               static_cast<std::size_t>(kPings));
 }
 
