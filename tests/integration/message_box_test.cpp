@@ -56,6 +56,29 @@ TEST(MessageBox, TextSentWhileTheBoxIsUpIsShownLoggedAndMatchedWhenItClosesWitho
               "The guard says hello.\r\n\r\nThe guard waves.\r\n\r\nwave back\r\n\r\n");
 }
 
+TEST(MessageBox, TheServersCloseWhileTheBoxIsUpComesAfterTheTextSentBeforeIt) {
+    ScriptedServer server({"The guard says hello.\r\n"});
+    WirePlatform client;
+    client.folder.write("triggers/box.trigger", "pattern1=says hello\r\naction=#MSGBOX greetings");
+    qt::MainForm form(client.platform);
+    form.listenTo(client.socket);
+    const Client& c = form.client();
+    bool boxClosed = false;
+    client.host.onMessageBox = [&] {
+        server.send("The guard leaves.\r\n");
+        server.current->disconnectFromHost();
+        turnTheEventLoop(300);
+        EXPECT_FALSE(c.connectionBar().connectEnabled) << "the close waits too";
+        boxClosed = true;
+    };
+    form.client().Site_Change("127.0.0.1");
+    form.client().PPort_Change(server.port());
+    form.client().CMD_CONNECT_Click();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return boxClosed && c.connectionBar().connectEnabled; }, 5000));
+    EXPECT_EQ(std::string(c.window(kMainWindow).text()), "The guard says hello.\r\nThe guard leaves.\r\n");
+    EXPECT_EQ(client.folder.read(c.parts().log.currentPath()), "The guard says hello.\r\n\r\nThe guard leaves.\r\n\r\n");
+}
+
 TEST(MessageBox, AChunkThatArrivesWhileTheBoxIsUpRunsAfterItOnBudgetsOfItsOwn) {
     FormFixture f;
     f.fake.folder.write("triggers/ping.trigger", "pattern1=ping\r\naction=pong");
