@@ -28,7 +28,7 @@ struct LargeTable {
     Client c{fp.platform};
     LargeTable() {
         c.Form_Load();
-        fillTable(c.variables);
+        fillTable(c.parts().variables);
     }
 };
 
@@ -48,7 +48,7 @@ void BM_ExpandVars(benchmark::State& state) {
     Client& c = table.c;
     std::mt19937 rng(7);
     const std::string text = referringText(static_cast<std::size_t>(state.range(0)), rng);
-    for (auto _ : state) benchmark::DoNotOptimize(c.variables.S_ExpandVars(text));
+    for (auto _ : state) benchmark::DoNotOptimize(c.parts().variables.S_ExpandVars(text));
     state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * text.size()));
 }
 BENCHMARK(BM_ExpandVars)->Arg(64 << 10)->Arg(256 << 10)->Arg(1 << 20)->Unit(benchmark::kMillisecond);
@@ -61,8 +61,8 @@ void BM_ExpandVarsOnePassPerEntry(benchmark::State& state) {
     const std::string text = referringText(static_cast<std::size_t>(state.range(0)), rng);
     for (auto _ : state) {
         std::string t = text;
-        for (int n = 1; n <= c.variables.VariableCount(); ++n)
-            t = replaceAll(t, "%" + c.variables.entry(n).Name, c.variables.entry(n).Value);
+        for (int n = 1; n <= c.parts().variables.VariableCount(); ++n)
+            t = replaceAll(t, "%" + c.parts().variables.entry(n).Name, c.parts().variables.entry(n).Value);
         benchmark::DoNotOptimize(t);
     }
     state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * text.size()));
@@ -98,9 +98,9 @@ void BM_RunCommands(benchmark::State& state) {
         auto c = std::make_unique<Client>(fp->platform);
         c->Form_Load();
         fp->socket.connected = true;
-        fillTable(c->variables);
+        fillTable(c->parts().variables);
         state.ResumeTiming();
-        c->commands.S_RunCommands(text);
+        c->parts().commands.S_RunCommands(text);
         benchmark::DoNotOptimize(fp->socket.sent.size());
         state.PauseTiming();
         c.reset();
@@ -118,7 +118,7 @@ void BM_OneLongKeywordLine(benchmark::State& state) {
     std::mt19937 rng(13);
     std::string line = "#echo 2 " + referringText(static_cast<std::size_t>(state.range(0)), rng);
     line = replaceAll(line, "\r\n", " ");
-    for (auto _ : state) c.commands.S_RunCommands(line);
+    for (auto _ : state) c.parts().commands.S_RunCommands(line);
     state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * line.size()));
 }
 BENCHMARK(BM_OneLongKeywordLine)->Arg(256 << 10)->Arg(1 << 20)->Unit(benchmark::kMillisecond);

@@ -30,11 +30,11 @@ struct MemoryClient {
         c.Form_Load();
         fp.socket.connected = true;
         files.createDirectories("logs/bench");
-        c.log.open("bench");
+        c.parts().log.open("bench");
     }
     void feed(std::string_view chunk) {
         fp.socket.incoming.assign(chunk);
-        c.session.s_DataArrival();
+        c.parts().session.s_DataArrival();
         fp.socket.sent.clear();
         fp.socket.writes.clear();
     }
@@ -42,7 +42,7 @@ struct MemoryClient {
     // memory stays, so that a pass measures the road and not the kernel
     // handing out fresh pages (BM_ReceiveRoadRun measures that).
     void reset() {
-        c.history.clearForBench();
+        c.parts().history.clearForBench();
         for (auto& [path, text] : files.files) text.clear();
     }
 };
@@ -97,8 +97,8 @@ void BM_WindowAtLimit(benchmark::State& state) {
         state.PauseTiming();
         auto m = std::make_unique<MemoryClient>();
         state.ResumeTiming();
-        for (std::size_t done = 0; done < total; done += chunk.size()) m->c.writer.W_Print(chunk, 0);
-        benchmark::DoNotOptimize(m->c.windows.text[0].size());
+        for (std::size_t done = 0; done < total; done += chunk.size()) m->c.parts().writer.W_Print(chunk, 0);
+        benchmark::DoNotOptimize(m->c.parts().windows.text[0].size());
     }
     state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * total));
 }
@@ -109,8 +109,8 @@ void BM_DebugLogFullWindow(benchmark::State& state) {
     MemoryClient m;
     m.c.setDebugInfo(true);
     const std::string line(60, 'd');
-    for (std::size_t i = 0; i < DebugChannel::kMaxChars / line.size() + 1; ++i) m.c.debug.DebugLog(line);
-    for (auto _ : state) m.c.debug.DebugLog(line);
+    for (std::size_t i = 0; i < DebugChannel::kMaxChars / line.size() + 1; ++i) m.c.parts().debug.DebugLog(line);
+    for (auto _ : state) m.c.parts().debug.DebugLog(line);
     state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * (line.size() + 2)));
 }
 BENCHMARK(BM_DebugLogFullWindow);
@@ -135,7 +135,7 @@ void BM_SendData(benchmark::State& state) {
     std::size_t n = 0;
     for (auto _ : state) {
         std::string line = "say the dragon sleeps;;look north";
-        m.c.sender.S_SendData(line);
+        m.c.parts().sender.S_SendData(line);
         if (++n % 4096 == 0) {
             m.fp.socket.sent.clear();
             m.fp.socket.writes.clear();

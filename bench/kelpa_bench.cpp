@@ -211,8 +211,8 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "socket error %d %s\n", n, d.toLocal8Bit().constData());
         app.exit(1);
     });
-    client.bar.Site = "127.0.0.1";
-    client.bar.PPort = port.toStdString();
+    client.parts().bar.Site = "127.0.0.1";
+    client.parts().bar.PPort = port.toStdString();
     // A player's window is on the screen before a flood comes: the form
     // paints itself once (every control, the fonts) before the connection,
     // so that its first appearance is not counted as a stall of the flood.
@@ -220,7 +220,7 @@ int main(int argc, char** argv) {
     settle.start();
     while (painted.paints == 0 && settle.elapsed() < 2000) app.processEvents(QEventLoop::AllEvents, 10);
     app.processEvents();
-    client.session.CMD_CONNECT_Click();
+    client.parts().session.CMD_CONNECT_Click();
     if (app.exec() != 0 || t1 == 0) return 1;
 
     rusage ru{};
@@ -232,12 +232,12 @@ int main(int argc, char** argv) {
     // Every byte received is in the history, with the telnet answers and
     // the typed lines that were sent between the chunks.
     // Read back after the memory figure was taken.
-    const std::string history = client.history.text();
+    const std::string history = client.parts().history.text();
     const std::string answer("\xFF\xFA\x18\x00" "ANSI" "\x00\xFF\xF0", 11);
     const long long answers = countOf(history, answer);
     std::string log;
     {
-        std::ifstream in(folder.filePath(QString::fromStdString(client.log.currentPath())).toStdString(),
+        std::ifstream in(folder.filePath(QString::fromStdString(client.parts().log.currentPath())).toStdString(),
                          std::ios::binary);
         std::stringstream ss;
         ss << in.rdbuf();
@@ -252,7 +252,7 @@ int main(int argc, char** argv) {
     const long long abandoned = countOf(log, "\r\nERROR : ");
 
     std::printf("mode=%s\ntriggers=%d\n", repeated ? "typing" : "flood", triggers);
-    if (triggers > 0) std::printf("fired=%s\n", client.variables.S_ExpandVars("%HITS").c_str());
+    if (triggers > 0) std::printf("fired=%s\n", client.parts().variables.S_ExpandVars("%HITS").c_str());
     std::printf("bytes=%lld\nseconds=%.3f\nMB/s=%.1f\n", received, seconds, received / 1e6 / seconds);
     // The history's file is memory too, held by the kernel for the program.
     const double historyFileMB = static_cast<double>(form->qtPlatform()->history.bytes()) / 1048576.0;
@@ -262,7 +262,7 @@ int main(int argc, char** argv) {
     std::printf("longest_stall_ms=%.2f\n", longestStall / 1e6);
     std::printf("repaints=%lld\nrepaints_per_s=%.1f\n", paints, paints / seconds);
     std::printf("repaints_within_2ms=%lld\n", painted.close);
-    std::printf("window0_chars=%zu\n", client.windows.text[kMainWindow].size());
+    std::printf("window0_chars=%zu\n", client.parts().windows.text[kMainWindow].size());
     std::printf("log_bytes=%zu\nlog_abandoned_chunks=%lld\n", log.size(), abandoned);
     if (!repeated) {
         const bool ok = received == bytes && answers == counts.at("do24") && esc == counts.at("sgr") &&

@@ -64,7 +64,7 @@ struct Road {
         writeTriggers(fp, patterns(triggers));
         c.Form_Load();
         fp.socket.connected = true;
-        c.session.s_Connect();
+        c.parts().session.s_Connect();
     }
 };
 
@@ -81,11 +81,11 @@ void BM_ReceiveRoadWithTriggers(benchmark::State& state) {
             road.fp.socket.writes.clear();
             road.fp.socket.sent.clear();
             // The run's raw text would otherwise grow for the whole bench.
-            road.c.history.clearForBench();
+            road.c.parts().history.clearForBench();
         }
         road.fp.socket.incoming = data.substr(pos, chunk);
         pos += chunk;
-        road.c.session.s_DataArrival();
+        road.c.parts().session.s_DataArrival();
     }
     fired += road.fp.socket.writes.size();
     state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * chunk));
@@ -99,14 +99,14 @@ BENCHMARK(BM_ReceiveRoadWithTriggers)->Arg(0)->Arg(100)->Arg(1000)->Arg(10000)->
 class PlainWalk : public TriggerPasses {
 public:
     explicit PlainWalk(Client& c) : c_(c) {}
-    void matchGlobal(std::string_view chunk) override { walk(c_.triggers.GlobalTriggerTable, chunk); }
-    bool hasLineTriggers() const override { return !c_.triggers.TriggerTable.empty(); }
-    void matchLine(std::string_view line) override { walk(c_.triggers.TriggerTable, line); }
+    void matchGlobal(std::string_view chunk) override { walk(c_.parts().triggers.GlobalTriggerTable, chunk); }
+    bool hasLineTriggers() const override { return !c_.parts().triggers.TriggerTable.empty(); }
+    void matchLine(std::string_view line) override { walk(c_.parts().triggers.TriggerTable, line); }
 
 private:
     void walk(const TriggerRecords& table, std::string_view text) {
         for (const TriggerRecord& r : table) {
-            if (!TriggerStore::flagsPass(r, c_.flags)) continue;
+            if (!TriggerStore::flagsPass(r, c_.parts().flags)) continue;
             bool pass = true;
             for (int g = 1; g <= r.PatternGroupCount; ++g) {
                 pass = true;
@@ -114,7 +114,7 @@ private:
                     if (text.empty() || text.find(p) == std::string_view::npos) pass = false;
                 if (pass) break;
             }
-            if (pass) c_.commands.S_RunCommands(TriggerStore::commandText(r.Action, text));
+            if (pass) c_.parts().commands.S_RunCommands(TriggerStore::commandText(r.Action, text));
         }
     }
     Client& c_;
@@ -124,7 +124,7 @@ void BM_ReceiveRoadPlainWalk(benchmark::State& state) {
     const int n = static_cast<int>(state.range(0));
     Road road(n);
     PlainWalk plain(road.c);
-    road.c.pipeline.setTriggers(plain);
+    road.c.parts().pipeline.setTriggers(plain);
     const std::string data = stream(1 << 20, patterns(std::max(n, 100)));
     const std::size_t chunk = 4096;
     std::size_t pos = 0;
@@ -132,7 +132,7 @@ void BM_ReceiveRoadPlainWalk(benchmark::State& state) {
         if (pos >= data.size()) pos = 0;
         road.fp.socket.incoming = data.substr(pos, chunk);
         pos += chunk;
-        road.c.session.s_DataArrival();
+        road.c.parts().session.s_DataArrival();
     }
     state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * chunk));
 }
@@ -142,7 +142,7 @@ void BM_LoadTriggerFiles(benchmark::State& state) {
     Road road(0);
     writeTriggers(road.fp, patterns(static_cast<int>(state.range(0))));
     for (auto _ : state) road.c.LoadTriggers();
-    state.counters["records"] = road.c.triggers.TriggerCount();
+    state.counters["records"] = road.c.parts().triggers.TriggerCount();
 }
 BENCHMARK(BM_LoadTriggerFiles)->Arg(10000)->Unit(benchmark::kMillisecond);
 
@@ -165,7 +165,7 @@ void BM_ReactionTime(benchmark::State& state) {
             road.fp.socket.incoming = before + "You see " + pats[static_cast<std::size_t>(i)] + " here.\r\n";
             sentAt = {};
             start = std::chrono::steady_clock::now();
-            road.c.session.s_DataArrival();
+            road.c.parts().session.s_DataArrival();
             us.push_back(std::chrono::duration<double, std::micro>(sentAt - start).count());
         }
         road.fp.socket.sent.clear();

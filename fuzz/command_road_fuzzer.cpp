@@ -37,7 +37,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Client c(fp.platform);
     c.Form_Load();
     c.setDebugInfo(size % 2 == 0);
-    c.commands.S_RunCommands(std::string(reinterpret_cast<const char*>(data), size));
-    for (int i = 0; i < 64 && c.sender.queued() > 0; ++i) c.Queue_Timer();
+    c.parts().commands.S_RunCommands(std::string(reinterpret_cast<const char*>(data), size));
+    for (int i = 0; i < 64 && c.parts().sender.queued() > 0; ++i) c.Queue_Timer();
     return 0;
 }

@@ -21,7 +21,7 @@ struct FuzzClient {
         c.Form_Load();
         socket.connected = true;
         files.createDirectories("logs/fuzz");
-        c.log.open("fuzz");
+        c.parts().log.open("fuzz");
     }
 };
 

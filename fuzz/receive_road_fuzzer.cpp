@@ -31,21 +31,21 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const auto len = in.ConsumeIntegralInRange<std::size_t>(0, 8192);
         if (op & 0x80) {
             switch (op & 3) {
-                case 0: f.c.setGraphics(!f.c.windows.Graphics); break;
-                case 1: f.c.setCleanerText(!f.c.pipeline.CleanerText); break;
-                case 2: f.c.windows.state[kMainWindow].Ink = !f.c.windows.state[kMainWindow].Ink; break;
-                case 3: f.c.setDebugInfo(!f.c.debug.enabled); break;
+                case 0: f.c.setGraphics(!f.c.parts().windows.Graphics); break;
+                case 1: f.c.setCleanerText(!f.c.parts().pipeline.CleanerText); break;
+                case 2: f.c.parts().windows.state[kMainWindow].Ink = !f.c.parts().windows.state[kMainWindow].Ink; break;
+                case 3: f.c.setDebugInfo(!f.c.parts().debug.enabled); break;
             }
         }
         std::string chunk = in.ConsumeBytesAsString(len);
         f.socket.incoming = chunk;
-        f.c.session.s_DataArrival();
-        if (!f.c.windows.Graphics)
+        f.c.parts().session.s_DataArrival();
+        if (!f.c.parts().windows.Graphics)
             for (char& ch : chunk) ch = asciiForBox(ch);
         expected += chunk;
-        if (f.c.windows.text[kMainWindow].size() > 3500) std::abort();
+        if (f.c.parts().windows.text[kMainWindow].size() > 3500) std::abort();
     }
-    const std::string history = f.c.history.text();
+    const std::string history = f.c.parts().history.text();
     if (history.size() < expected.size()) std::abort();
     // Telnet answers are sent and join the history between chunks; the
     // received bytes keep their order around them.

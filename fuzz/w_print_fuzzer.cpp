@@ -19,20 +19,20 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const auto len = in.ConsumeIntegralInRange<std::size_t>(0, 4096);
         const std::string text = in.ConsumeBytesAsString(len);
         try {
-            f.c.writer.W_Print(text, win);
+            f.c.parts().writer.W_Print(text, win);
         } catch (const RunError&) {
             // A sequence that cannot be taken apart ends the call by design.
         }
         for (int w = 0; w < kWindowCount; ++w) {
             const auto limit = static_cast<std::size_t>(windowInfo(w).tagLimit);
-            if (limit && w != kDebugWindow && f.c.windows.text[w].size() > limit) std::abort();
+            if (limit && w != kDebugWindow && f.c.parts().windows.text[w].size() > limit) std::abort();
             // Every character is covered by one run.
             std::size_t covered = 0;
-            f.c.windows.text[w].forEachRun([&](const OutputWindow::Run& r) {
+            f.c.parts().windows.text[w].forEachRun([&](const OutputWindow::Run& r) {
                 if (r.begin != covered) std::abort();
                 covered = r.end;
             });
-            if (covered != f.c.windows.text[w].size()) std::abort();
+            if (covered != f.c.parts().windows.text[w].size()) std::abort();
         }
     }
     return 0;

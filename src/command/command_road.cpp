@@ -4,40 +4,31 @@
 
 namespace kelpa {
 
-namespace {
-
-struct Nesting {
-    explicit Nesting(int& depth) : depth_(depth) { ++depth_; }
-    ~Nesting() { --depth_; }
-    int& depth_;
-};
-
-}  // namespace
-
 void CommandRoad::S_RunCommands(std::string text) {
-    if (depth_ == 0) {
+    const int depth = depth_.current();
+    if (depth == 0) {
         nestedTexts_ = 0;
         nestedBytes_ = 0;
         workSpent_ = false;
         workStart_ = workMeter_ ? workMeter_() : 0;
     }
     if (workSpent_) return;
-    if (depth_ >= kNestingLimit || (depth_ > 0 && nestedTexts_ >= kNestedTextBudget)) {
+    if (depth_.full() || (depth > 0 && nestedTexts_ >= kNestedTextBudget)) {
         const std::string trimmed = trimBlanks(text);
         if (trimmed.empty()) return;
         const std::string head = trimmed.substr(0, trimmed.find("\r\n"));
-        if (depth_ >= kNestingLimit)
+        if (depth_.full())
             debug_.DebugLog("Commands nested more than " + decimal(kNestingLimit) + " deep, not run: " + head);
         else if (nestedTexts_++ == kNestedTextBudget)
             debug_.DebugLog("More than " + decimal(kNestedTextBudget) + " nested commands in one run, stopped at: " +
                             head);
         return;
     }
-    if (depth_ > 0) {
+    if (depth > 0) {
         ++nestedTexts_;
         nestedBytes_ += text.size();
     }
-    const Nesting nesting(depth_);
+    const Depth::Level level = depth_.enter();
     // A loop in place of one level of recursion per line. Trimming the rest
     // at each turn only ever removes blanks at its front: its end is the
     // end of the text, trimmed once.

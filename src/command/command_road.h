@@ -7,6 +7,7 @@
 #include <string>
 
 #include "command/sender.h"
+#include "common/depth.h"
 #include "output/debug_channel.h"
 
 namespace kelpa {
@@ -51,7 +52,7 @@ private:
     LineHandler runKeyword_;
     Expander expand_;
     std::function<std::uint64_t()> workMeter_;
-    int depth_ = 0;
+    Depth depth_{kNestingLimit};
     int nestedTexts_ = 0;
     std::uint64_t workStart_ = 0;
     std::uint64_t nestedBytes_ = 0;

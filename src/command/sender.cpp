@@ -17,7 +17,7 @@ void Sender::S_SendData(std::string& X) {
         // still kept and sent.
     }
     history_.append(X);
-    socket_.sendData(X);
+    if (!socket_.sendData(X)) debug_.DebugLog(Socket::refusedLine(X));
 }
 
 void Sender::s_queuedata(std::string& X) {

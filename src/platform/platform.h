@@ -21,8 +21,16 @@ public:
     virtual int state() const = 0;
     // Takes every byte that has arrived.
     virtual std::string getData() = 0;
-    // Sends the bytes as they are; no terminator added.
-    virtual void sendData(const std::string& bytes) = 0;
+    // Sends the bytes as they are; no terminator added. False when the
+    // socket refused them.
+    virtual bool sendData(const std::string& bytes) = 0;
+
+    // The debug line for bytes that sendData refused: their count and their
+    // first line.
+    static std::string refusedLine(const std::string& bytes) {
+        return "SendData failed, " + std::to_string(bytes.size()) + " bytes not sent: " +
+               bytes.substr(0, bytes.find_first_of("\r\n"));
+    }
 };
 
 struct Date {
@@ -45,8 +53,9 @@ public:
     virtual double next() = 0;
 };
 
-// An open file that takes whole texts; every write reaches the disk before
-// it returns, so a crash loses nothing already written.
+// An open file that takes whole texts; every write reaches the kernel before
+// it returns, so the end of the program in any way loses nothing already
+// written.
 class AppendFile {
 public:
     virtual ~AppendFile() = default;

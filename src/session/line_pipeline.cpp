@@ -1,5 +1,7 @@
 #include "session/line_pipeline.h"
 
+#include <new>
+
 #include "common/run_error.h"
 #include "common/text.h"
 
@@ -18,18 +20,23 @@ void LinePipeline::cleanerText(std::string& data) {
 }
 
 void LinePipeline::S_ProcessLines(std::string& data) {
-    struct Nesting {
-        int& n;
-        explicit Nesting(int& depth) : n(depth) { ++n; }
-        ~Nesting() { --n; }
-    } nesting(nesting_);
+    const Depth::Level level = nesting_.enter();
     try {
         run(data);
     } catch (const RunError& e) {
-        if (dynamic_cast<const NestingTooDeep*>(&e) && nesting_ > 1) throw;
-        log_.print("\r\nERROR : " + decimal(e.number()) + "/" + e.what() + " on line " +
-                   e.source());
+        if (dynamic_cast<const NestingTooDeep*>(&e) && nesting_.current() > 1) throw;
+        printError(e.number(), e.what(), e.source());
+    } catch (const std::bad_alloc&) {
+        // Any failure below ends the chunk the same way, never escaping to
+        // a handler that would tell it elsewhere.
+        printError(7, "Out of memory", "S_ProcessLines");
+    } catch (const std::exception& e) {
+        printError(51, e.what(), "S_ProcessLines");
     }
+}
+
+void LinePipeline::printError(int number, const std::string& description, const std::string& source) {
+    log_.print("\r\nERROR : " + decimal(number) + "/" + description + " on line " + source);
 }
 
 void LinePipeline::run(std::string& data) {
@@ -41,8 +48,9 @@ void LinePipeline::run(std::string& data) {
     // The lines are fixed before the first action runs. Each nesting level
     // keeps its copy's memory: a fresh copy of a large chunk would fault in
     // new pages every time.
-    if (copies_.size() < static_cast<std::size_t>(nesting_)) copies_.resize(static_cast<std::size_t>(nesting_));
-    std::string& chunk = copies_[static_cast<std::size_t>(nesting_) - 1];
+    const auto level = static_cast<std::size_t>(nesting_.current());
+    if (copies_.size() < level) copies_.resize(level);
+    std::string& chunk = copies_[level - 1];
     chunk.assign(data);
     triggers_->matchLines(chunk);
 }

@@ -5,6 +5,7 @@
 #include <deque>
 #include <string>
 
+#include "common/depth.h"
 #include "history/session_log.h"
 #include "output/output_writer.h"
 #include "triggers/trigger_passes.h"
@@ -28,11 +29,12 @@ public:
 
 private:
     void run(std::string& data);
+    void printError(int number, const std::string& description, const std::string& source);
 
     OutputWriter& writer_;
     SessionLog& log_;
     TriggerPasses* triggers_;
-    int nesting_ = 0;
+    Depth nesting_;
     std::deque<std::string> copies_;  // the line pass's copy of the chunk, per nesting level
 };
 

@@ -25,7 +25,8 @@ void ServerSession::s_Connect() {
     const SiteRecord* site = bar_.selected();
     if (!site || site->InitString.empty()) return;
     // Straight to the socket: not echoed, logged or kept.
-    p_.socket.sendData(expandInitString(site->InitString));
+    const std::string init = expandInitString(site->InitString);
+    if (!p_.socket.sendData(init)) debug_.DebugLog(Socket::refusedLine(init));
 }
 
 void ServerSession::closeLog() {

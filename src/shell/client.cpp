@@ -2,7 +2,7 @@
 
 namespace kelpa {
 
-Client::Client(Platform& p)
+ClientParts::ClientParts(Platform& p)
     : platform(p),
       debug(windows.text[kDebugWindow]),
       telnet(windows, debug),
@@ -31,57 +31,59 @@ Client::Client(Platform& p)
 
 void Client::Form_Load() {
     // The box-drawing table is constant data (output/box_chars.h).
-    windows.Graphics = true;
-    pipeline.CleanerText = true;
-    windows.resetStates();
-    log.LogDate = platform.clock.today();
-    LoadTriggers();
-    flags.reset();
-    platform.random.seed(static_cast<std::uint32_t>(platform.clock.secondsSinceMidnight()));
-    bar.reload(platform.files, [this](const std::string& w) { debug.DebugLog(w); });
-    triggerEditor.brefresh2_Click();
-    macroEditor.brefresh3_Click();
-    triggerEditor.btnTRGNew_Click();
-    macroEditor.BTNMacrosNew_Click();
+    p_.windows.Graphics = true;
+    p_.pipeline.CleanerText = true;
+    p_.windows.resetStates();
+    p_.log.LogDate = p_.platform.clock.today();
+    p_.LoadTriggers();
+    p_.flags.reset();
+    p_.platform.random.seed(static_cast<std::uint32_t>(p_.platform.clock.secondsSinceMidnight()));
+    p_.bar.reload(p_.platform.files, [this](const std::string& w) { p_.debug.DebugLog(w); });
+    p_.triggerEditor.brefresh2_Click();
+    p_.macroEditor.brefresh3_Click();
+    p_.triggerEditor.btnTRGNew_Click();
+    p_.macroEditor.BTNMacrosNew_Click();
 }
 
-void Client::LoadTriggers() {
+void ClientParts::LoadTriggers() {
     variables.clear();
     triggers.LoadTriggers();
 }
 
 void Client::SiteManagerClosed() {
-    bar.reload(platform.files, [this](const std::string& w) { debug.DebugLog(w); });
+    p_.bar.reload(p_.platform.files, [this](const std::string& w) { p_.debug.DebugLog(w); });
 }
 
 void Client::startupNote(const std::string& line) {
-    const bool on = debug.enabled;
-    debug.enabled = true;
-    debug.DebugLog(line);
-    debug.enabled = on;
+    const bool on = p_.debug.enabled;
+    p_.debug.enabled = true;
+    p_.debug.DebugLog(line);
+    p_.debug.enabled = on;
 }
 
-void Client::Form_Unload() { platform.socket.close(); }
+void Client::LoadTriggers() { p_.LoadTriggers(); }
+
+void Client::Form_Unload() { p_.platform.socket.close(); }
 
 void Client::Form_Terminate() {
-    log.close();
-    platform.socket.close();
+    p_.log.close();
+    p_.platform.socket.close();
 }
 
 void Client::as_timer_Timer() {
-    if (platform.files.exists(kShowFile)) {
-        platform.files.remove(kShowFile);
-        platform.host.showMainForm();
+    if (p_.platform.files.exists(kShowFile)) {
+        p_.platform.files.remove(kShowFile);
+        p_.platform.host.showMainForm();
     }
-    log.checkDayChange(bar.CurrentSite.ShortName);
+    p_.log.checkDayChange(p_.bar.CurrentSite.ShortName);
 }
 
-int Client::Queue_Timer() { return sender.queueTick(); }
+int Client::Queue_Timer() { return p_.sender.queueTick(); }
 
-void Client::Text1_Enter(std::string text) { commands.enterText(std::move(text)); }
+void Client::Text1_Enter(std::string text) { p_.commands.enterText(std::move(text)); }
 
-void Client::Text1_Escape() { platform.host.hideMainForm(); }
+void Client::Text1_Escape() { p_.platform.host.hideMainForm(); }
 
-void Client::Bulk_Send(std::string text) { commands.enterText(std::move(text)); }
+void Client::Bulk_Send(std::string text) { p_.commands.enterText(std::move(text)); }
 
 }  // namespace kelpa

@@ -46,9 +46,9 @@ void MainForm::buildLeftColumn() {
     CB_Connections_ = new QComboBox(this);
     CB_Connections_->setObjectName(QStringLiteral("CB_Connections"));
     CB_Connections_->setEditable(false);
-    Site_ = textBox("Site", client_.bar.Site, this);
-    PPort_ = textBox("PPort", client_.bar.PPort, this);
-    SPort_ = textBox("SPort", client_.bar.SPort, this);
+    Site_ = textBox("Site", client_.connectionBar().Site, this);
+    PPort_ = textBox("PPort", client_.connectionBar().PPort, this);
+    SPort_ = textBox("SPort", client_.connectionBar().SPort, this);
     CMD_CONNECT_ = button("CMD_CONNECT", "C&onnect", this);
     CMD_DISCONNECT_ = button("CMD_DISCONNECT", "&Disconnect", this);
     CMD_DISCONNECT_->setEnabled(false);
@@ -92,11 +92,11 @@ void MainForm::buildToolsPage(QWidget* page) {
     QWidget* history = ToolsTabs_->addPage(QStringLiteral("History"));
     makeView(kHistView, history);
     buildHistoryPage(history);
-    triggerPage_ = new TriggerPage(ToolsTabs_->addPage(QStringLiteral("Triggers")), client_.triggerEditor,
+    triggerPage_ = new TriggerPage(ToolsTabs_->addPage(QStringLiteral("Triggers")), client_.triggerEditor(),
                                    [this](const char* handler, const std::function<void()>& call) {
                                        guardedCall(handler, call);
                                    });
-    macroPage_ = new MacroPage(client_.macroEditor,
+    macroPage_ = new MacroPage(client_.macroEditor(),
                                [this](const char* handler, const std::function<void()>& call) {
                                    guardedCall(handler, call);
                                },
@@ -104,7 +104,7 @@ void MainForm::buildToolsPage(QWidget* page) {
 }
 
 OutputView* MainForm::makeView(int win, QWidget* parent) {
-    auto* v = new OutputView(client_.windows.text[static_cast<std::size_t>(win)], windowInfo(win), parent);
+    auto* v = new OutputView(client_.window(win), windowInfo(win), parent);
     views_[static_cast<std::size_t>(win)] = v;
     return v;
 }

@@ -42,8 +42,8 @@ MainForm::MainForm(Platform& platform, QWidget* parent) : QWidget(parent), clien
     buildLeftColumn();
     buildWorkArea();
     bulk_ = new BulkDialog(this);
-    flags_ = new FlagsForm(client_.flags, [this](int i, bool on) {
-        guarded("TRGFLAG_Click", [&] { client_.flags.set(i, on); });
+    flags_ = new FlagsForm(client_.flags(), [this](int i, bool on) {
+        guarded("TRGFLAG_Click", [&] { client_.TRGFLAG_Click(i, on); });
     }, this);
     for (QWidget* dialog : {static_cast<QWidget*>(bulk_), static_cast<QWidget*>(flags_)})
         dialog->setAttribute(Qt::WA_QuitOnClose, false);
@@ -74,11 +74,15 @@ std::unique_ptr<MainForm> MainForm::createOn(std::unique_ptr<QtPlatform> platfor
     f->ownPlatform_ = std::move(platform);
     p.host.attach(f, f->Text1_);
     f->listenTo(p.socket);
-    if (p.history.usable()) f->client_.history.setStore(&p.history);
+    if (p.history.usable()) f->client_.setHistoryStore(&p.history);
     return form;
 }
 
 void MainForm::listenTo(QtSocket& socket) {
+    socket_ = &socket;
+    gate_.setAfterHandlers([this] {
+        if (socket_) socket_->readLeftovers();
+    });
     connect(&socket, &QtSocket::connected, this, &MainForm::s_Connect);
     connect(&socket, &QtSocket::dataArrival, this, &MainForm::s_DataArrival);
     connect(&socket, &QtSocket::closed, this, &MainForm::s_Close);
@@ -87,20 +91,33 @@ void MainForm::listenTo(QtSocket& socket) {
 
 template <typename F>
 void MainForm::guarded(const char* handler, F&& f) {
+    gate_.run([&] { tell(handler, f); });
+    scheduleRefresh();
+}
+
+template <typename F>
+void MainForm::tell(const char* handler, F&& f) {
     try {
         f();
     } catch (const std::exception& e) {
         try {
-            client_.debug.DebugLog(std::string(handler) + ": " + e.what());
+            client_.DebugLog(std::string(handler) + ": " + e.what());
         } catch (...) {
         }
     } catch (...) {
         try {
-            client_.debug.DebugLog(std::string(handler) + ": unknown failure");
+            client_.DebugLog(std::string(handler) + ": unknown failure");
         } catch (...) {
         }
     }
+}
+
+bool MainForm::fromOutside(EventGate::Key key, const char* handler, std::function<void()> call) {
+    const bool now = gate_.enter(key, [this, handler, call = std::move(call)] {
+        if (!terminated_) tell(handler, call);
+    });
     scheduleRefresh();
+    return now;
 }
 
 void MainForm::guardedCall(const char* handler, const std::function<void()>& call) { guarded(handler, call); }
@@ -117,21 +134,21 @@ void MainForm::syncFromCore() {
     triggerPage_->sync();
     macroPage_->sync();
     // The captions of the custom tabs are the labels that LABELWINDOW gives.
-    const TabCaptions& tabs = client_.keywords.tabs;
+    const TabCaptions& tabs = client_.tabCaptions();
     if (tabs.revision != shownTabCaptions_) {
         shownTabCaptions_ = tabs.revision;
         for (int i = 0; i < TabCaptions::kCount; ++i)
             SSTab1_->setTabCaption(i, toQString(tabs.caption[static_cast<std::size_t>(i)]));
     }
-    for (auto [box, on] : {std::pair{IG_, client_.windows.Graphics}, {CT_, client_.pipeline.CleanerText},
-                           {DebugInfo_, client_.debug.enabled}}) {
+    for (auto [box, on] : {std::pair{IG_, client_.graphics()}, {CT_, client_.cleanerText()},
+                           {DebugInfo_, client_.debugInfo()}}) {
         const QSignalBlocker block(box);
         box->setChecked(on);
     }
 }
 
 void MainForm::syncConnectionBar() {
-    const ConnectionBar& bar = client_.bar;
+    const ConnectionBar& bar = client_.connectionBar();
     if (bar.items != shownSites_) {
         const QSignalBlocker block(CB_Connections_);
         CB_Connections_->clear();
@@ -151,16 +168,16 @@ void MainForm::syncConnectionBar() {
 
 void MainForm::connectControls() {
     connect(CB_Connections_, &QComboBox::activated, this,
-            [this](int i) { guarded("CB_Connections_Click", [&] { client_.bar.CB_Connections_Click(i); }); });
-    for (auto [box, field] : {std::pair{Site_, &ConnectionBar::Site}, {PPort_, &ConnectionBar::PPort},
-                              {SPort_, &ConnectionBar::SPort}})
-        connect(box, &QLineEdit::textEdited, this, [this, field](const QString& t) {
-            guarded("TextBox_Change", [&] { client_.bar.*field = toCoreBytes(t); });
+            [this](int i) { guarded("CB_Connections_Click", [&] { client_.CB_Connections_Click(i); }); });
+    for (auto [box, change] : {std::pair{Site_, &Client::Site_Change}, {PPort_, &Client::PPort_Change},
+                               {SPort_, &Client::SPort_Change}})
+        connect(box, &QLineEdit::textEdited, this, [this, change](const QString& t) {
+            guarded("TextBox_Change", [&] { (client_.*change)(toCoreBytes(t)); });
         });
     connect(CMD_CONNECT_, &QPushButton::clicked, this,
-            [this] { guarded("CMD_CONNECT_Click", [&] { client_.session.CMD_CONNECT_Click(); }); });
+            [this] { guarded("CMD_CONNECT_Click", [&] { client_.CMD_CONNECT_Click(); }); });
     connect(CMD_DISCONNECT_, &QPushButton::clicked, this,
-            [this] { guarded("CMD_DISCONNECT_Click", [&] { client_.session.CMD_DISCONNECT_Click(); }); });
+            [this] { guarded("CMD_DISCONNECT_Click", [&] { client_.CMD_DISCONNECT_Click(); }); });
     connect(DebugInfo_, &QCheckBox::toggled, this,
             [this](bool on) { guarded("DebugInfo_Click", [&] { client_.setDebugInfo(on); }); });
     connect(IG_, &QCheckBox::toggled, this,
@@ -179,7 +196,9 @@ void MainForm::connectControls() {
 void MainForm::startTimers() {
     as_timer_ = new QTimer(this);
     as_timer_->setObjectName(QStringLiteral("as_timer"));
-    connect(as_timer_, &QTimer::timeout, this, [this] { guarded("as_timer_Timer", [&] { client_.as_timer_Timer(); }); });
+    connect(as_timer_, &QTimer::timeout, this, [this] {
+        fromOutside(EventGate::kAsTimer, "as_timer_Timer", [this] { client_.as_timer_Timer(); });
+    });
     as_timer_->start(1000);
 
     // Turns changed status cells grey again, once the panel is fed.
@@ -190,7 +209,7 @@ void MainForm::startTimers() {
     Queue_ = new QTimer(this);
     Queue_->setObjectName(QStringLiteral("Queue"));
     connect(Queue_, &QTimer::timeout, this, [this] {
-        guarded("Queue_Timer", [&] { Queue_->setInterval(client_.Queue_Timer()); });
+        fromOutside(EventGate::kQueueTimer, "Queue_Timer", [this] { Queue_->setInterval(client_.Queue_Timer()); });
     });
     Queue_->start(Sender::kFirstQueueInterval);
 }
@@ -229,19 +248,22 @@ void MainForm::BTN_Flags_Click() {
 }
 
 void MainForm::s_Connect() {
-    guarded("s_Connect", [&] { client_.session.s_Connect(); });
+    fromOutside(EventGate::kEach, "s_Connect", [this] { client_.s_Connect(); });
 }
 
 void MainForm::s_DataArrival() {
-    guarded("s_DataArrival", [&] { client_.session.s_DataArrival(); });
+    if (!fromOutside(EventGate::kData, "s_DataArrival", [this] { client_.s_DataArrival(); }) && socket_)
+        socket_->dataEventWaits();
 }
 
 void MainForm::s_Close() {
-    guarded("s_Close", [&] { client_.session.s_Close(); });
+    fromOutside(EventGate::kEach, "s_Close", [this] { client_.s_Close(); });
 }
 
 void MainForm::s_Error(int number, const QString& description, long long scode) {
-    guarded("s_Error", [&] { client_.session.s_Error(number, toCoreBytes(description), scode); });
+    fromOutside(EventGate::kEach, "s_Error", [this, number, text = toCoreBytes(description), scode] {
+        client_.s_Error(number, text, scode);
+    });
 }
 
 void MainForm::resizeEvent(QResizeEvent* e) {

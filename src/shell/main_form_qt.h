@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "shell/client.h"
+#include "shell/event_gate.h"
 #include "shell/form_layout.h"
 #include "status/status_panel_qt.h"
 
@@ -63,7 +64,8 @@ public:
     // The socket's events reach the handlers below.
     void listenTo(QtSocket& socket);
 
-    // The socket's events.
+    // The socket's events. Each waits while a handler is busy (a modal box
+    // is up) and runs once it is over.
     void s_Connect();
     void s_DataArrival();
     void s_Close();
@@ -80,6 +82,10 @@ private:
     template <typename F>
     void guarded(const char* handler, F&& f);
     void guardedCall(const char* handler, const std::function<void()>& call);
+    template <typename F>
+    void tell(const char* handler, F&& f);
+    // A socket event or timer tick: runs at once, or waits at the gate.
+    bool fromOutside(EventGate::Key key, const char* handler, std::function<void()> call);
     void scheduleRefresh();
     void terminate();
 
@@ -107,6 +113,8 @@ private:
     FormLayout layout_;
     std::map<std::string, QWidget*> laidOut_;
     bool terminated_ = false;
+    EventGate gate_;
+    QtSocket* socket_ = nullptr;
 
     QTimer refresh_;
     QTimer* as_timer_ = nullptr;

@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QDate>
 #include <QDir>
+#include <QFileInfo>
 #include <QMessageBox>
 #include <QTime>
 #include <QWidget>
@@ -23,7 +24,15 @@ Date QtClock::today() const {
 
 int QtClock::secondsSinceMidnight() const { return QTime::currentTime().msecsSinceStartOfDay() / 1000; }
 
-QtHost::QtHost() : lock_(std::make_unique<QLockFile>(QDir::temp().filePath(QStringLiteral("kelpa.lock")))) {
+QString QtHost::lockFilePath() {
+    // The user's own runtime folder: another user's Kelpa is no "previous
+    // instance", and no one else can take or remove the file.
+    const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    if (!runtime.isEmpty() && QFileInfo(runtime).isDir()) return QDir(runtime).filePath(QStringLiteral("kelpa.lock"));
+    return QDir::temp().filePath(QStringLiteral("kelpa-%1.lock").arg(getuid()));
+}
+
+QtHost::QtHost() : lock_(std::make_unique<QLockFile>(lockFilePath())) {
     lock_->setStaleLockTime(0);
     previous_ = !lock_->tryLock(0);
 }

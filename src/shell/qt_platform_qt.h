@@ -39,6 +39,10 @@ public:
     long long instanceHandle() const override;
     bool previousInstance() const override { return previous_; }
 
+    // The lock that tells a running Kelpa of the same user: in
+    // XDG_RUNTIME_DIR, or in the temporary folder under the user's number.
+    static QString lockFilePath();
+
 private:
     QPointer<QWidget> window_;
     QPointer<QWidget> commandLine_;

@@ -24,9 +24,10 @@ QtSocket::QtSocket(QObject* parent) : QObject(parent) {
 void QtSocket::connect(const std::string& host, const std::string& port) {
     open_ = false;
     closing_ = false;
+    dataWaits_ = false;
     socket_.abort();
-    const int p = leadingInt32(port);
-    if (p <= 0 || p > 65535) {
+    const int p = portNumber(port);
+    if (p == 0) {
         // What the old control said of a connection to an impossible port.
         QTimer::singleShot(0, this, [this] { fail(10049, QStringLiteral("Address not available")); });
         return;
@@ -40,6 +41,7 @@ void QtSocket::connect(const std::string& host, const std::string& port) {
 void QtSocket::close() {
     open_ = false;
     closing_ = false;
+    dataWaits_ = false;
     socket_.close();
 }
 
@@ -48,6 +50,7 @@ std::string QtSocket::getData() {
     // turning between chunks, and the chunks reuse memory instead of
     // taking megabytes of fresh pages at a time. The rest comes with a
     // posted event of its own.
+    dataWaits_ = false;
     std::string data(static_cast<std::size_t>(std::min(socket_.bytesAvailable(), kChunk)), '\0');
     const qint64 n = socket_.read(data.data(), static_cast<qint64>(data.size()));
     data.resize(n > 0 ? static_cast<std::size_t>(n) : 0);
@@ -63,13 +66,18 @@ void QtSocket::postRest() {
         if (!open_) return;
         const qint64 before = socket_.bytesAvailable();
         if (before == 0) {
-            if (closing_) finishClose();
+            if (closing_ && !dataWaits_) finishClose();
             return;
         }
         emit dataArrival();
-        // A handler that left the bytes must not hold up the close.
-        if (open_ && closing_ && !restPosted_ && socket_.bytesAvailable() == before) finishClose();
+        // A handler that left the bytes must not hold up the close; one that
+        // waits for its turn will read them.
+        if (open_ && closing_ && !restPosted_ && !dataWaits_ && socket_.bytesAvailable() == before) finishClose();
     });
+}
+
+void QtSocket::readLeftovers() {
+    if (open_ && (socket_.bytesAvailable() > 0 || closing_)) postRest();
 }
 
 void QtSocket::finishClose() {
@@ -78,15 +86,26 @@ void QtSocket::finishClose() {
     open_ = false;
 }
 
-void QtSocket::sendData(const std::string& bytes) {
-    socket_.write(bytes.data(), static_cast<qint64>(bytes.size()));
+int QtSocket::portNumber(const std::string& text) {
+    const std::string digits = trimBlanks(text);
+    if (digits.empty() || digits.size() > 5) return 0;
+    int p = 0;
+    for (const char ch : digits) {
+        if (ch < '0' || ch > '9') return 0;
+        p = p * 10 + (ch - '0');
+    }
+    return p <= 65535 ? p : 0;
+}
+
+bool QtSocket::sendData(const std::string& bytes) {
+    return socket_.write(bytes.data(), static_cast<qint64>(bytes.size())) == static_cast<qint64>(bytes.size());
 }
 
 void QtSocket::onDisconnected() {
     if (!open_) return;  // our own close
     // Bytes that arrived with the close come first, chunk by chunk.
     closing_ = true;
-    if (socket_.bytesAvailable() > 0)
+    if (socket_.bytesAvailable() > 0 || dataWaits_)
         postRest();
     else
         finishClose();

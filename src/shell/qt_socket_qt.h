@@ -20,7 +20,19 @@ public:
     void close() override;
     int state() const override { return open_ ? kConnected : 0; }
     std::string getData() override;
-    void sendData(const std::string& bytes) override;
+    bool sendData(const std::string& bytes) override;
+
+    // The window took a data event but runs it later (a handler is busy):
+    // the server's close waits until the bytes have been read.
+    void dataEventWaits() { dataWaits_ = true; }
+    // After every handler: bytes still in the socket get a data event of
+    // their own, since Qt does not signal again for bytes that came while a
+    // handler of its signal ran.
+    void readLeftovers();
+
+    // The port box's text as a port: a whole number from 1 to 65535, blanks
+    // around it allowed; 0 for anything else ("23abc" included).
+    static int portNumber(const std::string& text);
 
     // The old control's error numbers, and its 32-bit status code for one.
     static int errorNumber(QAbstractSocket::SocketError error);
@@ -48,6 +60,7 @@ private:
     // The server closed; the close is told once its bytes were handed on.
     bool closing_ = false;
     bool restPosted_ = false;
+    bool dataWaits_ = false;
 };
 
 }  // namespace kelpa::qt

@@ -71,8 +71,9 @@ TriggerStore::Scratch& TriggerStore::scratch() {
     // Actions run while a level's lists are in use and may nest a pass of
     // their own, which takes the next level: a deque keeps the others where
     // they are.
-    if (scratch_.size() <= static_cast<std::size_t>(depth_)) scratch_.resize(static_cast<std::size_t>(depth_) + 1);
-    return scratch_[static_cast<std::size_t>(depth_)];
+    const auto level = static_cast<std::size_t>(depth_.current());
+    if (scratch_.size() <= level) scratch_.resize(level + 1);
+    return scratch_[level];
 }
 
 void TriggerStore::T_Match(TableId table, std::string_view text) {
@@ -121,12 +122,8 @@ void TriggerStore::fire(const TriggerRecord& r, std::int32_t index, std::string_
     std::string command = commandText(r.Action, text);
     if (debug_.enabled)
         debug_.DebugLog("Fired trigger " + decimal(index) + " :" + r.FilePath + " Part " + decimal(r.PartNumber));
-    if (depth_ >= kMaxTriggerNesting) throw NestingTooDeep();
-    struct Level {
-        int& d;
-        explicit Level(int& depth) : d(depth) { ++d; }
-        ~Level() { --d; }
-    } level(depth_);
+    if (depth_.full()) throw NestingTooDeep();
+    const Depth::Level level = depth_.enter();
     run_(std::move(command));
 }
 

@@ -13,6 +13,7 @@
 #include <string_view>
 #include <vector>
 
+#include "common/depth.h"
 #include "common/run_error.h"
 #include "output/debug_channel.h"
 #include "platform/platform.h"
@@ -82,7 +83,7 @@ private:
     const FlagTable& flags_;
     CommandRunner run_;
     PatternIndex index_;
-    int depth_ = 0;
+    Depth depth_{kMaxTriggerNesting};
     std::uint64_t generation_ = 0;
     // One per nesting level, kept between calls.
     std::deque<Scratch> scratch_;

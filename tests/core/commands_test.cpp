@@ -20,7 +20,7 @@ using Writes = std::vector<std::string>;
 
 // Command texts through S_RunCommands, with macro files in the program folder.
 struct Lines : test::ClientHarness {
-    void run(const std::string& text) { c.commands.S_RunCommands(text); }
+    void run(const std::string& text) { c.parts().commands.S_RunCommands(text); }
     void file(const std::string& name, const std::string& text) { fp.folder.write("macros/" + name, text); }
     std::size_t count(const std::string& piece) {
         const std::string t = debugText();
@@ -29,8 +29,8 @@ struct Lines : test::ClientHarness {
         return n;
     }
     std::string value(const std::string& name) {
-        const int n = c.variables.S_FindVal(name);
-        return n <= c.variables.VariableCount() ? c.variables.entry(n).Value : "<unset>";
+        const int n = c.parts().variables.S_FindVal(name);
+        return n <= c.parts().variables.VariableCount() ? c.parts().variables.entry(n).Value : "<unset>";
     }
     bool has(const std::string& debugLine) { return debugText().find(debugLine) != std::string::npos; }
 };
@@ -83,15 +83,15 @@ TEST(Keywords, FlagsByNumberAndLabel) {
           "#sf 83.4\r\n#sf 0.6\r\n#setflag 2.5\r\n#sf\r\n#sf -1\r\n#labelflag x\r\n");
     std::vector<int> set;
     for (int i = 0; i < FlagTable::kCount; ++i)
-        if (h.c.flags.value[static_cast<std::size_t>(i)]) set.push_back(i);
+        if (h.c.parts().flags.value[static_cast<std::size_t>(i)]) set.push_back(i);
     EXPECT_EQ(set, (std::vector<int>{0, 1, 2, 5, 8, 83}));
-    EXPECT_EQ(h.c.flags.caption[3] + "|" + h.c.flags.caption[0], "HUNTING|");
+    EXPECT_EQ(h.c.parts().flags.caption[3] + "|" + h.c.parts().flags.caption[0], "HUNTING|");
     EXPECT_EQ(h.debugText(), "Flag 84 out of boundries 0,83\r\nFlag 83.4 out of boundries 0,83\r\n"
                              "Flag -1 out of boundries 0,83\r\n");
     h.run("#cf");
     EXPECT_TRUE(h.has("Clearing all flags\r\n"));
-    EXPECT_EQ(std::count(h.c.flags.value.begin(), h.c.flags.value.end(), true), 0);
-    EXPECT_EQ(h.c.flags.caption[3], "3");
+    EXPECT_EQ(std::count(h.c.parts().flags.value.begin(), h.c.parts().flags.value.end(), true), 0);
+    EXPECT_EQ(h.c.parts().flags.caption[3], "3");
 }
 
 TEST(Keywords, MathWithEveryOperatorAndItsFailures) {
@@ -145,7 +145,7 @@ TEST(Keywords, WindowsInkAndLabels) {
     }
 
     h.run("#lw 1 hunt\r\n#labelwindow 4 bank\r\n#lw 5 x\r\n#lw 0.5 y\r\n#lw 2");
-    const auto& tabs = h.c.keywords.tabs.caption;
+    const auto& tabs = h.c.parts().keywords.tabs.caption;
     EXPECT_EQ(std::vector<std::string>(tabs.begin(), tabs.end()),
               (std::vector<std::string>{"Main", "System", "HUNT", "", "Custom 3", "BANK", "Tools"}));
     EXPECT_TRUE(h.has("Window 5 out of boundries 1,4\r\nWindow 0.5 out of boundries 1,4\r\n"));
@@ -170,7 +170,7 @@ TEST(Keywords, InjectQueueMessageBossOverrideHelpAndUnknown) {
 
     h.run("#boss\r\n#override area1\r\n#override\r\n#\r\n#frob x");
     EXPECT_TRUE(h.fp.host.hidden);
-    EXPECT_EQ(h.c.keywords.OverrideDir, "");
+    EXPECT_EQ(h.c.parts().keywords.OverrideDir, "");
     EXPECT_TRUE(h.has("Override Directory is now: AREA1\r\nOverride Directory has been cleared.\r\n"
                       "Unknown key word \r\nUnknown key word FROB\r\n"));
 
@@ -200,7 +200,7 @@ TEST(Macros, ParametersAreCleanedAndPutInAscendingOrder) {
                                       "say x and\r\n", "say x0|0\r\n",
                                   }));
     h.run("@go 1 2 c");
-    EXPECT_EQ(h.c.variables.entry(1).Value, "C");  // keyword lines fold the argument
+    EXPECT_EQ(h.c.parts().variables.entry(1).Value, "C");  // keyword lines fold the argument
     EXPECT_TRUE(h.has("Running Macro : @go a.b,c;d!e?f\r\n"));
 }
 
@@ -257,7 +257,7 @@ TEST(Macros, BranchingCallsStopAtTheBudgetOfOneRun) {
     EXPECT_EQ(h.count("More than 1000 nested commands in one run, stopped at: @tree\r\n"), 1u);
     EXPECT_EQ(h.fp.socket.writes, Writes{"say alive\r\n"});
     // The next command from outside has the whole budget again.
-    h.c.windows.text[kDebugWindow].clear();
+    h.c.parts().windows.text[kDebugWindow].clear();
     h.run("@tree");
     EXPECT_EQ(h.count("More than 1000 nested commands in one run"), 1u);
 }

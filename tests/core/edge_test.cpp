@@ -34,17 +34,17 @@ struct MemoryDiskClient {
         c.Form_Load();
         c.setDebugInfo(true);
         fp.socket.connected = true;
-        c.session.s_Connect();
+        c.parts().session.s_Connect();
     }
     void receive(const std::string& chunk) {
         fp.socket.incoming = chunk;
-        c.session.s_DataArrival();
+        c.parts().session.s_DataArrival();
     }
     std::string log() const {
-        auto it = files.files.find(c.log.currentPath());
+        auto it = files.files.find(c.parts().log.currentPath());
         return it == files.files.end() ? std::string() : it->second;
     }
-    std::string window(int w) const { return std::string(c.windows.text[w].text()); }
+    std::string window(int w) const { return std::string(c.parts().windows.text[w].text()); }
 };
 
 TEST(Edges, ALogThatCannotBeWrittenLeavesTheTextAndTriesAgainLater) {
@@ -61,16 +61,16 @@ TEST(Edges, ALogThatCannotBeWrittenLeavesTheTextAndTriesAgainLater) {
         m.receive("during\r\n");
         m.receive("still\r\n");
         EXPECT_NE(m.window(kMainWindow).find("during\r\nstill\r\n"), std::string::npos);
-        EXPECT_EQ(m.c.history.text(), "before\r\nduring\r\nstill\r\n");
+        EXPECT_EQ(m.c.parts().history.text(), "before\r\nduring\r\nstill\r\n");
         EXPECT_NE(m.window(kDebugWindow).find("Cannot write the log"), std::string::npos);
         EXPECT_EQ(m.log(), "before\r\n\r\n");
 
         m.files.capacity = static_cast<std::size_t>(-1);
         m.files.readOnly = false;
         if (full) {
-            m.c.session.s_Close();
+            m.c.parts().session.s_Close();
             m.fp.socket.connected = true;
-            m.c.session.s_Connect();
+            m.c.parts().session.s_Connect();
         } else {
             m.fp.clock.day = {2026, 11, 24};
             m.c.as_timer_Timer();
@@ -89,7 +89,7 @@ TEST(Edges, FloodsThatNeverEndALineOrASequenceStayCheapPerChunk) {
     for (const std::string& head : heads) {
         MemoryDiskClient m;
         m.c.setDebugInfo(false);
-        m.c.log.close();  // a log in memory would time its own growth
+        m.c.parts().log.close();  // a log in memory would time its own growth
         std::string body(chunk, '7');
         // CPU time of this thread: a loaded machine may take the processor
         // away for longer than a chunk costs.
@@ -107,9 +107,9 @@ TEST(Edges, FloodsThatNeverEndALineOrASequenceStayCheapPerChunk) {
         if (!kSanitized) {
             EXPECT_LT(slowest, 0.030) << head.size();
         }
-        EXPECT_EQ(m.c.history.size(), total);
-        EXPECT_LE(m.c.windows.text[kMainWindow].size(), 3500u);
-        EXPECT_LE(m.c.windows.state[kMainWindow].Pending.size(), 5u);
+        EXPECT_EQ(m.c.parts().history.size(), total);
+        EXPECT_LE(m.c.parts().windows.text[kMainWindow].size(), 3500u);
+        EXPECT_LE(m.c.parts().windows.state[kMainWindow].Pending.size(), 5u);
     }
 }
 

@@ -31,17 +31,17 @@ TEST(OutputWriter, FragmentWithoutFinalWaitsUpToFiveCharactersForTheNextCallOfIt
     };
     for (const auto& row : rows) {
         ClientHarness h;
-        h.c.writer.W_Print(row.text, kMainWindow);
+        h.c.parts().writer.W_Print(row.text, kMainWindow);
         EXPECT_EQ(h.window(kMainWindow), row.shown) << row.text.substr(1);
         EXPECT_EQ(h.state(kMainWindow).Pending, row.pending) << row.text.substr(1);
     }
     ClientHarness h;
-    h.c.writer.W_Print("ab" + ESC + "[3", kMainWindow);
-    h.c.writer.W_Print("1mY", kHistT);  // another window does not continue it
+    h.c.parts().writer.W_Print("ab" + ESC + "[3", kMainWindow);
+    h.c.parts().writer.W_Print("1mY", kHistT);  // another window does not continue it
     EXPECT_EQ(h.window(kHistT), "1mY");
-    h.c.writer.W_Print("1mX", kMainWindow);
+    h.c.parts().writer.W_Print("1mX", kMainWindow);
     EXPECT_EQ(h.window(kMainWindow), "abX");
-    EXPECT_EQ(styleAt(h.c.windows.text[kMainWindow], 2).colour, rgb(255, 127, 127));
+    EXPECT_EQ(styleAt(h.c.parts().windows.text[kMainWindow], 2).colour, rgb(255, 127, 127));
     EXPECT_EQ(h.state(kMainWindow).Pending, "");
 }
 
@@ -51,28 +51,28 @@ TEST(OutputWriter, LimitCutKeepsTheFirstCharacterAndFourFifths) {
         ClientHarness h;
         std::string text = "F";
         for (std::size_t i = 1; i <= limit; ++i) text += static_cast<char>('a' + i % 26);
-        h.c.writer.W_Print(text.substr(0, limit), win);
+        h.c.parts().writer.W_Print(text.substr(0, limit), win);
         EXPECT_EQ(h.window(win).size(), limit) << "at the limit: no cut";
-        h.c.writer.W_Print(text.substr(limit), win);
+        h.c.parts().writer.W_Print(text.substr(limit), win);
         EXPECT_EQ(h.window(win), "F" + text.substr(text.size() - (limit * 4 / 5 - 1))) << "window " << win;
     }
     ClientHarness h;
-    h.c.writer.W_Print(std::string(150000, 'z'), kHistView);
+    h.c.parts().writer.W_Print(std::string(150000, 'z'), kHistView);
     EXPECT_EQ(h.window(kHistView).size(), 150000u) << "window 6 is never cut";
 }
 
 TEST(OutputWriter, InkOffInterpretsButWritesNothingAndStillCuts) {
     ClientHarness h;
     h.state(kMainWindow).Ink = false;
-    h.c.writer.W_Print("a" + ESC + "[0;31mb", kMainWindow);
+    h.c.parts().writer.W_Print("a" + ESC + "[0;31mb", kMainWindow);
     EXPECT_EQ(h.window(kMainWindow), "");
     EXPECT_EQ(h.state(kMainWindow).Colour, rgb(128, 0, 0));
 
     // The debug channel may leave window 1 above its limit; the next W_Print
     // cuts it even though it writes nothing.
-    h.c.debug.DebugLog(std::string(6000, 'd'));
+    h.c.parts().debug.DebugLog(std::string(6000, 'd'));
     h.state(kDebugWindow).Ink = false;
-    h.c.writer.W_Print("zzz", kDebugWindow);
+    h.c.parts().writer.W_Print("zzz", kDebugWindow);
     EXPECT_EQ(h.window(kDebugWindow).size(), 4000u);
     EXPECT_EQ(h.window(kDebugWindow).find('z'), std::string::npos);
 }
@@ -80,30 +80,30 @@ TEST(OutputWriter, InkOffInterpretsButWritesNothingAndStillCuts) {
 TEST(OutputWriter, BoxBytesShowAsGraphicsOnlyWhenWrittenWithGraphicsOn) {
     ClientHarness h;
     const std::string box = bytes({0xC4, 0xB3, 0xB1});
-    h.c.writer.W_Print(box, kCustom1);
+    h.c.parts().writer.W_Print(box, kCustom1);
     h.setGraphicsOff();
-    h.c.writer.W_Print(box, kCustom1);
+    h.c.parts().writer.W_Print(box, kCustom1);
     EXPECT_EQ(h.window(kCustom1), box + box) << "the bytes themselves stay";
-    for (std::size_t i = 0; i < 6; ++i) EXPECT_EQ(styleAt(h.c.windows.text[kCustom1], i).graphics, i < 3) << i;
+    for (std::size_t i = 0; i < 6; ++i) EXPECT_EQ(styleAt(h.c.parts().windows.text[kCustom1], i).graphics, i < 3) << i;
 }
 
 TEST(OutputWriter, LastSegmentTakesTheUnderlineOfTheCharacterBeforeIt) {
     ClientHarness h;
-    h.c.writer.W_Print(ESC + "[4mab", kCustom1);
-    EXPECT_FALSE(styleAt(h.c.windows.text[kCustom1], 0).underline) << "empty window";
+    h.c.parts().writer.W_Print(ESC + "[4mab", kCustom1);
+    EXPECT_FALSE(styleAt(h.c.parts().windows.text[kCustom1], 0).underline) << "empty window";
 
-    h.c.writer.W_Print(ESC + "[4mab" + ESC + "[0mcd", kMainWindow);
-    const OutputWindow& w = h.c.windows.text[kMainWindow];
+    h.c.parts().writer.W_Print(ESC + "[4mab" + ESC + "[0mcd", kMainWindow);
+    const OutputWindow& w = h.c.parts().windows.text[kMainWindow];
     EXPECT_TRUE(styleAt(w, 1).underline);
     EXPECT_TRUE(styleAt(w, 3).underline) << "follows the caret, not Underline";
-    h.c.writer.W_Print(ESC + "[4mx" + ESC + "[K", kMainWindow);
+    h.c.parts().writer.W_Print(ESC + "[4mx" + ESC + "[K", kMainWindow);
     EXPECT_TRUE(styleAt(w, 4).underline);
 }
 
 TEST(OutputWriter, WindowNumberOutsideZeroToSevenIsOnlyADebugLine) {
     ClientHarness h;
-    h.c.writer.W_Print("x", 8);
-    h.c.writer.W_Print("x", -1);
+    h.c.parts().writer.W_Print("x", 8);
+    h.c.parts().writer.W_Print("x", -1);
     EXPECT_EQ(h.debugText(), "No such window :8\r\nNo such window :-1\r\n");
     for (int w = 0; w < kWindowCount; ++w) EXPECT_EQ(h.window(w).empty(), w != kDebugWindow) << w;
 }
@@ -120,12 +120,12 @@ TEST(OutputWriter, RunsSurviveLimitCutsLikeAPlainCopy) {
         const int digit = static_cast<int>(rng() % 8);
         const std::size_t len = rng() % 300;
         std::string text(len, static_cast<char>('a' + call % 26));
-        h.c.writer.W_Print(ESC + "[0;3" + std::to_string(digit) + "m" + text, kMainWindow);
-        const std::uint32_t shown = h.c.ansi.A_ColourFor(digit) + rgb(64, 64, 64);
+        h.c.parts().writer.W_Print(ESC + "[0;3" + std::to_string(digit) + "m" + text, kMainWindow);
+        const std::uint32_t shown = h.c.parts().ansi.A_ColourFor(digit) + rgb(64, 64, 64);
         for (char ch : text) plain.emplace_back(ch, shown, call);
         if (plain.size() > 3500) plain.erase(plain.begin() + 1, plain.end() - 2799);
 
-        const OutputWindow& w = h.c.windows.text[kMainWindow];
+        const OutputWindow& w = h.c.parts().windows.text[kMainWindow];
         std::string expected;
         std::size_t calls = 0;
         for (std::size_t i = 0; i < plain.size(); ++i) {
@@ -151,8 +151,8 @@ namespace {
 // writer's block scans, its short-SGR cache and its direct copies must
 // leave exactly what this leaves.
 void slowPrint(Client& c, std::string_view input, int win) {
-    WindowState& st = c.windows.state[win];
-    OutputWindow& out = c.windows.text[win];
+    WindowState& st = c.parts().windows.state[win];
+    OutputWindow& out = c.parts().windows.text[win];
     const std::string all = st.Pending + std::string(input);
     st.Pending.clear();
     st.StartLen = out.size();
@@ -161,7 +161,7 @@ void slowPrint(Client& c, std::string_view input, int win) {
         TextStyle s;
         s.colour = st.Colour + (st.NotBold ? rgb(64, 64, 64) : rgb(127, 127, 127));
         s.underline = last ? out.caretUnderline() : st.Underline;
-        s.graphics = c.windows.Graphics;
+        s.graphics = c.parts().windows.Graphics;
         if (st.Ink) out.append(text, s);
         text.clear();
     };
@@ -180,7 +180,7 @@ void slowPrint(Client& c, std::string_view input, int win) {
             }
             flush(false);
             if (ch == '\xFF') {
-                pos += c.telnet.S_InterpretIac(std::string_view(all).substr(pos), win);
+                pos += c.parts().telnet.S_InterpretIac(std::string_view(all).substr(pos), win);
                 continue;
             }
             std::size_t fin = pos + 1;
@@ -193,7 +193,7 @@ void slowPrint(Client& c, std::string_view input, int win) {
                 st.Pending = all.substr(pos);
                 break;
             }
-            c.ansi.A_ParseCsi(std::string_view(all).substr(pos, fin - pos + 1), win);
+            c.parts().ansi.A_ParseCsi(std::string_view(all).substr(pos, fin - pos + 1), win);
             pos = fin + 1;
         }
         flush(true);
@@ -247,7 +247,7 @@ TEST(OutputWriter, FastPathsLeaveWhatTheByteByByteReadingLeaves) {
                 h->state(win).Ink = ink;
                 try {
                     if (h == &fast)
-                        h->c.writer.W_Print(piece, win);
+                        h->c.parts().writer.W_Print(piece, win);
                     else
                         slowPrint(h->c, piece, win);
                 } catch (const RunError& e) {
@@ -260,10 +260,10 @@ TEST(OutputWriter, FastPathsLeaveWhatTheByteByByteReadingLeaves) {
             for (int w = 0; w < kWindowCount; ++w) {
                 ASSERT_EQ(fast.window(w), slow.window(w)) << where << " window " << w;
                 std::vector<std::tuple<std::size_t, std::size_t, std::uint32_t, bool, bool, bool>> a, b;
-                fast.c.windows.text[w].forEachRun([&](const OutputWindow::Run& r) {
+                fast.c.parts().windows.text[w].forEachRun([&](const OutputWindow::Run& r) {
                     a.emplace_back(r.begin, r.end, r.style.colour, r.style.underline, r.style.plain, r.style.graphics);
                 });
-                slow.c.windows.text[w].forEachRun([&](const OutputWindow::Run& r) {
+                slow.c.parts().windows.text[w].forEachRun([&](const OutputWindow::Run& r) {
                     b.emplace_back(r.begin, r.end, r.style.colour, r.style.underline, r.style.plain, r.style.graphics);
                 });
                 ASSERT_EQ(a, b) << where << " window " << w;
@@ -282,17 +282,17 @@ TEST(OutputWriter, FastPathsLeaveWhatTheByteByByteReadingLeaves) {
 // good, and a debug line flattens the window's colours.
 TEST(DebugChannel, OpenLinesTheSwitchAndFlatColours) {
     ClientHarness h;
-    for (const char* piece : {"IAC ;", " WILL ;", " echo ", "a;;", ";", "", "semi;colon"}) h.c.debug.DebugLog(piece);
+    for (const char* piece : {"IAC ;", " WILL ;", " echo ", "a;;", ";", "", "semi;colon"}) h.c.parts().debug.DebugLog(piece);
     EXPECT_EQ(h.debugText(), "IAC  WILL  echo \r\na;\r\nsemi;colon\r\n");
 
     ClientHarness off(/*connected=*/true, /*debugOn=*/false);
-    off.c.debug.DebugLog("lost;");
-    off.c.writer.W_Print("x", 9);
-    off.c.writer.W_Print("\x1B[0;31;4mred\x1B[0m", kDebugWindow);
-    ASSERT_EQ(styleAt(off.c.windows.text[kDebugWindow], 0).colour, rgb(192, 64, 64));
+    off.c.parts().debug.DebugLog("lost;");
+    off.c.parts().writer.W_Print("x", 9);
+    off.c.parts().writer.W_Print("\x1B[0;31;4mred\x1B[0m", kDebugWindow);
+    ASSERT_EQ(styleAt(off.c.parts().windows.text[kDebugWindow], 0).colour, rgb(192, 64, 64));
     off.c.setDebugInfo(true);
-    off.c.debug.DebugLog("kept");
+    off.c.parts().debug.DebugLog("kept");
     EXPECT_EQ(off.debugText(), "redkept\r\n");
-    off.c.windows.text[kDebugWindow].forEachRun(
+    off.c.parts().windows.text[kDebugWindow].forEachRun(
         [](const OutputWindow::Run& r) { EXPECT_TRUE(r.style.plain && !r.style.underline); });
 }

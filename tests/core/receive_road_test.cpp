@@ -31,8 +31,8 @@ struct LogHarness : ClientHarness {
     LogHarness() {
         SiteRecord site;
         site.ShortName = "mud";
-        c.bar.Sites = {site};
-        c.bar.CB_Connections_Click(0);
+        c.parts().bar.Sites = {site};
+        c.parts().bar.CB_Connections_Click(0);
     }
 };
 
@@ -47,10 +47,10 @@ public:
 struct PipelineHarness : ClientHarness {
     RecordingTriggers triggers;
     PipelineHarness() {
-        c.pipeline.setTriggers(triggers);
+        c.parts().pipeline.setTriggers(triggers);
         openLog();
     }
-    void process(std::string chunk) { c.pipeline.S_ProcessLines(chunk); }
+    void process(std::string chunk) { c.parts().pipeline.S_ProcessLines(chunk); }
 };
 
 using Lines = std::vector<std::string>;
@@ -80,7 +80,7 @@ TEST(ReceiveRoad, NothingIsReadOrShownWhenNotConnectedOrEmpty) {
     h.fp.socket.connected = true;
     h.receive("");
     SwallowEverything frames;
-    h.c.session.setFrameExtractor(&frames);
+    h.c.parts().session.setFrameExtractor(&frames);
     h.receive("\x18" "frame\x19\x1A");
     EXPECT_EQ(h.history() + h.window(kMainWindow) + h.logFile(), "");
 }
@@ -95,46 +95,46 @@ TEST(ServerSession, InitStringMarksBecomeCharacters) {
 
 TEST(ServerSession, ConnectOpensTheLogAndSendsTheInitStringStraight) {
     ClientHarness h(/*connected=*/false);
-    h.c.bar.Sites = {site("mud", "hi#10#"), site("quiet", "")};
-    h.c.bar.CB_Connections_Click(0);
+    h.c.parts().bar.Sites = {site("mud", "hi#10#"), site("quiet", "")};
+    h.c.parts().bar.CB_Connections_Click(0);
 
-    h.c.session.CMD_CONNECT_Click();
+    h.c.parts().session.CMD_CONNECT_Click();
     EXPECT_EQ(h.fp.socket.connects, std::vector<std::string>{"mud.example:4000"});
-    EXPECT_TRUE(!h.c.bar.connectEnabled && h.c.bar.disconnectEnabled);
+    EXPECT_TRUE(!h.c.parts().bar.connectEnabled && h.c.parts().bar.disconnectEnabled);
 
     h.fp.socket.connected = true;
-    h.c.session.s_Connect();
+    h.c.parts().session.s_Connect();
     EXPECT_EQ(h.fp.socket.writes, std::vector<std::string>{"hi\n"});
     EXPECT_EQ(h.fp.host.focuses, 1);
-    EXPECT_EQ(h.c.log.currentPath(), "logs/mud/H.20261123.txt");
+    EXPECT_EQ(h.c.parts().log.currentPath(), "logs/mud/H.20261123.txt");
     EXPECT_EQ(h.logFile() + h.history() + h.window(kMainWindow), "") << "not logged, kept or echoed";
 
-    h.c.bar.CB_Connections_Click(1);  // an empty init string sends nothing
-    h.c.session.s_Connect();
+    h.c.parts().bar.CB_Connections_Click(1);  // an empty init string sends nothing
+    h.c.parts().session.s_Connect();
     EXPECT_EQ(h.fp.socket.writes.size(), 1u);
 }
 
 TEST(ServerSession, CloseAndErrorReturnTheButtonsAndTreatTheLogDifferently) {
     ClientHarness h;
-    h.c.session.CMD_CONNECT_Click();
-    h.c.session.s_Connect();
-    h.c.session.s_Error(10061, "Connection refused", -2146818227);
-    EXPECT_TRUE(h.c.bar.connectEnabled && !h.c.bar.disconnectEnabled);
+    h.c.parts().session.CMD_CONNECT_Click();
+    h.c.parts().session.s_Connect();
+    h.c.parts().session.s_Error(10061, "Connection refused", -2146818227);
+    EXPECT_TRUE(h.c.parts().bar.connectEnabled && !h.c.parts().bar.disconnectEnabled);
     EXPECT_EQ(h.fp.socket.state(), 0);
-    EXPECT_TRUE(h.c.log.isOpen()) << "an error leaves the log open";
+    EXPECT_TRUE(h.c.parts().log.isOpen()) << "an error leaves the log open";
     EXPECT_EQ(h.logFile(), "Sock 10061 Connection refused -2146818227\r\n");
     EXPECT_NE(h.debugText().find("Sock 10061 Connection refused -2146818227\r\n"), std::string::npos);
 
     h.fp.socket.connected = true;
-    h.c.session.s_Connect();
-    h.c.session.s_Close();
-    EXPECT_FALSE(h.c.log.isOpen());
-    EXPECT_TRUE(h.c.bar.connectEnabled);
+    h.c.parts().session.s_Connect();
+    h.c.parts().session.s_Close();
+    EXPECT_FALSE(h.c.parts().log.isOpen());
+    EXPECT_TRUE(h.c.parts().bar.connectEnabled);
 
     h.fp.socket.connected = true;
-    h.c.session.s_Connect();
-    h.c.session.CMD_DISCONNECT_Click();
-    EXPECT_FALSE(h.c.log.isOpen() || h.c.bar.disconnectEnabled);
+    h.c.parts().session.s_Connect();
+    h.c.parts().session.CMD_DISCONNECT_Click();
+    EXPECT_FALSE(h.c.parts().log.isOpen() || h.c.parts().bar.disconnectEnabled);
     EXPECT_EQ(h.fp.socket.state(), 0);
 }
 
@@ -142,7 +142,7 @@ TEST(SessionLog, ChangeOfDaySwitchesTheFileInBothDirections) {
     EXPECT_EQ(SessionLog::pathFor("x", Date{987, 1, 2}), "logs/x/H.09870102.txt");
     LogHarness h;
     EXPECT_FALSE(h.fp.files.exists("logs")) << "loading opens no log";
-    h.c.session.s_Connect();
+    h.c.parts().session.s_Connect();
     h.receive("monday");
     h.c.as_timer_Timer();
     h.receive("still monday");
@@ -160,10 +160,10 @@ TEST(SessionLog, ChangeOfDaySwitchesTheFileInBothDirections) {
 
     // Without a connection the change of day opens the log too.
     h.fp.socket.connected = false;
-    h.c.session.s_Close();
+    h.c.parts().session.s_Close();
     h.fp.clock.day = Date{2027, 1, 1};
     h.c.as_timer_Timer();
-    EXPECT_TRUE(h.c.log.isOpen());
+    EXPECT_TRUE(h.c.parts().log.isOpen());
     EXPECT_TRUE(h.fp.files.exists("logs/mud/H.20270101.txt"));
 }
 
@@ -277,7 +277,7 @@ TEST(LinePipeline, FailureAbandonsTheChunkWithTheLogErrorLine) {
     }
 
     PipelineHarness noLog;
-    noLog.c.log.close();
+    noLog.c.parts().log.close();
     noLog.process("x" + bytes({255}));
     EXPECT_EQ(noLog.window(kMainWindow), "x");
     EXPECT_TRUE(noLog.triggers.global.empty());

@@ -18,16 +18,16 @@ struct SendHarness : ClientHarness {
     std::vector<std::string> events;
     explicit SendHarness(bool connected = true) : ClientHarness(connected) {
         openLog();
-        c.commands.setMacroRunner([this](const std::string& l) { events.push_back("macro " + l); });
-        c.commands.setKeywordRunner([this](const std::string& l) { events.push_back("key " + l); });
+        c.parts().commands.setMacroRunner([this](const std::string& l) { events.push_back("macro " + l); });
+        c.parts().commands.setKeywordRunner([this](const std::string& l) { events.push_back("key " + l); });
         fp.socket.onSend = [this](const std::string& b) { events.push_back("send " + b); };
     }
     std::string send(std::string x) {
-        c.sender.S_SendData(x);
+        c.parts().sender.S_SendData(x);
         return x;
     }
-    void queue(std::string x) { c.sender.s_queuedata(x); }
-    void noSpam(std::string x) { c.sender.S_SendDataNoSpam(x); }
+    void queue(std::string x) { c.parts().sender.s_queuedata(x); }
+    void noSpam(std::string x) { c.parts().sender.S_SendDataNoSpam(x); }
 };
 
 }  // namespace
@@ -49,13 +49,13 @@ TEST(CommandRoad, TypedLinesGiveTheseWrites) {
 
 TEST(CommandRoad, FirstCharacterBeforeExpansionChoosesTheRoadLineByLine) {
     SendHarness h;
-    h.c.commands.S_RunCommands("#\r\n@m one two\r\nsay @m\r\n#queue x;;\r\n @\r\nend");
+    h.c.parts().commands.S_RunCommands("#\r\n@m one two\r\nsay @m\r\n#queue x;;\r\n @\r\nend");
     EXPECT_EQ(h.events, (Writes{"key #", "macro @m one two", "send say @m\r\n", "key #queue x;;", "send @\r\n",
                                 "send end\r\n"}));
     EXPECT_EQ(h.debugText(), "Running Macro : @m one two\r\n");
 
     h.events.clear();
-    h.c.commands.setExpander([](const std::string& s) { return s == "%M" ? "@mac" : s; });
+    h.c.parts().commands.setExpander([](const std::string& s) { return s == "%M" ? "@mac" : s; });
     h.c.Text1_Enter("%M");
     EXPECT_EQ(h.events, Writes{"send @mac\r\n"});
 
@@ -81,7 +81,7 @@ TEST(Sender, MarkersAreRewrittenBeforeTheOneWrite) {
 
 TEST(Sender, LogEchoAndHistoryComeBeforeTheWriteInTheServersColour) {
     SendHarness h;
-    h.c.writer.W_Print("\x1B[0;32mgreen ", kMainWindow);
+    h.c.parts().writer.W_Print("\x1B[0;32mgreen ", kMainWindow);
     std::string logAtSend, windowAtSend, historyAtSend;
     h.fp.socket.onSend = [&](const std::string&) {
         logAtSend = h.logFile();
@@ -92,7 +92,7 @@ TEST(Sender, LogEchoAndHistoryComeBeforeTheWriteInTheServersColour) {
     EXPECT_EQ(logAtSend, "look\r\n\r\n");
     EXPECT_EQ(windowAtSend, "green look\r\n");
     EXPECT_EQ(historyAtSend, "look\r\n");
-    EXPECT_EQ(styleAt(h.c.windows.text[kMainWindow], 6).colour, rgb(64, 192, 64));
+    EXPECT_EQ(styleAt(h.c.parts().windows.text[kMainWindow], 6).colour, rgb(64, 192, 64));
 
     // A broken sequence ends only the echo.
     h.send("a\x1BMb;;");

@@ -106,33 +106,33 @@ TEST(ConnectionBar, SelectionFillsTheBoxesAndCurrentSite) {
     fp.folder.write(kSiteBookFile, formatSites({rec("a", "d", 4000), rec("b", "d", 5000)}));
     Client c(fp.platform);
     c.Form_Load();
-    EXPECT_EQ(c.bar.items, (std::vector<std::string>{"a", "b"}));
-    EXPECT_EQ(c.bar.CurrentSite, rec("a", "d", 4000));
+    EXPECT_EQ(c.parts().bar.items, (std::vector<std::string>{"a", "b"}));
+    EXPECT_EQ(c.parts().bar.CurrentSite, rec("a", "d", 4000));
 
     fp.socket.connected = true;
-    c.session.s_Connect();
-    c.bar.CB_Connections_Click(1);
-    EXPECT_EQ(c.bar.CurrentSite.ShortName, "sb");
+    c.parts().session.s_Connect();
+    c.parts().bar.CB_Connections_Click(1);
+    EXPECT_EQ(c.parts().bar.CurrentSite.ShortName, "sb");
     EXPECT_TRUE(fp.socket.connected) << "picking a site leaves the connection alone";
-    EXPECT_EQ(c.log.currentPath(), "logs/sa/H.20261123.txt") << "nor the open log";
+    EXPECT_EQ(c.parts().log.currentPath(), "logs/sa/H.20261123.txt") << "nor the open log";
 
     // Typed values are overwritten by picking the same site again.
-    c.bar.Site = "typed.host";
-    c.bar.PPort = "9999";
-    c.bar.CB_Connections_Click(1);
-    EXPECT_EQ(c.bar.Site + ":" + c.bar.PPort, "b.org:5000");
+    c.parts().bar.Site = "typed.host";
+    c.parts().bar.PPort = "9999";
+    c.parts().bar.CB_Connections_Click(1);
+    EXPECT_EQ(c.parts().bar.Site + ":" + c.parts().bar.PPort, "b.org:5000");
 
     // Reloading the book selects the first site again.
-    c.bar.reload(fp.files);
-    EXPECT_EQ(c.bar.CurrentSite.SiteName, "a");
+    c.parts().bar.reload(fp.files);
+    EXPECT_EQ(c.parts().bar.CurrentSite.SiteName, "a");
 }
 
 TEST(ConnectionBar, AMissingBookIsCreatedEmptyAndSaveWritesTheBook) {
     ClientHarness h(/*connected=*/false);
     EXPECT_TRUE(h.fp.files.exists(kSiteBookFile));
-    EXPECT_TRUE(h.c.bar.items.empty());
-    EXPECT_EQ(h.c.bar.selected(), nullptr);
-    h.c.session.CMD_CONNECT_Click();
+    EXPECT_TRUE(h.c.parts().bar.items.empty());
+    EXPECT_EQ(h.c.parts().bar.selected(), nullptr);
+    h.c.parts().session.CMD_CONNECT_Click();
     EXPECT_EQ(h.fp.socket.connects, std::vector<std::string>{"localhost:23"});
 
     const std::vector<SiteRecord> book = {rec("a"), rec("b", "two\r\nlines")};

@@ -52,7 +52,7 @@ TEST(Telnet, NegotiationIsSwallowedOrFailsWhenCutShort) {
         ClientHarness h;
         bool failed = false;
         try {
-            h.c.writer.W_Print(row.text, kMainWindow);
+            h.c.parts().writer.W_Print(row.text, kMainWindow);
         } catch (const RunError& e) {
             failed = true;
             EXPECT_EQ(e.number(), 5);
@@ -69,7 +69,7 @@ TEST(Telnet, NegotiationIsSwallowedOrFailsWhenCutShort) {
 
 TEST(Telnet, DoTerminalTypeAnswersElevenBytesThroughTheSender) {
     ClientHarness h;
-    h.c.writer.W_Print("a" + bytes({255, 253, 24}) + "b", kMainWindow);
+    h.c.parts().writer.W_Print("a" + bytes({255, 253, 24}) + "b", kMainWindow);
 
     ASSERT_EQ(h.fp.socket.writes, std::vector<std::string>{kAnswer});
     // Logged, kept and echoed like any sent text; the echo's own IAC SB 24
@@ -79,18 +79,18 @@ TEST(Telnet, DoTerminalTypeAnswersElevenBytesThroughTheSender) {
     EXPECT_EQ(h.debugText(), "IAC  DO  terminal type \r\nIAC  SB  terminal type  \r\nIAC  EON \r\n");
 
     // Asked twice, answered twice; no WILL goes ahead of the answer.
-    h.c.writer.W_Print(bytes({255, 253, 24}), kMainWindow);
+    h.c.parts().writer.W_Print(bytes({255, 253, 24}), kMainWindow);
     EXPECT_EQ(h.fp.socket.writes, (std::vector<std::string>{kAnswer, kAnswer}));
 
     // A replay in the history view answers again, echoed to the main window.
-    h.c.writer.W_Print("old" + bytes({255, 253, 24}), kHistT);
+    h.c.parts().writer.W_Print("old" + bytes({255, 253, 24}), kHistT);
     EXPECT_EQ(h.fp.socket.writes.size(), 3u);
     EXPECT_EQ(h.window(kHistT), "old");
     EXPECT_EQ(h.window(kMainWindow), "a" + bytes({0}) + "ANSI" + bytes({0}) + "b" + bytes({0}) + "ANSI" + bytes({0}) +
                                          bytes({0}) + "ANSI" + bytes({0}));
 
     ClientHarness off(/*connected=*/false);
-    off.c.writer.W_Print("a" + bytes({255, 253, 24}) + "b", kMainWindow);
+    off.c.parts().writer.W_Print("a" + bytes({255, 253, 24}) + "b", kMainWindow);
     EXPECT_EQ(off.fp.socket.writes.size() + off.history().size(), 0u);
     EXPECT_EQ(off.window(kMainWindow), "ab");
 }
@@ -99,9 +99,9 @@ TEST(Telnet, WontEchoTurnsInkOnForTheWindowBeingWritten) {
     ClientHarness h;
     h.state(kMainWindow).Ink = false;
     h.state(kHistT).Ink = false;
-    h.c.writer.W_Print("hidden" + bytes({255, 251, 1}) + "still", kMainWindow);
+    h.c.parts().writer.W_Print("hidden" + bytes({255, 251, 1}) + "still", kMainWindow);
     EXPECT_EQ(h.window(kMainWindow), "") << "WILL echo must change nothing";
-    h.c.writer.W_Print("gone" + bytes({255, 252, 1}) + "shown", kHistT);
+    h.c.parts().writer.W_Print("gone" + bytes({255, 252, 1}) + "shown", kHistT);
     EXPECT_TRUE(h.state(kHistT).Ink && !h.state(kMainWindow).Ink);
     EXPECT_EQ(h.window(kHistT), "shown");
     EXPECT_EQ(h.debugText(), "IAC  WILL  echo \r\nIAC  WONT  echo \r\n");
@@ -137,12 +137,12 @@ TEST(Ansi, SgrParametersChangeTheWindowState) {
     for (const auto& row : rows) {
         SCOPED_TRACE(row.before.substr(1) + " then " + row.seq);
         ClientHarness h;
-        h.c.writer.W_Print(row.before, kMainWindow);
+        h.c.parts().writer.W_Print(row.before, kMainWindow);
         ASSERT_EQ(h.debugText(), "");
-        h.c.writer.W_Print(csi(row.seq) + "x" + csi("K"), kMainWindow);
+        h.c.parts().writer.W_Print(csi(row.seq) + "x" + csi("K"), kMainWindow);
         const WindowState& st = h.state(kMainWindow);
         EXPECT_EQ(h.window(kMainWindow), "x");
-        EXPECT_EQ(styleAt(h.c.windows.text[kMainWindow], 0).colour, row.shown);
+        EXPECT_EQ(styleAt(h.c.parts().windows.text[kMainWindow], 0).colour, row.shown);
         EXPECT_EQ(std::string(st.NotBold ? "n" : "") + (st.Underline ? "u" : "") + (st.Blink ? "b" : "") +
                       (st.Reverse ? "r" : ""),
                   row.flags);
@@ -153,8 +153,8 @@ TEST(Ansi, SgrParametersChangeTheWindowState) {
 
 TEST(Ansi, NewWindowIsBoldUntilTheFirstReset) {
     ClientHarness h;
-    h.c.writer.W_Print("a" + csi("m") + "b" + csi("0m"), kCustom1);
-    const OutputWindow& w = h.c.windows.text[kCustom1];
+    h.c.parts().writer.W_Print("a" + csi("m") + "b" + csi("0m"), kCustom1);
+    const OutputWindow& w = h.c.parts().windows.text[kCustom1];
     EXPECT_EQ(styleAt(w, 0).colour, rgb(255, 255, 255));
     EXPECT_EQ(styleAt(w, 1).colour, rgb(192, 192, 192));
 }
@@ -169,8 +169,8 @@ TEST(Ansi, FinalsOtherThanSgr) {
     for (const auto& row : rows) {
         SCOPED_TRACE(row.seq.substr(1));
         ClientHarness h;
-        h.c.writer.W_Print("old", kMainWindow);
-        h.c.writer.W_Print("mid" + row.seq + "new", kMainWindow);
+        h.c.parts().writer.W_Print("old", kMainWindow);
+        h.c.parts().writer.W_Print("mid" + row.seq + "new", kMainWindow);
         EXPECT_EQ(h.window(kMainWindow), row.clears ? "new" : "oldmidnew");
         EXPECT_EQ(h.debugText(), row.supported ? "" : "ANSI not supported " + row.seq + "\r\n");
     }

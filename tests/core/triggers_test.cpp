@@ -80,7 +80,7 @@ TEST(TriggerFiles, EveryCaseOfTheFormatLoadsAsItShould) {
         t.trigger("b.trigger", k.file);
         t.trigger("c.trigger", "pattern1=after\r\naction=three");
         t.c.LoadTriggers();
-        const TriggerRecords& table = t.c.triggers.TriggerTable;
+        const TriggerRecords& table = t.c.parts().triggers.TriggerTable;
         ASSERT_GE(table.size(), 2u) << k.name;
         EXPECT_EQ(table.front().Action, "one") << k.name;
         EXPECT_EQ(table.back().Action, "three") << k.name;
@@ -105,11 +105,11 @@ TEST(TriggerFiles, FullGroupsStopTheFileAndTheDebugLinesNameWhatWasRead) {
     t.trigger("g.trigger", "pattern1=x\r\naction=global", true);
     t.trigger("skip.txt", "pattern1=x\r\naction=no");
     t.c.LoadTriggers();
-    ASSERT_EQ(t.c.triggers.TriggerCount(), 2);
-    EXPECT_EQ(t.c.triggers.TriggerTable[0].patternGroup(1).Count(), 50);
-    EXPECT_EQ(t.c.triggers.TriggerTable[1].PartNumber, 2);
-    EXPECT_EQ(t.c.triggers.TriggerTable[1].FilePath, t.fp.files.absolute("triggers/full.trigger"));
-    ASSERT_EQ(t.c.triggers.GlobalTriggerCount(), 1);
+    ASSERT_EQ(t.c.parts().triggers.TriggerCount(), 2);
+    EXPECT_EQ(t.c.parts().triggers.TriggerTable[0].patternGroup(1).Count(), 50);
+    EXPECT_EQ(t.c.parts().triggers.TriggerTable[1].PartNumber, 2);
+    EXPECT_EQ(t.c.parts().triggers.TriggerTable[1].FilePath, t.fp.files.absolute("triggers/full.trigger"));
+    ASSERT_EQ(t.c.parts().triggers.GlobalTriggerCount(), 1);
     EXPECT_EQ(t.debugText().substr(t.debugText().find("loading trigger full")),
               "loading trigger full.trigger from /triggers\r\n"
               "Found a parts , loading parts \r\n"
@@ -122,8 +122,8 @@ TEST(TriggerFiles, FullGroupsStopTheFileAndTheDebugLinesNameWhatWasRead) {
     // A reload starts from empty tables.
     std::filesystem::remove(t.fp.folder.path() / "triggers/full.trigger");
     t.c.LoadTriggers();
-    EXPECT_EQ(t.c.triggers.TriggerCount(), 0);
-    EXPECT_EQ(t.c.triggers.GlobalTriggerCount(), 1);
+    EXPECT_EQ(t.c.parts().triggers.TriggerCount(), 0);
+    EXPECT_EQ(t.c.parts().triggers.GlobalTriggerCount(), 1);
 }
 
 TEST(TriggerMatch, GroupsAndFlagsDecideWhichRecordsFireInTableOrder) {
@@ -142,14 +142,14 @@ TEST(TriggerMatch, GroupsAndFlagsDecideWhichRecordsFireInTableOrder) {
     };
     EXPECT_EQ(run("ab"), "either\r\nnonempty\r\n");
     EXPECT_EQ(run("a c?"), "either\r\nnonempty\r\n");  // flag 1 clear
-    t.c.flags.set(1, true);
+    t.c.parts().flags.set(1, true);
     EXPECT_EQ(run("why?\r\n"), "template\r\nnonempty\r\n");  // the empty last line fires nothing
     EXPECT_EQ(run("nq"), "empty group two\r\nnonempty\r\nsecond part\r\n");
-    t.c.flags.set(2, true);
+    t.c.parts().flags.set(2, true);
     EXPECT_EQ(run("x"), "nonempty\r\n");  // group needs flags 2 and 3
-    t.c.flags.set(3, true);
+    t.c.parts().flags.set(3, true);
     EXPECT_EQ(run("x\r\n"), "nopattern\r\nnonempty\r\nnopattern\r\n");
-    t.c.flags.set(5, true);
+    t.c.parts().flags.set(5, true);
     EXPECT_EQ(run("zz"), "nopattern\r\none of two\r\nnonempty\r\n");
 }
 
@@ -196,8 +196,8 @@ TEST(TriggerMatch, AFailureEndsTheChunkAndTheTablesStayUsable) {
     EXPECT_EQ(t.sent(), "");
     EXPECT_NE(t.logFile().find("y\r\nx\r\ny\r\n\r\nERROR : 340/Control array element '99' doesn't exist on line T_Match"),
               std::string::npos);
-    t.c.flags.set(1, true);
-    t.c.flags.set(2, true);  // group 1 holds now but its entries are all read
+    t.c.parts().flags.set(1, true);
+    t.c.parts().flags.set(2, true);  // group 1 holds now but its entries are all read
     t.receive("y");
     EXPECT_EQ(t.sent(), "");
 }
@@ -251,21 +251,21 @@ TEST(TriggerMatch, AReloadDuringAnActionEndsThePassOverTheOldTables) {
     };
     t.receive("xxxxxx\r\nyyyyyyyy");
     EXPECT_EQ(t.sent(), "new\r\n");
-    EXPECT_EQ(t.c.triggers.TriggerCount(), 2);
+    EXPECT_EQ(t.c.parts().triggers.TriggerCount(), 2);
 }
 
 TEST(TriggerEditor, TemplateSavesLoadsAndSavesAgainAsTheOldEditorDid) {
     TriggerFixture t;
     std::filesystem::create_directories(t.fp.folder.path() / "triggers");
     std::filesystem::create_directories(t.fp.folder.path() / "gtriggers");
-    TriggerEditor& e = t.c.triggerEditor;
+    TriggerEditor& e = t.c.parts().triggerEditor;
     e.brefresh2_Click();
     e.btnTRGNew_Click();
     e.txtTRGLabel = "fight.trigger";
     ASSERT_EQ(e.btnTRGSave_Click(), "");
     EXPECT_EQ(t.fp.folder.read("triggers/fight.trigger"),
               "flag1=1\r\npattern1=?\r\naction=#nop\r\npattern1=?\r\naction=#nop\r\n");
-    EXPECT_EQ(t.c.triggers.TriggerCount(), 2);  // in the tables at once
+    EXPECT_EQ(t.c.parts().triggers.TriggerCount(), 2);  // in the tables at once
     EXPECT_TRUE(e.TList.empty());               // the list waits for Refresh
 
     t.trigger("fight.trigger", "; note\r\npattern1=x\r\nAction=go\r\nFLAG2=3\r\nbad=1\r\nsay=no");
@@ -280,8 +280,8 @@ TEST(TriggerEditor, TemplateSavesLoadsAndSavesAgainAsTheOldEditorDid) {
     EXPECT_EQ(e.txtTRGLabel, "fight.trigger");
     ASSERT_EQ(e.btnTRGSave_Click(), "");
     EXPECT_EQ(t.fp.folder.read("gtriggers/fight.trigger"), "FLAG2=3\r\n\r\npattern1=x\r\nAction=go\r\n\r\n");
-    ASSERT_EQ(t.c.triggers.GlobalTriggerCount(), 2);  // the blank line makes an empty first part
-    EXPECT_EQ(t.c.triggers.GlobalTriggerTable[1].Action, "go");
+    ASSERT_EQ(t.c.parts().triggers.GlobalTriggerCount(), 2);  // the blank line makes an empty first part
+    EXPECT_EQ(t.c.parts().triggers.GlobalTriggerTable[1].Action, "go");
 
     e.listIndex = -1;
     EXPECT_EQ(e.TList_DblClick(), "");
@@ -290,7 +290,7 @@ TEST(TriggerEditor, TemplateSavesLoadsAndSavesAgainAsTheOldEditorDid) {
 
 TEST(TriggerEditor, FailedSavesAndDeletesSayWhyAndKeepTheBoxes) {
     TriggerFixture t;
-    TriggerEditor& e = t.c.triggerEditor;
+    TriggerEditor& e = t.c.parts().triggerEditor;
     e.btnTRGNew_Click();
     e.txtTRGLabel = "a.trigger";
     EXPECT_NE(e.btnTRGSave_Click(), "") << "no folder";
@@ -306,14 +306,14 @@ TEST(TriggerEditor, FailedSavesAndDeletesSayWhyAndKeepTheBoxes) {
     ASSERT_EQ(e.btnTRGSave_Click(), "");
     auto yes = [](const std::string&, const std::string&) { return true; };
     EXPECT_EQ(e.btnTRGDelete_Click(yes), "");
-    EXPECT_EQ(t.c.triggers.TriggerCount(), 2);  // still active until a reload
+    EXPECT_EQ(t.c.parts().triggers.TriggerCount(), 2);  // still active until a reload
     e.txtTRGLabel = "a.trigger";
     e.txtTRGBody = "kept";
     EXPECT_EQ(e.btnTRGDelete_Click(yes),
               "Cannot delete the trigger " + t.fp.files.absolute("triggers/a.trigger") + ": there is no such file.");
     EXPECT_EQ(e.txtTRGBody, "kept");
     e.Reload_Click();
-    EXPECT_EQ(t.c.triggers.TriggerCount(), 0);
+    EXPECT_EQ(t.c.parts().triggers.TriggerCount(), 0);
 }
 
 }  // namespace

@@ -18,7 +18,7 @@ using namespace std::string_literals;
 const std::string kAnswer("\xFF\xFA\x18\x00" "ANSI" "\x00\xFF\xF0", 11);
 
 bool shows(qt::MainForm& form, const char* text) {
-    return form.client().windows.text[kMainWindow].text().find(text) != std::string_view::npos;
+    return form.client().parts().windows.text[kMainWindow].text().find(text) != std::string_view::npos;
 }
 
 void type(QLineEdit* box, const char* line) {
@@ -38,7 +38,7 @@ TEST(SessionOnTheWire, BytesWindowAndLogOfTwoConnectionsOnOneDay) {
     auto* disconnectButton = form.findChild<QPushButton*>("CMD_DISCONNECT");
     auto* text1 = form.findChild<QLineEdit*>("Text1");
     ASSERT_TRUE(connectButton && disconnectButton && text1);
-    ASSERT_EQ(form.client().bar.CurrentSite.ShortName, "loc");
+    ASSERT_EQ(form.client().parts().bar.CurrentSite.ShortName, "loc");
 
     // First connection: init string, then the terminal type answer to DO 24,
     // then a typed line with ";;" in it.
@@ -50,7 +50,7 @@ TEST(SessionOnTheWire, BytesWindowAndLogOfTwoConnectionsOnOneDay) {
     EXPECT_EQ(server.received[0], init + kAnswer + "look\r\nsay hi\r\n");
     EXPECT_TRUE(text1->text().isEmpty());
 
-    const std::string window0(form.client().windows.text[0].text());
+    const std::string window0(form.client().parts().windows.text[0].text());
     EXPECT_NE(window0.find("Welcome"), std::string::npos);
     EXPECT_EQ(window0.substr(window0.size() - 14), "look\r\nsay hi\r\n");  // the echo
 

@@ -24,9 +24,9 @@ TEST(TriggerServer, LinesFireActionsThatSendSetFlagsAndInject) {
                         "pattern1=HP:\r\npattern1=MV:\r\naction=#SV WHO bob\r\npattern1=HP:\r\npattern1=MV:\r\naction=look");
     qt::MainForm form(client.platform);
     form.listenTo(client.socket);
-    form.client().bar.Site = "127.0.0.1";
-    form.client().bar.PPort = server.port();
-    form.client().session.CMD_CONNECT_Click();
+    form.client().parts().bar.Site = "127.0.0.1";
+    form.client().parts().bar.PPort = server.port();
+    form.client().parts().session.CMD_CONNECT_Click();
     ASSERT_TRUE(QTest::qWaitFor([&] { return server.current && client.socket.state() == Socket::kConnected; }, 5000));
 
     auto exchange = [&](const char* text, const std::string& expected) {

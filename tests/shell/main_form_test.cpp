@@ -60,7 +60,7 @@ TEST(StartUp, TabsOpenOnTheirFirstPageAndTheCheckBoxesOfThePageSystemSwitchTheCo
 
     Client& c = f.form().client();
     for (const char* box : {"IG", "CT", "DebugInfo"}) f.control<QCheckBox>(box)->click();
-    EXPECT_TRUE(!c.windows.Graphics && !c.pipeline.CleanerText && c.debug.enabled);
+    EXPECT_TRUE(!c.parts().windows.Graphics && !c.parts().pipeline.CleanerText && c.parts().debug.enabled);
 }
 
 TEST(MainFormLayout, WidthWidensTheWorkAreaHeightMovesTheCommandLineAndATinyWindowRestores) {
@@ -113,7 +113,7 @@ TEST(CommandLine, EnterSendsTheLineInTheCodePageAndEmptiesTheBoxEscapeHidesAndKe
 
 class ThrowingSocket : public FakeSocket {
 public:
-    void sendData(const std::string&) override { throw std::runtime_error("socket broke"); }
+    bool sendData(const std::string&) override { throw std::runtime_error("socket broke"); }
 };
 
 TEST(CommandLine, AFailureInTheCoreIsToldOnTheDebugChannelAndTheProgramGoesOn) {
@@ -126,7 +126,7 @@ TEST(CommandLine, AFailureInTheCoreIsToldOnTheDebugChannelAndTheProgramGoesOn) {
     auto* text1 = form.findChild<QLineEdit*>("Text1");
     text1->setText("look");
     QTest::keyClick(text1, Qt::Key_Return);
-    const std::string debug(form.client().windows.text[kDebugWindow].text());
+    const std::string debug(form.client().parts().windows.text[kDebugWindow].text());
     EXPECT_NE(debug.find("Text1_KeyPress: socket broke"), std::string::npos) << debug;
     EXPECT_TRUE(text1->text().isEmpty());
 }
@@ -192,7 +192,7 @@ TEST(FlagsForm, KeywordsShowWhileOpenAndClicksReachTheNextKeyword) {
     QTest::mouseClick(box(12), Qt::LeftButton);
     QTest::keyClick(flags, Qt::Key_Escape);
     EXPECT_FALSE(flags->isVisible());
-    EXPECT_TRUE(f.form().client().flags.value[12]);
+    EXPECT_TRUE(f.form().client().parts().flags.value[12]);
     QTest::mouseClick(f.control<QPushButton>("BTN_Flags"), Qt::LeftButton);
     EXPECT_TRUE(box(12)->isChecked());
     QTest::mouseClick(flags->BTN_Close, Qt::LeftButton);

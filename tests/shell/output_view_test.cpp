@@ -64,7 +64,7 @@ TEST(OutputView, LongLinesWrapAtTheViewsWidthAndNewTextBringsTheViewToTheEnd) {
     const int cols = t->columns();
     ASSERT_GT(cols, 10);
     const std::string longLine(static_cast<std::size_t>(cols * 2 + 1), 'x');
-    f.form().client().writer.W_Print(longLine + "\r\nshort", kMainWindow);
+    f.form().client().parts().writer.W_Print(longLine + "\r\nshort", kMainWindow);
     f.form().syncFromCore();
     EXPECT_EQ(t->lineCount(), 2);
     EXPECT_EQ(t->rowCount(), 4);
@@ -75,20 +75,20 @@ TEST(OutputView, LongLinesWrapAtTheViewsWidthAndNewTextBringsTheViewToTheEnd) {
 
     // New text brings the view back to the end.
     Client& c = f.form().client();
-    for (int i = 0; i < 100; ++i) c.writer.W_Print("line " + std::to_string(i) + "\r\n", kMainWindow);
+    for (int i = 0; i < 100; ++i) c.parts().writer.W_Print("line " + std::to_string(i) + "\r\n", kMainWindow);
     f.form().syncFromCore();
     QScrollBar* bar = t->verticalScrollBar();
     ASSERT_GT(bar->maximum(), 0);
     EXPECT_EQ(bar->value(), bar->maximum());
     bar->setValue(0);
-    c.writer.W_Print("more\r\n", kMainWindow);
+    c.parts().writer.W_Print("more\r\n", kMainWindow);
     f.form().syncFromCore();
     EXPECT_EQ(bar->value(), bar->maximum());
 }
 
 TEST(OutputView, ASelectionCopiesTheTextAcrossLines) {
     FormFixture f;
-    f.form().client().writer.W_Print("abc\r\ndef", kMainWindow);
+    f.form().client().parts().writer.W_Print("abc\r\ndef", kMainWindow);
     f.form().syncFromCore();
     qt::OutputView* t = f.form().outputWindow(kMainWindow);
     QWidget* vp = t->viewport();

@@ -92,17 +92,17 @@ TEST(CloseWithData, EveryByteIsShownLoggedAndKeptBeforeTheCloseIsHandled) {
     // Connected after the window's own handler, so it sees the state the
     // close left behind; the road reads nothing once the socket is closed.
     QObject::connect(&form->qtPlatform()->socket, &qt::QtSocket::closed, [&] {
-        historyAtClose = c.history.text();
-        windowAtClose = std::string(c.windows.text[kMainWindow].text());
+        historyAtClose = c.parts().history.text();
+        windowAtClose = std::string(c.parts().windows.text[kMainWindow].text());
         closed = true;
     });
-    c.bar.Site = "127.0.0.1";
-    c.bar.PPort = server.port();
-    c.session.CMD_CONNECT_Click();
+    c.parts().bar.Site = "127.0.0.1";
+    c.parts().bar.PPort = server.port();
+    c.parts().session.CMD_CONNECT_Click();
     ASSERT_TRUE(QTest::qWaitFor([&] { return closed; }, 10000));
     EXPECT_EQ(historyAtClose, text.toStdString());
     EXPECT_EQ(windowAtClose.substr(windowAtClose.size() - 14), "the last words");
-    const std::string log = folder.read(c.log.currentPath());
+    const std::string log = folder.read(c.parts().log.currentPath());
     EXPECT_EQ(log.substr(log.size() - 16), "the last words\r\n");
     EXPECT_EQ(log.find("ERROR"), std::string::npos);
 }

@@ -22,19 +22,19 @@ struct ClientHarness {
         c.setDebugInfo(debugOn);
     }
 
-    std::string window(int win) const { return std::string(c.windows.text[win].text()); }
+    std::string window(int win) const { return std::string(c.parts().windows.text[win].text()); }
     std::string debugText() const { return window(kDebugWindow); }
-    WindowState& state(int win) { return c.windows.state[win]; }
-    std::string history() const { return c.history.text(); }
+    WindowState& state(int win) { return c.parts().windows.state[win]; }
+    std::string history() const { return c.parts().history.text(); }
     // What the open (or last opened) session log holds.
-    std::string logFile() const { return fp.folder.read(c.log.currentPath()); }
+    std::string logFile() const { return fp.folder.read(c.parts().log.currentPath()); }
     // A chunk from the server, as the socket's data event brings it.
     void receive(const std::string& chunk) {
         fp.socket.incoming = chunk;
-        c.session.s_DataArrival();
+        c.parts().session.s_DataArrival();
     }
     // Opens the day's log of a site, as a connection does.
-    void openLog(const std::string& shortName = "mud") { c.log.open(shortName); }
+    void openLog(const std::string& shortName = "mud") { c.parts().log.open(shortName); }
     void setGraphicsOff() { c.setGraphics(false); }
 };
 

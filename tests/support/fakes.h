@@ -30,10 +30,12 @@ public:
         d.swap(incoming);
         return d;
     }
-    void sendData(const std::string& bytes) override {
+    bool sendData(const std::string& bytes) override {
         if (onSend) onSend(bytes);
+        if (refuseWrites) return false;
         sent += bytes;
         writes.push_back(bytes);
+        return true;
     }
 
     bool connected = false;
@@ -42,6 +44,8 @@ public:
     std::vector<std::string> writes;
     std::vector<std::string> connects;
     int closes = 0;
+    // Every write fails, as on a connection the kernel has given up.
+    bool refuseWrites = false;
     // Called before a write is recorded, to see what else had happened by then.
     std::function<void(const std::string&)> onSend;
 };

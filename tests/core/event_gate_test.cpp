@@ -1,0 +1,63 @@
+// The gate that keeps one handler at a time: events that come while a
+// handler is busy wait and run in order once it is over.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "shell/event_gate.h"
+
+namespace kelpa::test {
+namespace {
+
+TEST(EventGate, EventsDuringAHandlerWaitAndRunInOrderOnceItIsOver) {
+    EventGate gate;
+    std::vector<std::string> seen;
+    int afterHandlers = 0;
+    gate.setAfterHandlers([&] {
+        seen.push_back("after");
+        ++afterHandlers;
+    });
+    auto event = [&](EventGate::Key key, std::string name) {
+        return gate.enter(key, [&seen, name] { seen.push_back(name); });
+    };
+
+    EXPECT_TRUE(event(EventGate::kEach, "idle"));
+    gate.run([&] {
+        seen.push_back("box opens");
+        // What a nested event loop delivers while the box is up.
+        EXPECT_FALSE(event(EventGate::kData, "data"));
+        EXPECT_FALSE(event(EventGate::kAsTimer, "tick"));
+        EXPECT_FALSE(event(EventGate::kAsTimer, "tick again"));  // a late timer fires once
+        EXPECT_FALSE(event(EventGate::kData, "more data"));
+        EXPECT_FALSE(event(EventGate::kEach, "close"));
+        EXPECT_FALSE(event(EventGate::kEach, "error"));
+        // A handler inside the handler (a window the box leaves enabled)
+        // runs at once and drains nothing.
+        gate.run([&] { seen.push_back("inner"); });
+        seen.push_back("box closes");
+    });
+    EXPECT_EQ(seen, (std::vector<std::string>{"idle", "after", "box opens", "inner", "box closes", "data", "tick",
+                                              "close", "error", "after"}));
+    EXPECT_EQ(gate.waiting(), 0u);
+    EXPECT_EQ(afterHandlers, 2);
+}
+
+TEST(EventGate, AWaitingEventThatOpensABoxLetsTheNextOnesWaitBehindIt) {
+    EventGate gate;
+    std::vector<std::string> seen;
+    gate.run([&] {
+        gate.enter(EventGate::kData, [&] {
+            seen.push_back("data opens a box");
+            gate.enter(EventGate::kQueueTimer, [&] { seen.push_back("queue tick"); });
+            gate.enter(EventGate::kData, [&] { seen.push_back("data again"); });
+            seen.push_back("box closes");
+        });
+        gate.enter(EventGate::kEach, [&] { seen.push_back("close"); });
+    });
+    EXPECT_EQ(seen, (std::vector<std::string>{"data opens a box", "box closes", "close", "queue tick", "data again"}));
+    EXPECT_FALSE(gate.busy());
+}
+
+}  // namespace
+}  // namespace kelpa::test
