@@ -18,7 +18,8 @@ Client::Client(Platform& p)
       keywords({variables, flags, windows, writer, debug, pipeline, sender, p.host, commands}),
       macros(variables, p.files, debug, commands, keywords.OverrideDir),
       macroEditor(p.files, p.host, keywords.OverrideDir),
-      triggerEditor(p.files, [this] { LoadTriggers(); }) {
+      triggerEditor(p.files, [this] { LoadTriggers(); }),
+      historyViews(history, writer, windows, debug, p.files, [this] { return bar.CurrentSite.ShortName; }) {
     telnet.setSender([this](std::string& answer) { sender.S_SendData(answer); });
     commands.setExpander([this](const std::string& s) { return variables.S_ExpandVars(s); });
     commands.setWorkMeter([this] { return variables.expandedBytes(); });
@@ -39,6 +40,7 @@ void Client::Form_Load() {
     flags.reset();
     platform.random.seed(static_cast<std::uint32_t>(platform.clock.secondsSinceMidnight()));
     bar.reload(platform.files, [this](const std::string& w) { debug.DebugLog(w); });
+    historyViews.browser.brefresh_Click();
     triggerEditor.brefresh2_Click();
     macroEditor.brefresh3_Click();
     triggerEditor.btnTRGNew_Click();

@@ -11,6 +11,7 @@
 #include "command/variables.h"
 #include "command/sender.h"
 #include "history/history_text.h"
+#include "history/history_views.h"
 #include "history/session_log.h"
 #include "output/debug_channel.h"
 #include "output/output_writer.h"
@@ -77,6 +78,7 @@ public:
     MacroRunner macros;
     MacroEditor macroEditor;
     TriggerEditor triggerEditor;
+    HistoryViews historyViews;
 };
 
 }  // namespace kelpa

@@ -1,0 +1,232 @@
+#include "history/history_search.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+#include "common/run_error.h"
+#include "common/text.h"
+
+namespace kelpa {
+
+namespace {
+
+// The folded byte of each byte; 0 for the bytes that need a closer look
+// (CR, ESC, IAC) and for NUL, which shows nothing.
+constexpr std::array<unsigned char, 256> kFold = [] {
+    std::array<unsigned char, 256> t{};
+    for (int c = 0; c < 256; ++c) t[c] = foldCase1252(static_cast<unsigned char>(c));
+    t[0] = t['\r'] = t[27] = t[255] = 0;
+    return t;
+}();
+
+constexpr std::array<bool, 256> kFinal = [] {
+    std::array<bool, 256> t{};
+    for (char c : CsiFinals) t[static_cast<unsigned char>(c)] = true;
+    return t;
+}();
+
+// How many bytes the telnet sequence at p takes from the line, as the
+// writer takes it; a line break is never part of it.
+std::size_t telnetLength(const unsigned char* p, const unsigned char* end) {
+    if (end - p < 2) return 1;
+    const unsigned char cmd = p[1];
+    if (cmd == 240) return 2;
+    if (cmd >= 250 && cmd <= 253) {
+        if (end - p < 3 || p[2] == '\r') return 2;
+        return 3;
+    }
+    return 1;
+}
+
+}  // namespace
+
+void VisibleLines::fold(std::string_view raw, std::size_t rawStart) {
+    folded_.resize(raw.size() + 1);
+    foldedBegins_.clear();
+    rawBegins_.clear();
+    rawEnds_.clear();
+    const auto* const base = reinterpret_cast<const unsigned char*>(raw.data());
+    const unsigned char* p = base;
+    const unsigned char* const end = base + raw.size();
+    char* const out = folded_.data();
+    char* o = out;
+    foldedBegins_.push_back(0);
+    rawBegins_.push_back(rawStart);
+    while (p < end) {
+        const unsigned char f = kFold[*p];
+        if (f != 0) {
+            *o++ = static_cast<char>(f);
+            ++p;
+            continue;
+        }
+        const unsigned char b = *p;
+        if (b == '\r' && p + 1 < end && p[1] == '\n') {
+            rawEnds_.push_back(rawStart + static_cast<std::size_t>(p - base));
+            *o++ = '\n';
+            p += 2;
+            if (p < end) {
+                foldedBegins_.push_back(static_cast<std::size_t>(o - out));
+                rawBegins_.push_back(rawStart + static_cast<std::size_t>(p - base));
+            }
+        } else if (b == 27) {
+            // Up to the first final of the line; with none, only the ESC goes.
+            const unsigned char* q = p + 1;
+            while (q < end && !kFinal[*q] && !(*q == '\r' && q + 1 < end && q[1] == '\n')) ++q;
+            p = (q < end && kFinal[*q]) ? q + 1 : p + 1;
+        } else if (b == 255) {
+            p += telnetLength(p, end);
+        } else {
+            ++p;  // a lone CR or a NUL shows nothing
+        }
+    }
+    if (rawEnds_.size() < rawBegins_.size()) {
+        rawEnds_.push_back(rawStart + raw.size());
+        *o++ = '\n';
+    }
+    folded_.resize(static_cast<std::size_t>(o - out));
+}
+
+std::size_t VisibleLines::find(std::string_view needle, std::size_t from) const {
+    if (from >= folded_.size()) return std::string::npos;
+    const void* hit = ::memmem(folded_.data() + from, folded_.size() - from, needle.data(), needle.size());
+    return hit ? static_cast<std::size_t>(static_cast<const char*>(hit) - folded_.data()) : std::string::npos;
+}
+
+std::size_t VisibleLines::lineOf(std::size_t k) const {
+    const auto it = std::upper_bound(foldedBegins_.begin(), foldedBegins_.end(), k);
+    return static_cast<std::size_t>(it - foldedBegins_.begin()) - 1;
+}
+
+void HistorySearch::start(Kind kind, std::string_view text) {
+    kind_ = Kind::None;
+    ranges_.clear();
+    kept_.clear();
+    keptBytes_ = 0;
+    matches_ = 0;
+    text_.assign(text);
+    needle_.clear();
+    for (char c : text) needle_ += static_cast<char>(foldCase1252(static_cast<unsigned char>(c)));
+    if (needle_.empty()) return;
+    kind_ = kind;
+}
+
+void HistorySearch::BSeek_Click(std::string_view text) {
+    start(Kind::Seek, text);
+    if (kind_ == Kind::None) return;
+    const std::size_t len = history_.size();
+    // From the line after the page's top line to the end, then from the
+    // start through the top line.
+    const std::size_t cr = pager_.searchForward(pager_.topOfPage());
+    const std::size_t next = cr == 0 ? len : cr + 1;
+    if (next < len) ranges_.push_back({next, len});
+    if (next > 0) ranges_.push_back({0, next});
+    at_ = ranges_.empty() ? 0 : ranges_.front().begin;
+}
+
+void HistorySearch::BFilter_Click(std::string_view text) {
+    start(Kind::Filter, text);
+    if (kind_ == Kind::None) {
+        windows_.text[kHistView].clear();
+        windows_.state[kHistView].StartLen = 0;
+        return;
+    }
+    if (history_.size() > 0) ranges_.push_back({0, history_.size()});
+    at_ = 0;
+}
+
+bool HistorySearch::step() {
+    if (kind_ == Kind::None) return false;
+    std::size_t budget = kStepBytes;
+    while (!ranges_.empty() && budget > 0) {
+        Range& r = ranges_.front();
+        if (at_ >= r.end) {
+            ranges_.pop_front();
+            if (!ranges_.empty()) at_ = ranges_.front().begin;
+            continue;
+        }
+        std::string block = history_.read(at_, std::min(budget, r.end - at_));
+        if (block.empty()) {
+            at_ = r.end;  // nothing more can be read there
+            continue;
+        }
+        if (at_ + block.size() < r.end) {
+            // Whole lines only; a line longer than a step is read on to its end.
+            std::size_t cut = block.rfind(kCrLf);
+            while (cut == std::string::npos && at_ + block.size() < r.end) {
+                const std::size_t had = block.size();
+                const std::string more = history_.read(at_ + had, std::min(kStepBytes, r.end - at_ - had));
+                if (more.empty()) break;
+                block += more;
+                cut = block.find(kCrLf, had - 1);
+            }
+            if (cut != std::string::npos) block.resize(cut + 2);
+        }
+        lines_.fold(block, at_);
+        at_ += block.size();
+        budget -= std::min(budget, block.size());
+        bool stop = false;
+        lines_.forEachMatch(needle_, [&](std::size_t line) {
+            if (kind_ == Kind::Seek) {
+                endSeek(true, lines_.rawBegin(line));
+                stop = true;
+                return false;
+            }
+            ++matches_;
+            kept_.push_back({lines_.rawBegin(line), lines_.rawEnd(line)});
+            keptBytes_ += lines_.rawEnd(line) - lines_.rawBegin(line) + 2;
+            while (keptBytes_ > kFilterBytes && kept_.size() > 1) {
+                keptBytes_ -= kept_.front().end - kept_.front().begin + 2;
+                kept_.pop_front();
+            }
+            return true;
+        });
+        if (stop) return false;
+    }
+    if (!ranges_.empty()) return true;
+    if (kind_ == Kind::Seek)
+        endSeek(false, 0);
+    else
+        endFilter();
+    return false;
+}
+
+void HistorySearch::endSeek(bool found, std::size_t lineStart) {
+    kind_ = Kind::None;
+    ranges_.clear();
+    if (!found) {
+        debug_.DebugLog("Seek: no line holds \"" + text_ + "\"");
+        return;
+    }
+    history_.HistoryPos = HistoryPager::posOfLine(lineStart);
+    pager_.ShowHistoryPage();
+    if (showHistoryPage) showHistoryPage();
+}
+
+void HistorySearch::endFilter() {
+    kind_ = Kind::None;
+    OutputWindow& view = windows_.text[kHistView];
+    view.clear();
+    windows_.state[kHistView].StartLen = 0;
+    std::string heading = decimal(static_cast<long long>(matches_)) + (matches_ == 1 ? " line holds \"" : " lines hold \"") +
+                          text_ + "\"";
+    if (kept_.size() < matches_) heading += ", the newest " + decimal(static_cast<long long>(kept_.size())) + " shown";
+    heading += kCrLf;
+    try {
+        writer_.W_Print(heading, kHistView);
+    } catch (const RunError&) {
+    }
+    for (const Range& line : kept_) {
+        std::string bytes = history_.read(line.begin, line.end - line.begin);
+        bytes += kCrLf;
+        try {
+            writer_.W_Print(bytes, kHistView);
+        } catch (const RunError&) {
+            // A broken sequence ends that line only.
+        }
+    }
+    kept_.clear();
+    keptBytes_ = 0;
+}
+
+}  // namespace kelpa
