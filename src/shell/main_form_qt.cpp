@@ -14,6 +14,7 @@
 
 #include "command/bulk_dialog_qt.h"
 #include "command/macro_page_qt.h"
+#include "history/history_page_qt.h"
 #include "output/output_view_qt.h"
 #include "shell/qt_platform_qt.h"
 #include "toolkit/tab_control_qt.h"
@@ -114,6 +115,7 @@ void MainForm::syncFromCore() {
     flags_->sync();
     triggerPage_->sync();
     macroPage_->sync();
+    historyPage_->sync();
     // The captions of the custom tabs are the labels that LABELWINDOW gives.
     const TabCaptions& tabs = client_.keywords.tabs;
     if (tabs.revision != shownTabCaptions_) {
