@@ -36,9 +36,12 @@ public:
     }
     std::string read(std::size_t pos, std::size_t n) const override {
         std::string out(n, '\0');
-        const ssize_t r = pread(fd_, out.data(), n, static_cast<off_t>(pos));
-        out.resize(r > 0 ? static_cast<std::size_t>(r) : 0);
+        out.resize(readInto(pos, n, out.data()));
         return out;
+    }
+    std::size_t readInto(std::size_t pos, std::size_t n, char* out) const override {
+        const ssize_t r = pread(fd_, out, n, static_cast<off_t>(pos));
+        return r > 0 ? static_cast<std::size_t>(r) : 0;
     }
 
 private:

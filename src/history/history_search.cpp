@@ -135,6 +135,26 @@ void HistorySearch::BFilter_Click(std::string_view text) {
     at_ = 0;
 }
 
+std::string_view HistorySearch::readLines(std::size_t end, std::size_t n) {
+    auto readMore = [&](std::size_t have, std::size_t more) {
+        if (raw_.size() < have + more) raw_.resize(have + more);
+        return have + history_.readInto(at_ + have, more, raw_.data() + have);
+    };
+    std::size_t got = readMore(0, n);
+    if (got < n || at_ + got >= end) return {raw_.data(), got};
+    // Whole lines only; a line longer than a step is read on to its end.
+    std::string_view block(raw_.data(), got);
+    std::size_t cut = block.rfind(kCrLf);
+    while (cut == std::string_view::npos && at_ + got < end) {
+        const std::size_t had = got;
+        got = readMore(had, std::min(kStepBytes, end - at_ - had));
+        if (got == had) break;
+        block = std::string_view(raw_.data(), got);
+        cut = block.find(kCrLf, had - 1);
+    }
+    return cut == std::string_view::npos ? block : block.substr(0, cut + 2);
+}
+
 bool HistorySearch::step() {
     if (kind_ == Kind::None) return false;
     std::size_t budget = kStepBytes;
@@ -145,22 +165,10 @@ bool HistorySearch::step() {
             if (!ranges_.empty()) at_ = ranges_.front().begin;
             continue;
         }
-        std::string block = history_.read(at_, std::min(budget, r.end - at_));
+        const std::string_view block = readLines(r.end, std::min(budget, r.end - at_));
         if (block.empty()) {
             at_ = r.end;  // nothing more can be read there
             continue;
-        }
-        if (at_ + block.size() < r.end) {
-            // Whole lines only; a line longer than a step is read on to its end.
-            std::size_t cut = block.rfind(kCrLf);
-            while (cut == std::string::npos && at_ + block.size() < r.end) {
-                const std::size_t had = block.size();
-                const std::string more = history_.read(at_ + had, std::min(kStepBytes, r.end - at_ - had));
-                if (more.empty()) break;
-                block += more;
-                cut = block.find(kCrLf, had - 1);
-            }
-            if (cut != std::string::npos) block.resize(cut + 2);
         }
         lines_.fold(block, at_);
         at_ += block.size();
@@ -212,19 +220,19 @@ void HistorySearch::endFilter() {
                           text_ + "\"";
     if (kept_.size() < matches_) heading += ", the newest " + decimal(static_cast<long long>(kept_.size())) + " shown";
     heading += kCrLf;
-    try {
-        writer_.W_Print(heading, kHistView);
-    } catch (const RunError&) {
-    }
-    for (const Range& line : kept_) {
-        std::string bytes = history_.read(line.begin, line.end - line.begin);
-        bytes += kCrLf;
+    // Each line stands alone, as it was searched: a sequence left open at
+    // its end does not swallow the start of the next.
+    auto print = [&](const std::string& line) {
+        windows_.state[kHistView].Pending.clear();
         try {
-            writer_.W_Print(bytes, kHistView);
+            writer_.W_Print(line, kHistView);
         } catch (const RunError&) {
             // A broken sequence ends that line only.
         }
-    }
+    };
+    print(heading);
+    for (const Range& line : kept_) print(history_.read(line.begin, line.end - line.begin) + std::string(kCrLf));
+    windows_.state[kHistView].Pending.clear();
     kept_.clear();
     keptBytes_ = 0;
 }

@@ -64,7 +64,7 @@ private:
 class HistorySearch {
 public:
     // Bytes of history read in one step: a few milliseconds.
-    static constexpr std::size_t kStepBytes = std::size_t{4} << 20;
+    static constexpr std::size_t kStepBytes = std::size_t{1} << 20;
     // Filter fills window 6 up to its own size.
     static constexpr std::size_t kFilterBytes = 100000;
 
@@ -95,6 +95,8 @@ private:
     void start(Kind kind, std::string_view text);
     // Matches in [from, to), where `from` begins a line; false to stop.
     bool scan(std::size_t from, std::size_t to, const std::function<bool(std::size_t, std::size_t)>& onLine);
+    // Whole lines from at_ on, about `n` bytes of them, none at or past `end`.
+    std::string_view readLines(std::size_t end, std::size_t n);
     void endSeek(bool found, std::size_t lineStart);
     void endFilter();
 
@@ -110,6 +112,7 @@ private:
     // What is left to read, in order; the front one goes on at `at_`.
     std::deque<Range> ranges_;
     std::size_t at_ = 0;
+    std::string raw_;  // read buffer, kept between steps
     VisibleLines lines_;
     std::size_t matches_ = 0;
     std::deque<Range> kept_;
