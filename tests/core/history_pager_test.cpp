@@ -132,8 +132,15 @@ TEST(HistoryPager, SearchesAgreeWithThePlainReadingAcrossBlocks) {
         OutputWriter writer(windows, debug, telnet, ansi);
         HistoryPager pager(text, writer, windows);
         const PlainPager plain{s};
-        for (int i = 0; i < 300; ++i) {
-            const std::size_t p = s.empty() ? 0 : rng() % (s.size() + 1);
+        std::vector<std::size_t> probes;
+        for (int i = 0; i < 300; ++i) probes.push_back(s.empty() ? 0 : rng() % (s.size() + 1));
+        // Places where a line break falls across two reads of 4 KB.
+        for (std::size_t c = s.find("\r\n"); c != std::string::npos; c = s.find("\r\n", c + 1))
+            for (std::size_t d = 4094; d <= 4099; ++d) {
+                if (c + d <= s.size()) probes.push_back(c + d);
+                if (c >= d) probes.push_back(c - d);
+            }
+        for (std::size_t p : probes) {
             ASSERT_EQ(pager.searchBack(p), plain.back(p)) << "round " << round << " at " << p;
             ASSERT_EQ(pager.searchForward(p), plain.forward(p)) << "round " << round << " at " << p;
         }
