@@ -4,6 +4,10 @@
 #include <array>
 #include <cstring>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 #include "common/run_error.h"
 #include "common/text.h"
 
@@ -54,6 +58,31 @@ void VisibleLines::fold(std::string_view raw, std::size_t rawStart) {
     foldedBegins_.push_back(0);
     rawBegins_.push_back(rawStart);
     while (p < end) {
+#if defined(__SSE2__)
+        // Sixteen bytes at a time up to the next CR, ESC, IAC or NUL; plain
+        // ASCII is folded in the vector, other letters through the table.
+        if (end - p >= 16) {
+            const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+            const __m128i special =
+                _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(v, _mm_setzero_si128()), _mm_cmpeq_epi8(v, _mm_set1_epi8(13))),
+                             _mm_or_si128(_mm_cmpeq_epi8(v, _mm_set1_epi8(27)), _mm_cmpeq_epi8(v, _mm_set1_epi8(-1))));
+            const unsigned mask = static_cast<unsigned>(_mm_movemask_epi8(special));
+            const int plain = mask == 0 ? 16 : __builtin_ctz(mask);
+            const unsigned before = plain == 16 ? 0xFFFFu : (1u << plain) - 1;
+            if ((static_cast<unsigned>(_mm_movemask_epi8(v)) & before) == 0) {
+                // 'a'..'z' move to -128..-103 as signed bytes; only they are below -102.
+                // All sixteen are stored; the output never runs ahead of the input.
+                const __m128i shifted = _mm_add_epi8(v, _mm_set1_epi8(static_cast<char>(128 - 'a')));
+                const __m128i lower = _mm_cmplt_epi8(shifted, _mm_set1_epi8(-102));
+                _mm_storeu_si128(reinterpret_cast<__m128i*>(o), _mm_sub_epi8(v, _mm_and_si128(lower, _mm_set1_epi8(32))));
+            } else {
+                for (int i = 0; i < plain; ++i) o[i] = static_cast<char>(kFold[p[i]]);
+            }
+            o += plain;
+            p += plain;
+            if (plain == 16) continue;
+        }
+#endif
         const unsigned char f = kFold[*p];
         if (f != 0) {
             *o++ = static_cast<char>(f);

@@ -131,10 +131,12 @@ TEST(HistorySearch, FilterCountsAgreeWithThePlainReadingOverManySteps) {
     Search t;
     std::mt19937 rng(7);
     std::string run;
-    const char* pieces[] = {"orc", "\x1b[1;3", "1m", "O", "R", "C", "\x1b[0m", "\r\n", "\r", "x", "\xe9", "\x1b"};
-    while (run.size() < HistorySearch::kStepBytes * 2 + 12345) run += pieces[rng() % 12];
+    // Letters and their neighbours in the code ("`" and "{" around a to z).
+    const char* pieces[] = {"orc", "\x1b[1;3", "1m", "O", "R", "C", "\x1b[0m", "\r\n", "\r",
+                            "x",   "\xe9",     "\x1b", "z", "{", "`", "@", "Z", "a"};
+    while (run.size() < HistorySearch::kStepBytes * 2 + 12345) run += pieces[rng() % std::size(pieces)];
     t.c.history.append(run);
-    for (const std::string needle : {"ORC", "X\xc9", "RX"}) {
+    for (const std::string needle : {"ORC", "X\xc9", "RX", "Z{", "`A"}) {
         t.filter(needle);
         const std::string shown = t.window(kHistView);
         EXPECT_EQ(shown.substr(0, shown.find(' ')), std::to_string(plainCount(run, needle))) << needle;
