@@ -1,41 +1,167 @@
 #include "history/history_page_qt.h"
 
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
 
+#include "output/output_view_qt.h"
+#include "toolkit/tab_control_qt.h"
 #include "toolkit/widget_kit_qt.h"
 
 namespace kelpa::qt {
 
-void buildHistoryPage(QWidget* page) {
-    auto* dlist = new QListWidget(page);
+namespace {
+
+// A double click anywhere in the list, also below its entries.
+class DayList : public QListWidget {
+public:
+    using QListWidget::QListWidget;
+    std::function<void()> onDoubleClick;
+
+protected:
+    void mouseDoubleClickEvent(QMouseEvent* e) override {
+        QListWidget::mouseDoubleClickEvent(e);
+        if (onDoubleClick) onDoubleClick();
+    }
+};
+
+// The key codes the view knows; any other key gives 0.
+int keyCode(int qtKey) {
+    switch (qtKey) {
+        case Qt::Key_PageUp: return HistoryPager::kPageUp;
+        case Qt::Key_PageDown: return HistoryPager::kPageDown;
+        case Qt::Key_End: return HistoryPager::kEnd;
+        case Qt::Key_Home: return HistoryPager::kHome;
+        case Qt::Key_Up: return HistoryPager::kUp;
+        case Qt::Key_Down: return HistoryPager::kDown;
+        default: return 0;
+    }
+}
+
+QPushButton* button(const char* name, const char* caption, QWidget* parent) {
+    auto* b = new QPushButton(QString::fromLatin1(caption), parent);
+    b->setObjectName(QString::fromLatin1(name));
+    b->setAutoDefault(false);
+    return b;
+}
+
+}  // namespace
+
+HistoryPage::HistoryPage(const Controls& controls, HistoryViews& views, Guard guard)
+    : QObject(controls.page), c_(controls), views_(views), guard_(std::move(guard)) {
+    QWidget* page = c_.page;
+    auto* dlist = new DayList(page);
     dlist->setObjectName(QStringLiteral("DList"));
     dlist->setSortingEnabled(true);
     dlist->setFont(monospaceFont(8.25));
+    dlist->onDoubleClick = [this] { DList_DblClick(); };
+    DList = dlist;
 
     auto* dates = new QLabel(QStringLiteral("Dates"), page);
     dates->setObjectName(QStringLiteral("Label1"));
 
-    auto* loading = new QLabel(QStringLiteral("Loading ....."), page);
-    loading->setObjectName(QStringLiteral("Label8"));
+    Label8 = new QLabel(QStringLiteral("Loading ....."), page);
+    Label8->setObjectName(QStringLiteral("Label8"));
     QFont big(QStringLiteral("DejaVu Sans"));
     big.setPointSizeF(24);
     big.setBold(true);
     big.setItalic(true);
-    loading->setFont(big);
-    QPalette p = loading->palette();
+    Label8->setFont(big);
+    QPalette p = Label8->palette();
     p.setColor(QPalette::WindowText, QColor(128, 64, 0));
-    loading->setPalette(p);
-    loading->hide();
+    Label8->setPalette(p);
+    Label8->hide();
 
-    auto* seek = new QLineEdit(page);
-    seek->setObjectName(QStringLiteral("Tseek"));
-    for (auto [name, caption] : {std::pair{"BSeek", "Seek"}, {"BFilter", "Filter"}, {"brefresh", "Refresh"}}) {
-        auto* b = new QPushButton(QString::fromLatin1(caption), page);
-        b->setObjectName(QString::fromLatin1(name));
+    Tseek = new QLineEdit(page);
+    Tseek->setObjectName(QStringLiteral("Tseek"));
+    BSeek = button("BSeek", "Seek", page);
+    BFilter = button("BFilter", "Filter", page);
+    brefresh = button("brefresh", "Refresh", page);
+
+    loader_.setInterval(0);
+    searcher_.setInterval(0);
+    connect(&loader_, &QTimer::timeout, this, [this] {
+        guard_("DList_DblClick", [&] {
+            if (!views_.browser.step()) loader_.stop();
+        });
+    });
+    connect(&searcher_, &QTimer::timeout, this, [this] { runSearch(); });
+    connect(brefresh, &QPushButton::clicked, this,
+            [this] { guard_("brefresh_Click", [&] { views_.browser.brefresh_Click(); }); });
+    connect(BSeek, &QPushButton::clicked, this, &HistoryPage::BSeek_Click);
+    connect(Tseek, &QLineEdit::returnPressed, this, &HistoryPage::BSeek_Click);
+    connect(BFilter, &QPushButton::clicked, this, &HistoryPage::BFilter_Click);
+    connect(c_.SSTab2, &TabControl::currentChanged, this, [this](int tab) {
+        if (seeking_) return;  // the seek drew the page already
+        guard_("SSTab2_Click", [&] { views_.pager.SSTab2_Click(tab); });
+    });
+    views_.search.showHistoryPage = [this] {
+        seeking_ = true;
+        c_.SSTab1->setCurrentIndex(0);
+        c_.SSTab2->setCurrentIndex(HistoryPager::kHistoryTab);
+        seeking_ = false;
+        c_.HistT->setFocus();
+    };
+    c_.HistT->installEventFilter(this);
+}
+
+bool HistoryPage::eventFilter(QObject* watched, QEvent* e) {
+    if (watched == c_.HistT && e->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(e)->key();
+        if (key == Qt::Key_Tab || key == Qt::Key_Backtab) return false;
+        // The view takes every other key itself: none moves a caret or scrolls.
+        guard_("HistT_KeyDown", [&] { views_.pager.HistT_KeyDown(keyCode(key)); });
+        return true;
     }
+    return QObject::eventFilter(watched, e);
+}
+
+void HistoryPage::DList_DblClick() {
+    const QList<QListWidgetItem*> chosen = DList->selectedItems();
+    const std::string item = chosen.isEmpty() ? std::string() : toCoreBytes(chosen.front()->text());
+    guard_("DList_DblClick", [&] { views_.browser.DList_DblClick(item); });
+    if (views_.browser.loading()) loader_.start();
+}
+
+void HistoryPage::BSeek_Click() {
+    const std::string text = toCoreBytes(Tseek->text());
+    guard_("BSeek_Click", [&] { views_.search.BSeek_Click(text); });
+    runSearch();
+}
+
+void HistoryPage::BFilter_Click() {
+    const std::string text = toCoreBytes(Tseek->text());
+    guard_("BFilter_Click", [&] { views_.search.BFilter_Click(text); });
+    runSearch();
+}
+
+// One step now, so that a short search answers at once; the rest from the timer.
+void HistoryPage::runSearch() {
+    bool more = false;
+    guard_("BSeek_Click", [&] { more = views_.search.step(); });
+    if (more)
+        searcher_.start();
+    else
+        searcher_.stop();
+}
+
+void HistoryPage::sync() {
+    const HistoryBrowser& b = views_.browser;
+    if (b.revision == shownRevision_) return;
+    shownRevision_ = b.revision;
+    QStringList items;
+    for (const std::string& name : b.DList) items << toQString(name);
+    QStringList shown;
+    for (int i = 0; i < DList->count(); ++i) shown << DList->item(i)->text();
+    if (items != shown) {
+        DList->clear();
+        DList->addItems(items);
+    }
+    Label8->setText(toQString(b.Label8Caption));
+    Label8->setVisible(b.Label8Visible);
+    c_.HistView->setVisible(b.HistViewVisible);
 }
 
 }  // namespace kelpa::qt

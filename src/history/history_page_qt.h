@@ -1,11 +1,71 @@
-// The controls of the history browser page, beside its view HistView.
+// The history's controls: the browser page of ToolsTabs (DList, Label8,
+// Tseek, BSeek, BFilter, brefresh, HistView) and the keys and page change
+// of HistT. They mirror the core's history views and hand every action to
+// them; loads and searches go on in steps from zero-interval timers, so the
+// event loop turns between two pieces.
 #pragma once
 
+#include <QObject>
+#include <QTimer>
+
+#include <cstdint>
+#include <functional>
+
+#include "history/history_views.h"
+
+class QLabel;
+class QLineEdit;
+class QListWidget;
+class QPushButton;
 class QWidget;
 
 namespace kelpa::qt {
 
-// Places come from the form's layout, which follows the window's size.
-void buildHistoryPage(QWidget* page);
+class OutputView;
+class TabControl;
+
+class HistoryPage : public QObject {
+    Q_OBJECT
+public:
+    using Guard = std::function<void(const char* handler, const std::function<void()>& f)>;
+
+    struct Controls {
+        QWidget* page;  // the page "History" of ToolsTabs, holding HistView
+        OutputView* HistView;
+        OutputView* HistT;
+        TabControl* SSTab1;
+        TabControl* SSTab2;
+    };
+
+    HistoryPage(const Controls& controls, HistoryViews& views, Guard guard);
+
+    // Shows what the browser changed since the last call.
+    void sync();
+    // A double click on DList: loads the selected day.
+    void DList_DblClick();
+
+    QListWidget* DList = nullptr;
+    QLabel* Label8 = nullptr;
+    QLineEdit* Tseek = nullptr;
+    QPushButton* BSeek = nullptr;
+    QPushButton* BFilter = nullptr;
+    QPushButton* brefresh = nullptr;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* e) override;
+
+private:
+    void BSeek_Click();
+    void BFilter_Click();
+    void runSearch();
+
+    Controls c_;
+    HistoryViews& views_;
+    Guard guard_;
+    QTimer loader_;
+    QTimer searcher_;
+    std::uint64_t shownRevision_ = ~std::uint64_t{0};
+    bool seeking_ = false;
+};
 
 }  // namespace kelpa::qt

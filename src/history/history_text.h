@@ -20,6 +20,14 @@ public:
     virtual std::size_t append(std::string_view bytes) = 0;
     // Up to `n` bytes from `pos`.
     virtual std::string read(std::size_t pos, std::size_t n) const = 0;
+    // The same into `out`, which has room for `n`; how many were read. For
+    // long reads into a buffer that is used again, so that no fresh memory
+    // is touched.
+    virtual std::size_t readInto(std::size_t pos, std::size_t n, char* out) const {
+        const std::string bytes = read(pos, n);
+        std::copy(bytes.begin(), bytes.end(), out);
+        return bytes.size();
+    }
 };
 
 // The text is the store's part (while there is a store) followed by the part
@@ -59,6 +67,24 @@ public:
         return out;
     }
     std::string text() const { return read(0, size()); }
+    // Up to `n` bytes from `pos` into `out`, which has room for them; how
+    // many were read.
+    std::size_t readInto(std::size_t pos, std::size_t n, char* out) const {
+        std::size_t got = 0;
+        if (pos < stored_) {
+            const std::size_t asked = std::min(n, stored_ - pos);
+            got = store_->readInto(pos, asked, out);
+            if (got < asked) return got;
+            n -= asked;
+            pos = stored_;
+        }
+        if (pos - stored_ < memory_.size()) {
+            const std::size_t m = std::min(n, memory_.size() - (pos - stored_));
+            std::copy_n(memory_.data() + (pos - stored_), m, out + got);
+            got += m;
+        }
+        return got;
+    }
 
     // Where the text goes from now on; only while nothing is held yet.
     void setStore(HistoryStore* store) {

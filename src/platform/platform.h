@@ -2,6 +2,7 @@
 // tests and fuzzers serve them with fakes.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -64,6 +65,17 @@ public:
     virtual bool write(std::string_view text, std::string_view more) = 0;
 };
 
+// A file open for reading from its start, shared with writers.
+class ReadFile {
+public:
+    virtual ~ReadFile() = default;
+    // The size when it was opened.
+    virtual std::size_t size() const = 0;
+    // Up to `n` bytes from where the last read ended, into `out` (replaced);
+    // how many were read.
+    virtual std::size_t read(std::string& out, std::size_t n) = 0;
+};
+
 // Files below the program's folder. Paths are relative to that folder and
 // use "/" as separator.
 class FileSystem {
@@ -77,6 +89,23 @@ public:
     virtual std::unique_ptr<AppendFile> openAppend(const std::string& path) = 0;
     // The whole file; false if it cannot be read.
     virtual bool readAll(const std::string& path, std::string& out) const = 0;
+    // Opens for reading; null on failure. Served here by a copy of the whole
+    // file, for file systems that keep their files in memory.
+    virtual std::unique_ptr<ReadFile> openRead(const std::string& path) const {
+        struct Copy : ReadFile {
+            std::string bytes;
+            std::size_t at = 0;
+            std::size_t size() const override { return bytes.size(); }
+            std::size_t read(std::string& out, std::size_t n) override {
+                out.assign(bytes, at, n);
+                at += out.size();
+                return out.size();
+            }
+        };
+        auto f = std::make_unique<Copy>();
+        if (!readAll(path, f->bytes)) return nullptr;
+        return f;
+    }
     // Replaces the file's content; never leaves a half-written file behind.
     virtual bool writeAll(const std::string& path, const std::string& bytes) = 0;
     // Names of the plain files in a folder that end with `suffix`, sorted.

@@ -30,6 +30,23 @@ private:
     std::FILE* f_;  // closed before the buffer goes
 };
 
+class StdReadFile : public ReadFile {
+public:
+    StdReadFile(std::FILE* f, std::size_t size) : f_(f), size_(size) {}
+    ~StdReadFile() override { std::fclose(f_); }
+    std::size_t size() const override { return size_; }
+    std::size_t read(std::string& out, std::size_t n) override {
+        out.resize(n);
+        const std::size_t got = std::fread(out.data(), 1, n, f_);
+        out.resize(got);
+        return got;
+    }
+
+private:
+    std::FILE* f_;
+    std::size_t size_;
+};
+
 }  // namespace
 
 StdFileSystem::StdFileSystem(std::filesystem::path root) : root_(std::move(root)) {}
@@ -74,6 +91,21 @@ bool StdFileSystem::readAll(const std::string& path, std::string& out) const {
     bool ok = !std::ferror(f);
     std::fclose(f);
     return ok;
+}
+
+std::unique_ptr<ReadFile> StdFileSystem::openRead(const std::string& path) const {
+    const std::filesystem::path p = full(path);
+    std::error_code ec;
+    if (!std::filesystem::is_regular_file(p, ec)) return nullptr;
+    std::FILE* f = std::fopen(p.c_str(), "rb");
+    if (!f) return nullptr;
+    // The size at this moment: a log that grows meanwhile is read only so far.
+    const auto size = std::filesystem::file_size(p, ec);
+    if (ec) {
+        std::fclose(f);
+        return nullptr;
+    }
+    return std::make_unique<StdReadFile>(f, static_cast<std::size_t>(size));
 }
 
 bool StdFileSystem::writeAll(const std::string& path, const std::string& bytes) {

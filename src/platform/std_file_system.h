@@ -16,6 +16,7 @@ public:
     bool createDirectories(const std::string& path) override;
     std::unique_ptr<AppendFile> openAppend(const std::string& path) override;
     bool readAll(const std::string& path, std::string& out) const override;
+    std::unique_ptr<ReadFile> openRead(const std::string& path) const override;
     bool writeAll(const std::string& path, const std::string& bytes) override;
     std::vector<std::string> list(const std::string& folder,
                                   const std::string& suffix) const override;

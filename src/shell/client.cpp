@@ -18,7 +18,8 @@ ClientParts::ClientParts(Platform& p)
       keywords({variables, flags, windows, writer, debug, pipeline, sender, p.host, commands}),
       macros(variables, p.files, debug, commands, keywords.OverrideDir),
       macroEditor(p.files, p.host, keywords.OverrideDir),
-      triggerEditor(p.files, [this] { LoadTriggers(); }) {
+      triggerEditor(p.files, [this] { LoadTriggers(); }),
+      historyViews(history, writer, windows, debug, p.files, [this] { return bar.CurrentSite.ShortName; }) {
     telnet.setSender([this](std::string& answer) { sender.S_SendData(answer); });
     commands.setExpander([this](const std::string& s) { return variables.S_ExpandVars(s); });
     commands.setWorkMeter([this] { return variables.expandedBytes(); });
@@ -39,6 +40,7 @@ void Client::Form_Load() {
     p_.flags.reset();
     p_.platform.random.seed(static_cast<std::uint32_t>(p_.platform.clock.secondsSinceMidnight()));
     p_.bar.reload(p_.platform.files, [this](const std::string& w) { p_.debug.DebugLog(w); });
+    p_.historyViews.browser.brefresh_Click();
     p_.triggerEditor.brefresh2_Click();
     p_.macroEditor.brefresh3_Click();
     p_.triggerEditor.btnTRGNew_Click();

@@ -13,6 +13,7 @@
 #include "command/variables.h"
 #include "command/sender.h"
 #include "history/history_text.h"
+#include "history/history_views.h"
 #include "history/session_log.h"
 #include "output/debug_channel.h"
 #include "output/output_writer.h"
@@ -59,6 +60,7 @@ struct ClientParts {
     MacroRunner macros;
     MacroEditor macroEditor;
     TriggerEditor triggerEditor;
+    HistoryViews historyViews;
 };
 
 class Client {
@@ -130,6 +132,8 @@ public:
     // The editor pages mirror these models and hand them the user's edits.
     TriggerEditor& triggerEditor() { return p_.triggerEditor; }
     MacroEditor& macroEditor() { return p_.macroEditor; }
+    // The History pages: the pager, the browser of day logs, Seek and Filter.
+    HistoryViews& historyViews() { return p_.historyViews; }
 
     ClientParts& parts() { return p_; }
     const ClientParts& parts() const { return p_; }

@@ -90,8 +90,11 @@ void MainForm::buildSystemPage(QWidget* page) {
 void MainForm::buildToolsPage(QWidget* page) {
     ToolsTabs_ = new TabControl(QStringLiteral("ToolsTabs"), palette().color(QPalette::Button), 3, page);
     QWidget* history = ToolsTabs_->addPage(QStringLiteral("History"));
-    makeView(kHistView, history);
-    buildHistoryPage(history);
+    OutputView* histView = makeView(kHistView, history);
+    historyPage_ = new HistoryPage({history, histView, views_[kHistT], SSTab1_, SSTab2_}, client_.historyViews(),
+                                   [this](const char* handler, const std::function<void()>& call) {
+                                       guardedCall(handler, call);
+                                   });
     triggerPage_ = new TriggerPage(ToolsTabs_->addPage(QStringLiteral("Triggers")), client_.triggerEditor(),
                                    [this](const char* handler, const std::function<void()>& call) {
                                        guardedCall(handler, call);

@@ -14,6 +14,7 @@
 
 #include "command/bulk_dialog_qt.h"
 #include "command/macro_page_qt.h"
+#include "history/history_page_qt.h"
 #include "output/output_view_qt.h"
 #include "shell/kelpa_icon_qt.h"
 #include "shell/qt_platform_qt.h"
@@ -133,6 +134,7 @@ void MainForm::syncFromCore() {
     flags_->sync();
     triggerPage_->sync();
     macroPage_->sync();
+    historyPage_->sync();
     // The captions of the custom tabs are the labels that LABELWINDOW gives.
     const TabCaptions& tabs = client_.tabCaptions();
     if (tabs.revision != shownTabCaptions_) {

@@ -30,6 +30,7 @@ namespace kelpa::qt {
 
 class BulkDialog;
 class FlagsForm;
+class HistoryPage;
 class MacroPage;
 class OutputView;
 class QtSocket;
@@ -59,6 +60,7 @@ public:
     FlagsForm* flagsForm() const { return flags_; }
     TriggerPage* triggerPage() const { return triggerPage_; }
     MacroPage* macroPage() const { return macroPage_; }
+    HistoryPage* historyPage() const { return historyPage_; }
     TabControl* tabs() const { return SSTab1_; }
 
     // The socket's events reach the handlers below.
@@ -143,6 +145,7 @@ private:
     FlagsForm* flags_ = nullptr;
     TriggerPage* triggerPage_ = nullptr;
     MacroPage* macroPage_ = nullptr;
+    HistoryPage* historyPage_ = nullptr;
     std::uint64_t shownTabCaptions_ = 0;
 
     std::vector<std::string> shownSites_;

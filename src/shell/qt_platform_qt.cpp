@@ -91,9 +91,14 @@ std::size_t MemoryFileHistory::append(std::string_view bytes) {
 
 std::string MemoryFileHistory::read(std::size_t pos, std::size_t n) const {
     std::string out(n, '\0');
+    out.resize(readInto(pos, n, out.data()));
+    return out;
+}
+
+std::size_t MemoryFileHistory::readInto(std::size_t pos, std::size_t n, char* out) const {
     std::size_t got = 0;
     while (got < n) {
-        const ssize_t r = pread(fd_, out.data() + got, n - got, static_cast<off_t>(pos + got));
+        const ssize_t r = pread(fd_, out + got, n - got, static_cast<off_t>(pos + got));
         if (r > 0)
             got += static_cast<std::size_t>(r);
         else if (r < 0 && errno == EINTR)
@@ -101,8 +106,7 @@ std::string MemoryFileHistory::read(std::size_t pos, std::size_t n) const {
         else
             break;
     }
-    out.resize(got);
-    return out;
+    return got;
 }
 
 QtPlatform::QtPlatform()

@@ -68,6 +68,7 @@ public:
 
     std::size_t append(std::string_view bytes) override;
     std::string read(std::size_t pos, std::size_t n) const override;
+    std::size_t readInto(std::size_t pos, std::size_t n, char* out) const override;
 
 private:
     int fd_ = -1;

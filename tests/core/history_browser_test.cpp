@@ -1,0 +1,114 @@
+// The history browser against real files: the list of days, and the loader
+// with its pieces, its caption, a growing log, a missing and an empty file.
+#include <gtest/gtest.h>
+
+#include "support/client_harness.h"
+
+namespace kelpa::test {
+namespace {
+
+struct Browser : ClientHarness {
+    HistoryBrowser& b = c.historyViews().browser;
+    Browser() { c.parts().bar.CurrentSite.ShortName = "mud"; }
+    void day(const std::string& name, const std::string& bytes) { fp.folder.write("logs/mud/" + name, bytes); }
+};
+
+std::string pattern(std::size_t n) {
+    std::string s(n, 'x');
+    for (std::size_t i = 0; i < n; ++i) s[i] = static_cast<char>('a' + i % 23);
+    return s;
+}
+
+TEST(HistoryBrowser, ListsTheDaysOfTheCurrentSiteOldestFirst) {
+    Browser t;
+    t.day("H.20261123.txt", "b");
+    t.day("H.20251231.txt", "a");
+    t.day("notes.txt", "-");
+    t.day("H.20261124.log", "-");
+    t.fp.folder.write("logs/other/H.20261122.txt", "-");
+    t.b.brefresh_Click();
+    EXPECT_EQ(t.b.DList, (std::vector<std::string>{"H.20251231.txt", "H.20261123.txt"}));
+    t.c.parts().bar.CurrentSite.ShortName = "none";  // no folder: no days, no message
+    t.b.brefresh_Click();
+    EXPECT_TRUE(t.b.DList.empty());
+}
+
+TEST(HistoryBrowser, LoadsADayInPiecesWithItsPercentage) {
+    struct Row {
+        std::size_t size;
+        std::vector<std::string> captions;
+    };
+    const Row rows[] = {
+        {1, {"Loading (100%)"}},
+        {32768, {"Loading (100%)"}},
+        {32769, {"Loading (100%)", "Loading (100%)"}},  // 99.997 rounds up
+        {70000, {"Loading (47%)", "Loading (94%)", "Loading (100%)"}},
+        {700000, {"Loading (05%)"}},  // only the first is checked
+    };
+    for (const Row& r : rows) {
+        Browser t;
+        const std::string bytes = pattern(r.size);
+        t.day("H.20261123.txt", bytes);
+        t.c.parts().history.append("before\r\n");
+        t.b.DList_DblClick("H.20261123.txt");
+        EXPECT_FALSE(t.b.HistViewVisible);
+        EXPECT_TRUE(t.b.Label8Visible);
+        for (std::size_t i = 0; i < r.captions.size(); ++i) {
+            t.b.step();
+            EXPECT_EQ(t.b.Label8Caption, r.captions[i]) << r.size << " piece " << i;
+            EXPECT_EQ(t.c.parts().history.HistoryPos, t.c.parts().history.size());
+        }
+        t.b.finish();
+        EXPECT_TRUE(t.history() == "before\r\n" + bytes) << r.size;
+        EXPECT_TRUE(t.b.HistViewVisible);
+        EXPECT_FALSE(t.b.Label8Visible);
+        EXPECT_FALSE(t.b.loading());
+    }
+}
+
+TEST(HistoryBrowser, ReadsOnlyWhatTheDayHeldAndLetsTextInBetween) {
+    Browser t;
+    const std::string first = pattern(40000);
+    t.day("H.20261123.txt", first);
+    t.b.DList_DblClick("H.20261123.txt");
+    t.b.step();
+    // The log grows and the server speaks while the load goes on.
+    t.fp.folder.write("logs/mud/H.20261123.txt", first + "grown later");
+    t.receive("chunk\r\n");
+    t.b.finish();
+    EXPECT_TRUE(t.history() == first.substr(0, 32768) + "chunk\r\n" + first.substr(32768));
+}
+
+TEST(HistoryBrowser, EndsInOrderWhenThereIsNothingToRead) {
+    Browser t;
+    t.day("H.20261120.txt", "");
+    t.day("H.20261121.txt", "day21\r\n");
+    t.b.brefresh_Click();
+    t.c.parts().bar.CurrentSite.ShortName = "other";  // the list belongs to "mud"
+    for (const char* item : {"H.20261120.txt", "", "H.20261199.txt"}) {
+        t.c.parts().windows.text[kHistView].append("old", {});
+        t.b.DList_DblClick(item);
+        EXPECT_FALSE(t.b.loading()) << item;
+        EXPECT_TRUE(t.b.HistViewVisible) << item;
+        EXPECT_FALSE(t.b.Label8Visible) << item;
+        EXPECT_EQ(t.window(kHistView), "") << item;
+        EXPECT_EQ(t.b.Label8Caption, "Loading .....") << item;
+    }
+    EXPECT_EQ(t.history(), "");
+    EXPECT_NE(t.debugText().find("Cannot read the log "), std::string::npos);
+    // An empty day of the current site, then a second day chosen during a load.
+    t.c.parts().bar.CurrentSite.ShortName = "mud";
+    t.b.DList_DblClick("H.20261120.txt");
+    EXPECT_EQ(t.b.Label8Caption, "Loading .....");
+    t.day("H.20261122.txt", pattern(50000));
+    t.b.DList_DblClick("H.20261122.txt");
+    t.b.step();
+    t.b.DList_DblClick("H.20261121.txt");
+    EXPECT_FALSE(t.b.HistViewVisible);
+    t.b.finish();
+    EXPECT_TRUE(t.history() == pattern(50000) + "day21\r\n");
+    EXPECT_TRUE(t.b.HistViewVisible);
+}
+
+}  // namespace
+}  // namespace kelpa::test

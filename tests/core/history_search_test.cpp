@@ -1,0 +1,174 @@
+// Seek and Filter: lines as the player saw them (colour and telnet left
+// out, case folded), the wrap at the end, the newest lines when they do not
+// all fit, a search replaced by the next, and a day loaded from disk.
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "support/client_harness.h"
+
+namespace kelpa::test {
+namespace {
+
+struct Search : ClientHarness {
+    HistorySearch& s = c.historyViews().search;
+    HistoryPager& pager = c.historyViews().pager;
+    int tabRequests = 0;
+    Search() { s.showHistoryPage = [this] { ++tabRequests; }; }
+    void seek(const std::string& text) {
+        s.BSeek_Click(text);
+        s.finish();
+    }
+    void filter(const std::string& text) {
+        s.BFilter_Click(text);
+        s.finish();
+    }
+    std::string topLine() const {
+        const std::string t = window(kHistT);
+        return t.substr(0, t.find("\r\n"));
+    }
+};
+
+const std::string kRun =
+    "You see an \x1b[1;31mOr\x1b[0mc here.\r\n"       // 1: colour inside the word
+    "A shopkeeper says: hello\r\n"                    // 2
+    "The o\xff\xfb\x01rc hits you.\r\n"               // 3: telnet inside the word
+    "Caf\xe9 \xc9T\xc9\r\n"                           // 4: accented letters
+    "orcish ORC orc\r\n"                              // 5: three times in one line
+    "prompt> ";                                       // 6: no line end yet
+
+TEST(HistorySearch, SeekFindsTheNextLineAsThePlayerSawItAndWraps) {
+    Search t;
+    t.c.parts().history.append(kRun);
+    t.pager.HistT_KeyDown(HistoryPager::kHome);
+    // From the top line on, the first line tested is the one after it.
+    const char* expected[] = {"The orc hits you.", "orcish ORC orc", "You see an Orc here.", "The orc hits you."};
+    for (const char* line : expected) {
+        t.seek("oRc");
+        EXPECT_EQ(t.topLine(), line);
+    }
+    EXPECT_EQ(t.tabRequests, 4);
+    t.seek("\xc9t\xe9");  // "ÉtÉ" typed as "Été"
+    EXPECT_EQ(t.topLine(), "Caf\xe9 \xc9T\xc9");
+    t.seek("prompt");
+    EXPECT_EQ(t.topLine(), "prompt> ");
+    EXPECT_EQ(t.c.parts().history.HistoryPos, t.c.parts().history.size() - 8 - 1);
+
+    // Nothing holds it: the debug window says so, and the page stays.
+    const std::size_t pos = t.c.parts().history.HistoryPos;
+    const auto shown = t.c.parts().windows.text[kHistT].revision();
+    t.seek("dragon");
+    EXPECT_EQ(t.c.parts().history.HistoryPos, pos);
+    EXPECT_EQ(t.c.parts().windows.text[kHistT].revision(), shown);
+    EXPECT_NE(t.debugText().find("Seek: no line holds \"dragon\""), std::string::npos);
+    EXPECT_EQ(t.tabRequests, 6);
+}
+
+TEST(HistorySearch, SeekFromTheEndStartsBelowTheLastPagesTopLine) {
+    Search t;
+    std::string text;
+    for (int i = 1; i <= 60; ++i) text += (i == 10 || i == 50 ? "orc " : "line ") + std::to_string(i) + "\r\n";
+    t.c.parts().history.append(text);  // at the end: the page set is lines 33 to 60
+    t.seek("orc");
+    EXPECT_EQ(t.topLine(), "orc 50");
+    t.seek("orc");
+    EXPECT_EQ(t.topLine(), "orc 10");
+}
+
+TEST(HistorySearch, FilterListsEveryMatchingLineUnderItsCount) {
+    Search t;
+    t.c.parts().history.append(kRun);
+    t.filter("orc");
+    EXPECT_EQ(t.window(kHistView),
+              "3 lines hold \"orc\"\r\nYou see an Orc here.\r\nThe orc hits you.\r\norcish ORC orc\r\n");
+    // Colours stay: "Or" in bold red.
+    const std::size_t at = t.window(kHistView).find("Or");
+    EXPECT_EQ(styleAt(t.c.parts().windows.text[kHistView], at).colour, rgb(128, 0, 0) + rgb(127, 127, 127));
+    t.filter("dragon");
+    EXPECT_EQ(t.window(kHistView), "0 lines hold \"dragon\"\r\n");
+    t.filter("");
+    EXPECT_EQ(t.window(kHistView), "");
+}
+
+TEST(HistorySearch, FilterKeepsTheNewestLinesThatFit) {
+    Search t;
+    std::string text;
+    const std::string pad(990, '.');
+    for (int i = 0; i < 300; ++i) text += "hit " + std::to_string(1000 + i) + pad + "\r\nmiss\r\n";
+    t.c.parts().history.append(text);
+    t.filter("HIT");
+    const std::string shown = t.window(kHistView);
+    EXPECT_EQ(shown.substr(0, shown.find("\r\n")), "300 lines hold \"HIT\", the newest 100 shown");
+    EXPECT_EQ(shown.find("hit 1200"), shown.find("\r\n") + 2);
+    EXPECT_EQ(shown.find("hit 1199"), std::string::npos);
+    EXPECT_NE(shown.find("hit 1299"), std::string::npos);
+}
+
+// The plain reading: strip sequences line by line, fold, look.
+std::size_t plainCount(const std::string& run, const std::string& needle) {
+    std::size_t count = 0, begin = 0;
+    while (begin <= run.size()) {
+        std::size_t end = run.find("\r\n", begin);
+        if (end == std::string::npos) end = run.size();
+        std::string seen;
+        for (std::size_t i = begin; i < end; ++i) {
+            const auto b = static_cast<unsigned char>(run[i]);
+            if (b == 27) {
+                const std::size_t fin = run.find_first_of(CsiFinals, i + 1);
+                if (fin < end) i = fin;
+            } else if (b != '\r' && b != 0) {
+                seen += static_cast<char>(foldCase1252(b));
+            }
+        }
+        if (seen.find(needle) != std::string::npos) ++count;
+        if (end == run.size()) break;
+        begin = end + 2;
+    }
+    return count;
+}
+
+TEST(HistorySearch, FilterCountsAgreeWithThePlainReadingOverManySteps) {
+    Search t;
+    std::mt19937 rng(7);
+    std::string run;
+    // Letters and their neighbours in the code ("`" and "{" around a to z).
+    const char* pieces[] = {"orc", "\x1b[1;3", "1m", "O", "R", "C", "\x1b[0m", "\r\n", "\r",
+                            "x",   "\xe9",     "\x1b", "z", "{", "`", "@", "Z", "a"};
+    while (run.size() < HistorySearch::kStepBytes * 2 + 12345) run += pieces[rng() % std::size(pieces)];
+    t.c.parts().history.append(run);
+    for (const std::string needle : {"ORC", "X\xc9", "RX", "Z{", "`A"}) {
+        t.filter(needle);
+        const std::string shown = t.window(kHistView);
+        EXPECT_EQ(shown.substr(0, shown.find(' ')), std::to_string(plainCount(run, needle))) << needle;
+    }
+}
+
+TEST(HistorySearch, ANewSearchReplacesTheRunningOne) {
+    Search t;
+    std::string text;
+    while (text.size() < HistorySearch::kStepBytes * 3) text += "an orc line\r\n";
+    text += "the dragon\r\n";
+    t.c.parts().history.append(text);
+    t.s.BFilter_Click("orc");
+    EXPECT_TRUE(t.s.step());  // more than one step
+    t.seek("dragon");
+    EXPECT_EQ(t.topLine(), "the dragon");
+    EXPECT_FALSE(t.s.running());
+    EXPECT_EQ(t.window(kHistView), "");  // the filter never ended
+}
+
+TEST(HistorySearch, SeekAndFilterReachALoadedDay) {
+    Search t;
+    t.c.parts().bar.CurrentSite.ShortName = "mud";
+    t.fp.folder.write("logs/mud/H.20261122.txt", "yesterday: a \x1b[32mtroll\x1b[0m fled\r\n");
+    t.receive("today\r\n");
+    t.c.historyViews().browser.DList_DblClick("H.20261122.txt");
+    t.c.historyViews().browser.finish();
+    t.seek("TROLL");
+    EXPECT_EQ(t.topLine(), "yesterday: a troll fled");
+    t.filter("troll fled");
+    EXPECT_EQ(t.window(kHistView), "1 line holds \"troll fled\"\r\nyesterday: a troll fled\r\n");
+}
+
+}  // namespace
+}  // namespace kelpa::test
