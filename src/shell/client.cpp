@@ -1,5 +1,7 @@
 #include "shell/client.h"
 
+#include "command/words.h"
+
 namespace kelpa {
 
 Client::Client(Platform& p)
@@ -18,7 +20,10 @@ Client::Client(Platform& p)
       keywords({variables, flags, windows, writer, debug, pipeline, sender, p.host, commands}),
       macros(variables, p.files, debug, commands, keywords.OverrideDir),
       macroEditor(p.files, p.host, keywords.OverrideDir),
-      triggerEditor(p.files, [this] { LoadTriggers(); }) {
+      triggerEditor(p.files, [this] { LoadTriggers(); }),
+      status(Val),
+      frames(status, debug, Val) {
+    wireStatus();
     telnet.setSender([this](std::string& answer) { sender.S_SendData(answer); });
     commands.setExpander([this](const std::string& s) { return variables.S_ExpandVars(s); });
     commands.setWorkMeter([this] { return variables.expandedBytes(); });
@@ -27,6 +32,13 @@ Client::Client(Platform& p)
         macros.S_RunMacro(l);
     });
     commands.setKeywordRunner([this](const std::string& line) { keywords.S_RunKeyword(line); });
+}
+
+void Client::wireStatus() {
+    session.setFrameExtractor(&frames);
+    // A password typed after the server's IAC WILL ECHO is sent but not shown.
+    telnet.setEchoListener([this](bool serverEchoes) { sender.setServerEchoes(serverEchoes); });
+    session.setConnectListener([this] { sender.setServerEchoes(false); });
 }
 
 void Client::Form_Load() {
@@ -43,6 +55,7 @@ void Client::Form_Load() {
     macroEditor.brefresh3_Click();
     triggerEditor.btnTRGNew_Click();
     macroEditor.BTNMacrosNew_Click();
+    status.startUp();
 }
 
 void Client::LoadTriggers() {

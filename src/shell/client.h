@@ -21,6 +21,8 @@
 #include "session/server_session.h"
 #include "output/telnet.h"
 #include "sites/connection_bar.h"
+#include "status/status_frames.h"
+#include "status/status_model.h"
 #include "triggers/flag_table.h"
 #include "triggers/trigger_editor.h"
 #include "triggers/trigger_store.h"
@@ -43,6 +45,7 @@ public:
     void as_timer_Timer();
     // Returns the next interval of the timer.
     int Queue_Timer();
+    void Timer3_Timer() { status.Timer3_Timer(); }
 
     // Enter in the command line with its text; Escape hides the window.
     void Text1_Enter(std::string text);
@@ -77,6 +80,11 @@ public:
     MacroRunner macros;
     MacroEditor macroEditor;
     TriggerEditor triggerEditor;
+    StatusModel status;
+    StatusFrames frames;
+
+private:
+    void wireStatus();
 };
 
 }  // namespace kelpa
