@@ -110,6 +110,7 @@ void MainForm::scheduleRefresh() {
 void MainForm::syncFromCore() {
     refresh_.stop();
     for (OutputView* v : views_) v->sync();
+    syncStatus();
     syncConnectionBar();
     flags_->sync();
     triggerPage_->sync();
@@ -168,6 +169,19 @@ void MainForm::connectControls() {
     connect(BTN_BULK_, &QPushButton::clicked, this, &MainForm::BTN_BULK_Click);
     connect(BTN_Flags_, &QPushButton::clicked, this, &MainForm::BTN_Flags_Click);
     Text1_->installEventFilter(this);
+    listenToStatusPanel();
+}
+
+void MainForm::listenToStatusPanel() {
+    status_.listen(client_.status, findChild<QWidget*>(QStringLiteral("Label11")), [this] { scheduleRefresh(); },
+                   [this] { Text1_->setFocus(); });
+}
+
+void MainForm::syncStatus() {
+    status_.sync(client_.status);
+    // While the server echoes, the command line shows dots.
+    const auto mode = client_.sender.serverEchoes() ? QLineEdit::Password : QLineEdit::Normal;
+    if (Text1_->echoMode() != mode) Text1_->setEchoMode(mode);
 }
 
 void MainForm::startTimers() {
@@ -176,9 +190,10 @@ void MainForm::startTimers() {
     connect(as_timer_, &QTimer::timeout, this, [this] { guarded("as_timer_Timer", [&] { client_.as_timer_Timer(); }); });
     as_timer_->start(1000);
 
-    // Turns changed status cells grey again, once the panel is fed.
+    // Turns changed status cells grey again.
     Timer3_ = new QTimer(this);
     Timer3_->setObjectName(QStringLiteral("Timer3"));
+    connect(Timer3_, &QTimer::timeout, this, [this] { guarded("Timer3_Timer", [&] { client_.Timer3_Timer(); }); });
     Timer3_->start(500);
 
     Queue_ = new QTimer(this);

@@ -59,6 +59,7 @@ public:
     TriggerPage* triggerPage() const { return triggerPage_; }
     MacroPage* macroPage() const { return macroPage_; }
     TabControl* tabs() const { return SSTab1_; }
+    const StatusPanel& statusPanel() const { return status_; }
 
     // The socket's events reach the handlers below.
     void listenTo(QtSocket& socket);
@@ -95,6 +96,8 @@ private:
     void connectControls();
     void startTimers();
     void syncConnectionBar();
+    void listenToStatusPanel();
+    void syncStatus();
     void Text1_Enter();
     void BTN_BULK_Click();
     void BTN_Flags_Click();

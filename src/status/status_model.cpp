@@ -94,6 +94,19 @@ void StatusModel::Timer3_Timer() {
     }
 }
 
+void StatusModel::Info1_MouseMove(int index) {
+    if (index < 0 || index >= kInfo1Count) return;
+    std::string text = decimal(index) + "=" + info1_[static_cast<std::size_t>(index)];
+    if (text == label9_) return;
+    label9_ = std::move(text);
+    changes_.label9 = true;
+}
+
+void StatusModel::Label11_DblClick() {
+    dbgVisible_ = !dbgVisible_;
+    changes_.dbg = true;
+}
+
 StatusModel::Changes StatusModel::takeChanges() {
     Changes c = changes_;
     changes_ = Changes{};

@@ -51,6 +51,10 @@ public:
 
     // Timer3: cells marked changed turn grey again.
     void Timer3_Timer();
+    // Label9, at the foot of the Dbg page, names the cell under the mouse.
+    void Info1_MouseMove(int index);
+    // Shows or hides the Dbg page's frame (hidden at start).
+    void Label11_DblClick();
 
     const std::string& Info1(int n) const { return info1_[static_cast<std::size_t>(n)]; }
     const std::string& Info2(int n) const { return info2_[static_cast<std::size_t>(n)]; }
@@ -59,6 +63,8 @@ public:
     std::uint32_t XInfo2Colour() const { return xinfo2Colour_; }
     const Bar& ShapeParam(int n) const { return bars_[static_cast<std::size_t>(n)]; }
     bool ItemChanged(int n) const { return itemChanged_[static_cast<std::size_t>(n)]; }
+    const std::string& Label9() const { return label9_; }
+    bool FRM_DBG_Visible() const { return dbgVisible_; }
 
     // What changed since the last call, for the widgets' next repaint.
     struct Changes {
@@ -66,7 +72,9 @@ public:
         std::bitset<kInfo2Count> info2;
         std::bitset<kXInfoCount> xinfo;  // text or colour
         std::bitset<kBarCount> bars;
-        bool any() const { return info1.any() || info2.any() || xinfo.any() || bars.any(); }
+        bool label9 = false;
+        bool dbg = false;  // the Dbg frame's visibility
+        bool any() const { return info1.any() || info2.any() || xinfo.any() || bars.any() || label9 || dbg; }
     };
     Changes takeChanges();
 
@@ -85,6 +93,8 @@ private:
     std::uint32_t xinfo2Colour_ = rgb(255, 255, 192);
     std::array<Bar, kBarCount> bars_{};
     std::array<bool, 61> itemChanged_{};
+    std::string label9_;
+    bool dbgVisible_ = false;
     Changes changes_;
 };
 

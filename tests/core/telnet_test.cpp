@@ -17,7 +17,7 @@ const std::string kAnswer = bytes({255, 250, 24, 0}) + "ANSI" + bytes({0, 255, 2
 
 // A text written to window 0, what the window and the debug window show,
 // and what waits for the next text.
-struct IacRow { std::string name, text, display, debug, pending; };
+struct IacRow { std::string name, text, display, debug, pending = {}; };
 
 const std::string ESC = "\x1B";
 
