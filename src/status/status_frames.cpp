@@ -1,9 +1,14 @@
 #include "status/status_frames.h"
 
+#include <bit>
 #include <cmath>
 #include <cstring>
 
 #include "common/text.h"
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace kelpa {
 
@@ -12,6 +17,21 @@ namespace {
 constexpr char kFrameStart = 24;
 constexpr char kItemEnd = 25;
 constexpr char kFrameEnd = 26;
+
+// The first byte at or after `i` that is a frame start or an IAC; `n` if none.
+std::size_t nextMark(const char* base, std::size_t i, std::size_t n) {
+#if defined(__SSE2__)
+    const __m128i start = _mm_set1_epi8(kFrameStart);
+    const __m128i iac = _mm_set1_epi8(kIac);
+    for (; i + 16 <= n; i += 16) {
+        const __m128i x = _mm_loadu_si128(reinterpret_cast<const __m128i*>(base + i));
+        const int hits = _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi8(x, start), _mm_cmpeq_epi8(x, iac)));
+        if (hits) return i + static_cast<std::size_t>(std::countr_zero(static_cast<unsigned>(hits)));
+    }
+#endif
+    while (i < n && base[i] != kFrameStart && base[i] != kIac) ++i;
+    return i;
+}
 
 }  // namespace
 
@@ -30,8 +50,7 @@ void StatusFrames::S_ExtractFrames(std::string& data) {
     while (r < n) {
         switch (state_) {
             case State::Text: {
-                std::size_t i = r;
-                while (i < n && base[i] != kFrameStart && base[i] != kIac) ++i;
+                const std::size_t i = nextMark(base, r, n);
                 text(i);
                 if (i == n) break;
                 if (base[i] == kFrameStart) {
@@ -90,6 +109,13 @@ void StatusFrames::S_ExtractFrames(std::string& data) {
                 // Only the new bytes are searched for the frame's end.
                 const void* end = std::memchr(base + r, kFrameEnd, n - r);
                 const std::size_t e = end ? static_cast<std::size_t>(static_cast<const char*>(end) - base) : n;
+                if (end && pending_.empty()) {
+                    // A frame whole in this chunk is read where it lies.
+                    S_SplitFrame(std::string_view(base + r, e - r));
+                    r = e + 1;
+                    state_ = State::Text;
+                    break;
+                }
                 keep(std::string_view(base + r, e - r));
                 r = e;
                 if (end) {
@@ -142,13 +168,13 @@ void StatusFrames::S_SplitFrame(std::string_view frame) {
 
 void StatusFrames::S_ApplyStatusItem(std::string_view item) {
     if (debug_.enabled) debug_.DebugLog("Interpreting " + std::string(item));
-    const double kind = std::nearbyint(val_(item));
+    const double kind = statusNumber(val_, item);
     if (kind != 1 && kind != 2) {
         debug_.DebugLog("Which i know nothing ...");
         return;
     }
     const std::string_view rest = item.size() > 2 ? item.substr(2) : std::string_view();
-    const double n = std::nearbyint(val_(rest));
+    const double n = statusNumber(val_, rest);
     const std::size_t comma = rest.find(',');
     const std::string_view value = comma == std::string_view::npos ? rest : rest.substr(comma + 1);
     // Numbers outside the arrays (negative ones too) are passed over.

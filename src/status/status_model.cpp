@@ -63,6 +63,7 @@ StatusModel::StatusModel(NumberReader val) : val_(val) {
 void StatusModel::startUp() {
     for (int i = 0; i < kInfo1Count; ++i) {
         info1_[static_cast<std::size_t>(i)].clear();
+        numbers_[static_cast<std::size_t>(i)] = 0;
         changes_.info1.set(static_cast<std::size_t>(i));
         if (i != 52) Info1_Change(i);
     }
@@ -74,6 +75,7 @@ void StatusModel::setInfo1(int n, std::string_view value) {
     std::string& caption = info1_[static_cast<std::size_t>(n)];
     if (caption == value) return;
     caption.assign(value);
+    numbers_[static_cast<std::size_t>(n)] = statusNumber(val_, caption);
     changes_.info1.set(static_cast<std::size_t>(n));
     Info1_Change(n);
 }
@@ -113,9 +115,7 @@ StatusModel::Changes StatusModel::takeChanges() {
     return c;
 }
 
-double StatusModel::number(int item) const {
-    return std::nearbyint(val_(info1_[static_cast<std::size_t>(item)]));
-}
+double StatusModel::number(int item) const { return numbers_[static_cast<std::size_t>(item)]; }
 
 void StatusModel::setBar(int bar, double width, std::uint32_t colour) {
     Bar& b = bars_[static_cast<std::size_t>(bar)];

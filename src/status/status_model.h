@@ -10,11 +10,9 @@
 #include <string_view>
 
 #include "output/window_state.h"
+#include "status/status_number.h"
 
 namespace kelpa {
-
-// The language's number reader (Val), handed in by whoever owns the model.
-using NumberReader = double (*)(std::string_view);
 
 std::string PositionName(long long n);
 
@@ -87,6 +85,8 @@ private:
 
     NumberReader val_;
     std::array<std::string, kInfo1Count> info1_{};
+    // The number of each caption, read when the caption is set.
+    std::array<double, kInfo1Count> numbers_{};
     std::array<std::string, kInfo2Count> info2_{};
     std::array<std::string, kXInfoCount> xinfo_{};
     std::array<std::uint32_t, kInfo1Count> back_{};

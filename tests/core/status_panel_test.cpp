@@ -2,7 +2,9 @@
 // from the model after the items a server sends.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
+#include <random>
 
 #include "command/words.h"
 #include "status/status_model.h"
@@ -151,4 +153,17 @@ TEST(StatusPanel, AlignmentWordAndColourAreIndependent) {
     EXPECT_EQ(p.m.XInfo2Colour(), rgb(255, 255, 0));
     p.set({{29, "9"}});
     EXPECT_EQ(p.m.XInfo2Colour(), rgb(255, 0, 0));
+}
+
+// The quick reading of plain digits gives what Val gives, on any text.
+TEST(StatusPanel, QuickNumbersAgreeWithVal) {
+    std::mt19937 rng(3);
+    const std::string alphabet = "0123456789-,. eE&Hh\t\n+d";
+    for (int i = 0; i < 20000; ++i) {
+        std::string s;
+        const std::size_t len = rng() % 12;
+        for (std::size_t k = 0; k < len; ++k) s += rng() % 3 ? alphabet[rng() % 10] : alphabet[rng() % alphabet.size()];
+        const double quick = statusNumber(Val, s), plain = std::nearbyint(Val(s));
+        EXPECT_TRUE(quick == plain || (std::isnan(quick) && std::isnan(plain))) << s;
+    }
 }
