@@ -101,6 +101,10 @@ TEST(StatusFrames, TelnetOptionTwentyFourIsNotAFrameStart) {
         EXPECT_EQ(h.fp.socket.writes.size(), row.answers);
         EXPECT_FALSE(h.c.frames.inFrame()) << "nothing is swallowed";
     }
+    // A subnegotiation that never ends is taken to be over past its bound.
+    ClientHarness h;
+    h.receive(bytes({255, 250, 24}) + std::string(StatusFrames::kMaxSubnegotiation, 'x') + frame({"1,8,7"}));
+    EXPECT_EQ(h.c.status.Info1(8), "7");
 }
 
 TEST(StatusFrames, ItemsTellTheDebugWindow) {
