@@ -20,6 +20,30 @@ const std::string& sampleStream() {
     return s;
 }
 
+// The sample with a status frame behind every line, and the same text
+// without them.
+const std::string& framedStream() {
+    static const std::string s = bench::generateStream({4u << 20, 7, true});
+    return s;
+}
+const std::string& framedStreamText() {
+    static const std::string s = [] {
+        std::string t;
+        const std::string& f = framedStream();
+        bool inFrame = false;
+        for (std::size_t i = 0; i < f.size(); ++i) {
+            const char c = f[i];
+            const bool telnetOption = i > 0 && static_cast<unsigned char>(f[i - 1]) >= 251 &&
+                                      static_cast<unsigned char>(f[i - 1]) <= 254 && i > 1 && f[i - 2] == '\xFF';
+            if (!inFrame && c == '\x18' && !telnetOption) inFrame = true;
+            else if (inFrame && c == '\x1A') inFrame = false;
+            else if (!inFrame) t += c;
+        }
+        return t;
+    }();
+    return s;
+}
+
 // A Client on the fakes whose files live in memory, connected, log open.
 struct MemoryClient {
     test::FakePlatform fp;
@@ -62,6 +86,44 @@ void BM_ReceiveRoad(benchmark::State& state) {
     state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * data.size()));
 }
 BENCHMARK(BM_ReceiveRoad)->Arg(512)->Arg(4 << 10)->Arg(64 << 10)->Unit(benchmark::kMillisecond);
+
+// The road with frames (1) and the same text without them (0), 4 KB chunks.
+void BM_ReceiveRoadFrames(benchmark::State& state) {
+    const std::string& data = state.range(0) ? framedStream() : framedStreamText();
+    MemoryClient m;
+    for (auto _ : state) {
+        for (std::size_t pos = 0; pos < data.size(); pos += 4096)
+            m.feed(std::string_view(data).substr(pos, 4096));
+        state.PauseTiming();
+        m.reset();
+        state.ResumeTiming();
+    }
+    // Per byte of text, so that both read alike.
+    state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * framedStreamText().size()));
+}
+BENCHMARK(BM_ReceiveRoadFrames)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
+
+// A 24 that never gets its 26: the rest of the stream goes into the frame.
+// Time per MB should not grow with the length; the frame kept stays bounded.
+void BM_EndlessFrame(benchmark::State& state) {
+    const std::size_t total = static_cast<std::size_t>(state.range(0)) << 20;
+    const std::string block(4096, 'x');
+    std::size_t kept = 0;
+    for (auto _ : state) {
+        state.PauseTiming();
+        auto m = std::make_unique<MemoryClient>();
+        state.ResumeTiming();
+        m->feed("\x18" "1,8,5\x19");
+        for (std::size_t done = 0; done < total; done += block.size()) m->feed(block);
+        kept = m->c.parts().frames.PendingFrame().capacity();
+        state.PauseTiming();
+        m.reset();
+        state.ResumeTiming();
+    }
+    state.counters["kept_bytes"] = static_cast<double>(kept);
+    state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * total));
+}
+BENCHMARK(BM_EndlessFrame)->Arg(1)->Arg(10)->Arg(40)->Unit(benchmark::kMillisecond);
 
 // The cost per byte as the run grows: the history holds everything; the
 // log in memory keeps it too (second argument 1) or only counts it (0).

@@ -188,6 +188,7 @@ int main(int argc, char** argv) {
     });
 
     long long t0 = 0, t1 = 0, paintsAtStart = 0;
+    std::uint64_t panelAtStart = 0;
     qt::QtSocket& socket = form->qtPlatform()->socket;
     QObject::connect(&socket, &qt::QtSocket::connected, [&] {
         t0 = nowNs();
@@ -195,6 +196,7 @@ int main(int argc, char** argv) {
         flooding = true;
         lastTick = 0;
         paintsAtStart = painted.paints;
+        panelAtStart = form->statusPanel().repaints;
         if (typingSeconds > 0) typist.start();
     });
     QObject::connect(&socket, &qt::QtSocket::closed, [&] {
@@ -245,7 +247,8 @@ int main(int argc, char** argv) {
     }
     const long long received =
         static_cast<long long>(history.size()) - typedBytes - answers * static_cast<long long>(answer.size());
-    const long long bytes = counts.at("bytes");
+    // Status frames leave the stream before the history.
+    const long long bytes = counts.at("bytes") - (counts.count("frame_bytes") ? counts.at("frame_bytes") : 0);
     const bool repeated = typingSeconds > 0;
     const long long esc = countOf(history, "\x1b");
     const long long crlf = countOf(history, "\r\n");
@@ -262,6 +265,8 @@ int main(int argc, char** argv) {
     std::printf("longest_stall_ms=%.2f\n", longestStall / 1e6);
     std::printf("repaints=%lld\nrepaints_per_s=%.1f\n", paints, paints / seconds);
     std::printf("repaints_within_2ms=%lld\n", painted.close);
+    const double panelPaints = static_cast<double>(form->statusPanel().repaints - panelAtStart);
+    std::printf("panel_repaints=%.0f\npanel_repaints_per_s=%.1f\n", panelPaints, panelPaints / seconds);
     std::printf("window0_chars=%zu\n", client.parts().windows.text[kMainWindow].size());
     std::printf("log_bytes=%zu\nlog_abandoned_chunks=%lld\n", log.size(), abandoned);
     if (!repeated) {

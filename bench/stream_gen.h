@@ -11,6 +11,7 @@
 #include <iterator>
 #include <random>
 #include <string>
+#include <utility>
 
 namespace kelpa::bench {
 
@@ -24,15 +25,16 @@ struct StreamCounts {
     std::size_t passwords = 0;  // IAC WILL ECHO ... IAC WONT ECHO
     std::size_t do24 = 0;
     std::size_t frames = 0;
+    std::size_t frameBytes = 0;  // 24 to 26, all of them
     std::size_t iac = 0;        // IAC bytes, all of them commands
 
     std::string format() const {
         char buf[512];
         std::snprintf(buf, sizeof buf,
                       "bytes=%zu\nline_ends=%zu\nprose_lines=%zu\nsgr=%zu\nbox_lines=%zu\n"
-                      "prompts=%zu\npasswords=%zu\ndo24=%zu\nframes=%zu\niac=%zu\n",
+                      "prompts=%zu\npasswords=%zu\ndo24=%zu\nframes=%zu\nframe_bytes=%zu\niac=%zu\n",
                       bytes, lineEnds, proseLines, sgr, boxLines, prompts, passwords, do24,
-                      frames, iac);
+                      frames, frameBytes, iac);
         return buf;
     }
 };
@@ -40,7 +42,7 @@ struct StreamCounts {
 struct StreamOptions {
     std::size_t size = 20u << 20;
     std::uint32_t seed = 1;
-    bool frames = false;  // status frames: 24, items ended by 25, 26
+    bool frames = false;  // a status frame of 6 items behind every line
 };
 
 class StreamGenerator {
@@ -58,7 +60,7 @@ public:
             else if (pick < 90) box();
             else if (pick < 99) prompt();
             else if (pick == 99 && rng_() % 8 == 0) password();
-            if (o_.frames && rng_() % 25 == 0) frame();
+            if (o_.frames) frame();
         }
         c_.bytes = out_.size();
         return std::move(out_);
@@ -143,12 +145,18 @@ private:
         crlf();
         ++c_.passwords;
     }
+    // A prompt-style frame: three pairs of the Life page.
     void frame() {
+        const std::size_t start = out_.size();
         out_ += '\x18';
-        out_ += "HP " + std::to_string(rng_() % 500) + '\x19';
-        out_ += "MP " + std::to_string(rng_() % 300) + '\x19';
+        for (auto [max, cur] : {std::pair{7, 8}, {11, 12}, {15, 16}}) {
+            const unsigned top = 100 + rng_() % 400;
+            out_ += "1," + std::to_string(max) + "," + std::to_string(top) + '\x19';
+            out_ += "1," + std::to_string(cur) + "," + std::to_string(rng_() % (top + 1)) + '\x19';
+        }
         out_ += '\x1A';
         ++c_.frames;
+        c_.frameBytes += out_.size() - start;
     }
 
     StreamOptions o_;

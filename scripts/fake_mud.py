@@ -2,14 +2,19 @@
 """A small scripted telnet server for trying Kelpa by hand and for screenshots.
 
 On each connection it asks for the terminal type (IAC DO 24), sends coloured
-ANSI lines, code page 437 box-drawing lines and a prompt ended by IAC GA,
-then answers every line it receives by echoing it. Standard library only.
+ANSI lines, code page 437 box-drawing lines, a status frame that fills the
+panel and a prompt ended by IAC GA, then answers every line it receives by
+echoing it. "fight" plays a fight: hit points fall and the position changes,
+one status frame a round, cut across two sends. "password" asks for one
+behind IAC WILL ECHO. Standard library only.
 """
 import argparse
 import os
 import socketserver
+import time
 
-IAC, DO, SB, SE, GA = 255, 253, 250, 240, 249
+IAC, WILL, WONT, DO, SB, SE, GA = 255, 251, 252, 253, 250, 240, 249
+ECHO = 1
 TTYPE = 24
 ESC = "\x1b"
 
@@ -45,6 +50,43 @@ def banner():
     return text + b"\r\n".join(coloured + box[5:]) + b"\r\n"
 
 
+def frame(items):
+    """A status frame: 24, items "kind,number,value" each ended by 25, then 26."""
+    body = b"".join(f"{kind},{n},{value}".encode("latin-1") + b"\x19" for kind, n, value in items)
+    return b"\x18" + body + b"\x1a"
+
+
+def full_panel():
+    stats = [(1, n, v) for n, v in enumerate([18, 12, 14, 16, 17, 9, 3])]
+    life = [(1, 7, 240), (1, 8, 240), (1, 9, 80), (1, 10, 62), (1, 11, 150), (1, 12, 40),
+            (1, 13, 50), (1, 14, 50), (1, 15, 120), (1, 16, 95), (1, 17, 1234)]
+    other = [(1, 18, 56000), (1, 19, "Kelpie the Brave"), (1, 20, 35), (1, 21, 60), (1, 22, 1),
+             (1, 24, 27), (1, 25, 3), (1, 26, 71), (1, 27, 180), (1, 28, 0), (1, 29, 0), (1, 30, 5)]
+    armour = [(1, n, 10 + n % 7) for n in range(31, 43)] + [(1, n, n - 40) for n in range(43, 48)]
+    body = [(1, 48, 20), (1, 49, 45), (1, 50, 70), (1, 51, 95), (1, 52, 11), (1, 53, 11)]
+    lines = [(2, 0, "Temple of the Tides"), (2, 1, "A cool breeze blows."), (2, 2, "Kelpie"),
+             (2, 3, "Level 12 Warrior"), (2, 4, "Clan of the Deep")]
+    return frame(stats + life + other + armour + body + lines)
+
+
+def fight(sock):
+    hp = 240
+    sock.sendall(frame([(1, 52, 9), (1, 53, 9), (2, 1, "You fight a sea troll.")]))
+    for damage in (31, 45, 28, 52, 40):
+        hp -= damage
+        update = frame([(1, 8, hp), (1, 10, 62 - damage // 4), (1, 16, 95 - damage // 3)])
+        text = f"{ESC}[1;31mThe troll hits you for {damage}.{ESC}[0m\r\n".encode()
+        cut = len(update) // 2
+        sock.sendall(text + update[:cut])
+        time.sleep(0.3)
+        sock.sendall(update[cut:] + prompt_for(hp))
+    sock.sendall(b"The troll dies.\r\n" + frame([(1, 52, 8), (1, 53, 5), (2, 1, "You rest.")]) + prompt_for(hp))
+
+
+def prompt_for(hp):
+    return f"{ESC}[0;33m<{hp}hp 50m>{ESC}[0m ".encode() + bytes([IAC, GA])
+
+
 def prompt():
     return f"{ESC}[0;33m<100hp 50m>{ESC}[0m ".encode() + bytes([IAC, GA])
 
@@ -69,7 +111,7 @@ class Handler(socketserver.BaseRequestHandler):
     def handle(self):
         sock = self.request
         sock.sendall(bytes([IAC, DO, TTYPE]))
-        sock.sendall(banner() + prompt())
+        sock.sendall(banner() + full_panel() + prompt())
         pending = b""
         while True:
             try:
@@ -85,6 +127,15 @@ class Handler(socketserver.BaseRequestHandler):
                 if line == b"quit":
                     sock.sendall(b"Bye.\r\n")
                     return
+                if line == b"fight":
+                    fight(sock)
+                    continue
+                if line == b"password":
+                    sock.sendall(b"Password: " + bytes([IAC, WILL, ECHO]))
+                    continue
+                if line.startswith(b"secret"):
+                    sock.sendall(bytes([IAC, WONT, ECHO]) + b"\r\nPassword accepted.\r\n" + prompt())
+                    continue
                 reply = f"{ESC}[0;32mYou said: {ESC}[1;37m".encode() + line + f"{ESC}[0m\r\n".encode()
                 sock.sendall(reply + prompt())
 

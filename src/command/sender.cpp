@@ -9,15 +9,20 @@ void Sender::S_SendData(std::string& X) {
     if (socket_.state() != Socket::kConnected) return;
     X = replaceAll(X, ";;", "\r\n");
     X = replaceAll(X, "\\.", "");
-    log_.print(X);
+    std::string lineEnds;
+    if (serverEchoes_)
+        for (char c : X)
+            if (c == '\r' || c == '\n') lineEnds += c;
+    const std::string& shown = serverEchoes_ ? lineEnds : X;
+    log_.print(shown);
     try {
-        writer_.W_Print(X, kMainWindow);
+        writer_.W_Print(shown, kMainWindow);
     } catch (const RunError&) {
         // A sequence the echo cannot show ends the echo only; the text is
         // still kept and sent.
     }
-    history_.append(X);
-    if (!socket_.sendData(X)) debug_.DebugLog(Socket::refusedLine(X));
+    history_.append(shown);
+    if (!socket_.sendData(X)) debug_.DebugLog(Socket::refusedLine(X, !serverEchoes_));
 }
 
 void Sender::s_queuedata(std::string& X) {

@@ -24,8 +24,15 @@ public:
           random_(random), host_(host) {}
 
     // Rewrites ";;" to CR LF and drops "\." in place, then logs, echoes,
-    // keeps and sends the text, only while connected.
+    // keeps and sends the text, only while connected. While the server
+    // echoes (a password), only the text's line ends are logged, echoed and
+    // kept.
     void S_SendData(std::string& X);
+
+    // From the server's IAC WILL ECHO to its IAC WONT ECHO or a new
+    // connection.
+    void setServerEchoes(bool on) { serverEchoes_ = on; }
+    bool serverEchoes() const { return serverEchoes_; }
     void s_queuedata(std::string& X);
     void S_SendDataNoSpam(std::string& X);
 
@@ -47,6 +54,7 @@ private:
     // Entries wait in the order they came; one leaves per tick.
     std::deque<std::string> QueueSlots;
     std::string LastNoSpam;
+    bool serverEchoes_ = false;
 };
 
 }  // namespace kelpa

@@ -49,8 +49,8 @@ QPushButton* button(const char* name, const char* caption, QWidget* parent) {
 
 }  // namespace
 
-HistoryPage::HistoryPage(const Controls& controls, HistoryViews& views, Guard guard)
-    : QObject(controls.page), c_(controls), views_(views), guard_(std::move(guard)) {
+HistoryPage::HistoryPage(const Controls& controls, HistoryViews& views, Guard guard, std::function<bool()> busy)
+    : QObject(controls.page), c_(controls), views_(views), guard_(std::move(guard)), busy_(std::move(busy)) {
     QWidget* page = c_.page;
     auto* dlist = new DayList(page);
     dlist->setObjectName(QStringLiteral("DList"));
@@ -82,12 +82,16 @@ HistoryPage::HistoryPage(const Controls& controls, HistoryViews& views, Guard gu
 
     loader_.setInterval(0);
     searcher_.setInterval(0);
+    // A step that comes due while a box is up waits for the next timeout.
     connect(&loader_, &QTimer::timeout, this, [this] {
+        if (busy_()) return;
         guard_("DList_DblClick", [&] {
             if (!views_.browser.step()) loader_.stop();
         });
     });
-    connect(&searcher_, &QTimer::timeout, this, [this] { runSearch(); });
+    connect(&searcher_, &QTimer::timeout, this, [this] {
+        if (!busy_()) runSearch();
+    });
     connect(brefresh, &QPushButton::clicked, this,
             [this] { guard_("brefresh_Click", [&] { views_.browser.brefresh_Click(); }); });
     connect(BSeek, &QPushButton::clicked, this, &HistoryPage::BSeek_Click);

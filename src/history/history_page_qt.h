@@ -37,7 +37,8 @@ public:
         TabControl* SSTab2;
     };
 
-    HistoryPage(const Controls& controls, HistoryViews& views, Guard guard);
+    // busy: a handler is running (a box is up); the page's own steps wait.
+    HistoryPage(const Controls& controls, HistoryViews& views, Guard guard, std::function<bool()> busy);
 
     // Shows what the browser changed since the last call.
     void sync();
@@ -62,6 +63,7 @@ private:
     Controls c_;
     HistoryViews& views_;
     Guard guard_;
+    std::function<bool()> busy_;
     QTimer loader_;
     QTimer searcher_;
     std::uint64_t shownRevision_ = ~std::uint64_t{0};

@@ -182,7 +182,21 @@ void OutputWriter::writeAll(std::string_view all, int win) {
         if (ink) out.commit(len, styleOf(st, st.Underline));
         pos += len;
         if (all[pos] == kIac) {
-            pos += telnet_.S_InterpretIac(all.substr(pos), win);
+            if (pos + 1 < all.size() && all[pos + 1] == kIac) {
+                // A doubled IAC is the data byte 255.
+                if (st.Ink) {
+                    *out.tail(1) = kIac;
+                    out.commit(1, styleOf(st, pos + 2 == all.size() ? out.caretUnderline() : st.Underline));
+                }
+                pos += 2;
+                continue;
+            }
+            const std::size_t used = telnet_.S_InterpretIac(all.substr(pos), win);
+            if (used == TelnetInterpreter::kUnfinished) {
+                st.Pending.assign(all.substr(pos));
+                return;
+            }
+            pos += used;
             continue;
         }
         // The usual colour change, "ESC [", parameter bytes and m, within

@@ -1,6 +1,5 @@
 #include "output/telnet.h"
 
-#include "common/run_error.h"
 #include "common/text.h"
 
 namespace kelpa {
@@ -26,64 +25,74 @@ std::string TelnetOptionName(int option) {
 
 namespace {
 
-int byteAt(std::string_view text, std::size_t i) {
-    if (i >= text.size()) throw RunError::invalidArgument("S_InterpretIac");
-    return static_cast<unsigned char>(text[i]);
-}
+int byteAt(std::string_view text, std::size_t i) { return static_cast<unsigned char>(text[i]); }
 
 }  // namespace
 
 std::size_t TelnetInterpreter::S_InterpretIac(std::string_view text, int win) {
+    // A sequence that the end of the text cuts is left whole for the next
+    // text, and nothing of it is told before it is complete.
+    if (text.size() < 2) return kUnfinished;
+    const int cmd = byteAt(text, 1);
+    if (cmd >= 250 && cmd <= 254 && text.size() < 3) return kUnfinished;
     // The words of an option are only built when they will be written: a
     // prompt's IAC GA comes with every line of some servers.
     auto optionWords = [&](int option, const char* after) {
         if (debug_.enabled) debug_.DebugLog(TelnetOptionName(option) + after);
     };
-    const int cmd = byteAt(text, 1);
-    debug_.DebugLog("IAC ;");
     switch (cmd) {
         case 240:
+            debug_.DebugLog("IAC ;");
             debug_.DebugLog(" EON ");
             return 2;
         case 250: {
-            debug_.DebugLog(" SB ;");
             const int option = byteAt(text, 2);
+            std::size_t se = std::string_view::npos;
+            if (option == 34) {
+                se = text.find("\xFF\xF0", 3);
+                if (se == std::string_view::npos && text.size() <= kMaxLinemodePayload) return kUnfinished;
+            }
+            debug_.DebugLog("IAC ;");
+            debug_.DebugLog(" SB ;");
             optionWords(option, ";");
             if (option != 34) {
                 // No parser: the payload stays in the text and is shown.
                 debug_.DebugLog(" ");
                 return 3;
             }
-            const std::size_t se = text.find("\xFF\xF0", 3);
-            if (se == std::string_view::npos) throw RunError::invalidArgument("S_InterpretIac");
+            if (se == std::string_view::npos) {
+                debug_.DebugLog("dropped " + decimal(static_cast<long long>(text.size() - 3)) +
+                                " bytes of a subnegotiation without its end");
+                return text.size();
+            }
             debug_.DebugLog(std::string(text.substr(3, se - 3)) + "IAC SE");
             return se + 2;
         }
         case 251:
-            debug_.DebugLog(" WILL ;");
-            optionWords(byteAt(text, 2), "");
-            return 3;
-        case 252: {
-            debug_.DebugLog(" WONT ;");
-            const int option = byteAt(text, 2);
-            if (option == 1) windows_.state[win].Ink = true;
-            optionWords(option, "");
-            return 3;
-        }
+        case 252:
         case 253: {
-            debug_.DebugLog(" DO ;");
             const int option = byteAt(text, 2);
+            debug_.DebugLog("IAC ;");
+            debug_.DebugLog(cmd == 251 ? " WILL ;" : cmd == 252 ? " WONT ;" : " DO ;");
+            if (cmd == 252 && option == 1) windows_.state[win].Ink = true;
             optionWords(option, "");
-            if (option == 24 && send_) {
+            if (option == 1 && cmd != 253 && win == kMainWindow && echo_) echo_(cmd == 251);
+            if (cmd == 253 && option == 24 && send_) {
                 std::string answer = kTerminalTypeAnswer;
                 send_(answer);
             }
             return 3;
         }
-        default:
-            // Only the IAC goes; the command byte is shown as text.
+        default: {
+            debug_.DebugLog("IAC ;");
             if (debug_.enabled) debug_.DebugLog("unknown iac command " + decimal(cmd));
+            // Telnet's own commands go whole: EOR and NOP to GA as two
+            // bytes, DONT with its option as three. Any other byte after an
+            // IAC is text.
+            if (cmd == 239 || (cmd >= 241 && cmd <= 249)) return 2;
+            if (cmd == 254) return 3;
             return 1;
+        }
     }
 }
 

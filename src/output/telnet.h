@@ -24,18 +24,26 @@ public:
     TelnetInterpreter(OutputWindows& windows, DebugChannel& debug)
         : windows_(windows), debug_(debug) {}
 
+    // A linemode subnegotiation waits this long for its IAC SE.
+    static constexpr std::size_t kMaxLinemodePayload = 64 * 1024;
+    static constexpr std::size_t kUnfinished = 0;
+
     // The road by which the terminal type answer leaves (S_SendData).
     void setSender(Sender send) { send_ = std::move(send); }
+    // Told of the server's IAC WILL ECHO (true) and IAC WONT ECHO (false)
+    // in the main window.
+    void setEchoListener(std::function<void(bool)> echo) { echo_ = std::move(echo); }
 
-    // Takes one sequence off the head of `text`, which starts with IAC, and
-    // returns how many characters it used. Throws RunError when the sequence
-    // is cut short.
+    // Takes one sequence off the head of `text`, which starts with IAC and
+    // is not IAC IAC, and returns how many characters it used; kUnfinished
+    // when the text ends inside the sequence, which is then left untold.
     std::size_t S_InterpretIac(std::string_view text, int win);
 
 private:
     OutputWindows& windows_;
     DebugChannel& debug_;
     Sender send_;
+    std::function<void(bool)> echo_;
 };
 
 }  // namespace kelpa

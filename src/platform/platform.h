@@ -28,9 +28,10 @@ public:
 
     // The debug line for bytes that sendData refused: their count and their
     // first line.
-    static std::string refusedLine(const std::string& bytes) {
+    // A password (while the server echoes) is counted but never shown.
+    static std::string refusedLine(const std::string& bytes, bool showText = true) {
         return "SendData failed, " + std::to_string(bytes.size()) + " bytes not sent: " +
-               bytes.substr(0, bytes.find_first_of("\r\n"));
+               (showText ? bytes.substr(0, bytes.find_first_of("\r\n")) : std::string());
     }
 };
 

@@ -20,6 +20,7 @@ void ServerSession::CMD_CONNECT_Click() {
 }
 
 void ServerSession::s_Connect() {
+    if (onConnect_) onConnect_();
     log_.open(bar_.CurrentSite.ShortName);
     p_.host.focusCommandLine();
     const SiteRecord* site = bar_.selected();

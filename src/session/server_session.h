@@ -2,6 +2,7 @@
 // socket's events, with the receive road of every chunk.
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "history/history_text.h"
@@ -23,6 +24,8 @@ public:
           windows_(windows), pipeline_(pipeline) {}
 
     void setFrameExtractor(FrameExtractor* frames) { frames_ = frames; }
+    // Told at each Connect event, before anything is sent.
+    void setConnectListener(std::function<void()> listener) { onConnect_ = std::move(listener); }
 
     void CMD_CONNECT_Click();
     void CMD_DISCONNECT_Click();
@@ -46,6 +49,7 @@ private:
     OutputWindows& windows_;
     LinePipeline& pipeline_;
     FrameExtractor* frames_ = nullptr;
+    std::function<void()> onConnect_;
 };
 
 }  // namespace kelpa

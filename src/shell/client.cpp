@@ -1,5 +1,7 @@
 #include "shell/client.h"
 
+#include "command/words.h"
+
 namespace kelpa {
 
 ClientParts::ClientParts(Platform& p)
@@ -19,7 +21,10 @@ ClientParts::ClientParts(Platform& p)
       macros(variables, p.files, debug, commands, keywords.OverrideDir),
       macroEditor(p.files, p.host, keywords.OverrideDir),
       triggerEditor(p.files, [this] { LoadTriggers(); }),
-      historyViews(history, writer, windows, debug, p.files, [this] { return bar.CurrentSite.ShortName; }) {
+      historyViews(history, writer, windows, debug, p.files, [this] { return bar.CurrentSite.ShortName; }),
+      status(Val),
+      frames(status, debug, Val) {
+    wireStatus();
     telnet.setSender([this](std::string& answer) { sender.S_SendData(answer); });
     commands.setExpander([this](const std::string& s) { return variables.S_ExpandVars(s); });
     commands.setWorkMeter([this] { return variables.expandedBytes(); });
@@ -28,6 +33,13 @@ ClientParts::ClientParts(Platform& p)
         macros.S_RunMacro(l);
     });
     commands.setKeywordRunner([this](const std::string& line) { keywords.S_RunKeyword(line); });
+}
+
+void ClientParts::wireStatus() {
+    session.setFrameExtractor(&frames);
+    // A password typed after the server's IAC WILL ECHO is sent but not shown.
+    telnet.setEchoListener([this](bool serverEchoes) { sender.setServerEchoes(serverEchoes); });
+    session.setConnectListener([this] { sender.setServerEchoes(false); });
 }
 
 void Client::Form_Load() {
@@ -45,6 +57,7 @@ void Client::Form_Load() {
     p_.macroEditor.brefresh3_Click();
     p_.triggerEditor.btnTRGNew_Click();
     p_.macroEditor.BTNMacrosNew_Click();
+    p_.status.startUp();
 }
 
 void ClientParts::LoadTriggers() {

@@ -24,6 +24,8 @@
 #include "session/server_session.h"
 #include "output/telnet.h"
 #include "sites/connection_bar.h"
+#include "status/status_frames.h"
+#include "status/status_model.h"
 #include "triggers/flag_table.h"
 #include "triggers/trigger_editor.h"
 #include "triggers/trigger_store.h"
@@ -61,6 +63,11 @@ struct ClientParts {
     MacroEditor macroEditor;
     TriggerEditor triggerEditor;
     HistoryViews historyViews;
+    StatusModel status;
+    StatusFrames frames;
+
+private:
+    void wireStatus();
 };
 
 class Client {
@@ -79,6 +86,7 @@ public:
     void as_timer_Timer();
     // Returns the next interval of the timer.
     int Queue_Timer();
+    void Timer3_Timer() { p_.status.Timer3_Timer(); }
 
     // The socket's events.
     void s_Connect() { p_.session.s_Connect(); }
@@ -134,6 +142,10 @@ public:
     MacroEditor& macroEditor() { return p_.macroEditor; }
     // The History pages: the pager, the browser of day logs, Seek and Filter.
     HistoryViews& historyViews() { return p_.historyViews; }
+    // The status panel's cells, bars and captions.
+    StatusModel& statusModel() { return p_.status; }
+    // While the server echoes, typed text is a password.
+    bool serverEchoes() const { return p_.sender.serverEchoes(); }
 
     ClientParts& parts() { return p_; }
     const ClientParts& parts() const { return p_; }

@@ -19,7 +19,7 @@ public:
     // Events of one key keep at most one waiting entry: a timer that comes
     // due again while its tick waits fires once, and one data event reads
     // whatever has arrived by then. Key 0 events all wait.
-    enum Key { kEach = 0, kData, kAsTimer, kQueueTimer };
+    enum Key { kEach = 0, kData, kAsTimer, kQueueTimer, kStatusTimer };
 
     // Called after every handler that was not inside another, once the
     // waiting entries have run (the shell schedules the socket's leftovers).

@@ -94,7 +94,8 @@ void MainForm::buildToolsPage(QWidget* page) {
     historyPage_ = new HistoryPage({history, histView, views_[kHistT], SSTab1_, SSTab2_}, client_.historyViews(),
                                    [this](const char* handler, const std::function<void()>& call) {
                                        guardedCall(handler, call);
-                                   });
+                                   },
+                                   [this] { return gate_.busy(); });
     triggerPage_ = new TriggerPage(ToolsTabs_->addPage(QStringLiteral("Triggers")), client_.triggerEditor(),
                                    [this](const char* handler, const std::function<void()>& call) {
                                        guardedCall(handler, call);

@@ -130,6 +130,7 @@ void MainForm::scheduleRefresh() {
 void MainForm::syncFromCore() {
     refresh_.stop();
     for (OutputView* v : views_) v->sync();
+    syncStatus();
     syncConnectionBar();
     flags_->sync();
     triggerPage_->sync();
@@ -193,6 +194,19 @@ void MainForm::connectControls() {
     connect(findChild<QPushButton*>(QStringLiteral("CMD_About")), &QPushButton::clicked, this,
             &MainForm::CMD_About_Click);
     Text1_->installEventFilter(this);
+    listenToStatusPanel();
+}
+
+void MainForm::listenToStatusPanel() {
+    status_.listen(client_.statusModel(), findChild<QWidget*>(QStringLiteral("Label11")), [this] { scheduleRefresh(); },
+                   [this] { Text1_->setFocus(); });
+}
+
+void MainForm::syncStatus() {
+    status_.sync(client_.statusModel());
+    // While the server echoes, the command line shows dots.
+    const auto mode = client_.serverEchoes() ? QLineEdit::Password : QLineEdit::Normal;
+    if (Text1_->echoMode() != mode) Text1_->setEchoMode(mode);
 }
 
 void MainForm::startTimers() {
@@ -203,9 +217,11 @@ void MainForm::startTimers() {
     });
     as_timer_->start(1000);
 
-    // Turns changed status cells grey again, once the panel is fed.
+    // Turns changed status cells grey again.
     Timer3_ = new QTimer(this);
     Timer3_->setObjectName(QStringLiteral("Timer3"));
+    connect(Timer3_, &QTimer::timeout, this,
+            [this] { fromOutside(EventGate::kStatusTimer, "Timer3_Timer", [this] { client_.Timer3_Timer(); }); });
     Timer3_->start(500);
 
     Queue_ = new QTimer(this);

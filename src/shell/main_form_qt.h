@@ -62,6 +62,7 @@ public:
     MacroPage* macroPage() const { return macroPage_; }
     HistoryPage* historyPage() const { return historyPage_; }
     TabControl* tabs() const { return SSTab1_; }
+    const StatusPanel& statusPanel() const { return status_; }
 
     // The socket's events reach the handlers below.
     void listenTo(QtSocket& socket);
@@ -103,6 +104,8 @@ private:
     void connectControls();
     void startTimers();
     void syncConnectionBar();
+    void listenToStatusPanel();
+    void syncStatus();
     void Text1_Enter();
     void BTN_BULK_Click();
     void BTN_Flags_Click();

@@ -1,10 +1,15 @@
 #include "status/status_panel_qt.h"
 
+#include <QEvent>
 #include <QFrame>
 #include <QLabel>
+#include <QPainter>
 
+#include <algorithm>
 #include <initializer_list>
+#include <utility>
 
+#include "status/status_model.h"
 #include "toolkit/tab_control_qt.h"
 #include "toolkit/widget_kit_qt.h"
 
@@ -29,6 +34,71 @@ QColor itemColour(int item) {
     if (item == 52) return QColor(255, 128, 255);
     return QColor(255, 255, 192);
 }
+
+QColor colourOf(std::uint32_t rgbValue) {
+    return QColor(static_cast<int>(rgbValue & 0xFF), static_cast<int>((rgbValue >> 8) & 0xFF),
+                  static_cast<int>((rgbValue >> 16) & 0xFF));
+}
+
+// A bar lies over its cells and merges with them pixel by pixel: the
+// bitwise OR of its colour and what is painted beneath, so that the text
+// under it stays readable.
+class BarShape : public QWidget {
+public:
+    BarShape(QWidget* parent, const QColor& colour) : QWidget(parent), colour_(colour) {
+        setAttribute(Qt::WA_TransparentForMouseEvents);
+        setAttribute(Qt::WA_NoSystemBackground);
+    }
+    void setColour(const QColor& c) {
+        if (c == colour_) return;
+        colour_ = c;
+        update();
+    }
+
+protected:
+    void paintEvent(QPaintEvent*) override {
+        QPainter p(this);
+        p.setCompositionMode(QPainter::RasterOp_SourceOrDestination);
+        p.fillRect(rect(), colour_);
+    }
+
+private:
+    QColor colour_;
+};
+
+// Forwards the panel's mouse events to the model.
+class PanelEvents : public QObject {
+public:
+    PanelEvents(StatusPanel& panel, StatusModel& model, QWidget* label11, std::function<void()> changed,
+                std::function<void()> released)
+        : QObject(panel.InfoTabs), panel_(panel), model_(model), label11_(label11),
+          changed_(std::move(changed)), released_(std::move(released)) {}
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* e) override {
+        if (e->type() == QEvent::MouseMove) {
+            const auto& cells = panel_.Info1;
+            const auto it = std::find(cells.begin(), cells.end(), watched);
+            if (it != cells.end()) {
+                model_.Info1_MouseMove(static_cast<int>(it - cells.begin()));
+                changed_();
+            }
+        } else if (e->type() == QEvent::MouseButtonDblClick && watched == label11_) {
+            model_.Label11_DblClick();
+            changed_();
+        } else if (e->type() == QEvent::MouseButtonRelease && watched != label11_) {
+            released_();
+        }
+        return QObject::eventFilter(watched, e);
+    }
+
+private:
+    StatusPanel& panel_;
+    StatusModel& model_;
+    QWidget* label11_;
+    std::function<void()> changed_;
+    std::function<void()> released_;
+};
 
 QLabel* label(QWidget* parent, const QString& name, const QColor& colour, int left, int top, int width) {
     auto* l = new QLabel(parent);
@@ -74,9 +144,8 @@ public:
     }
     // Bars start empty; their width is all they show.
     void bar(QWidget* parent, int i, const QColor& colour, int left, int top, int height) {
-        auto* b = new QFrame(parent);
+        auto* b = new BarShape(parent, colour);
         b->setObjectName(QStringLiteral("ShapeParam(%1)").arg(i));
-        setBackground(b, colour);
         b->setGeometry(px(left), px(top), 0, px(height));
         s_.ShapeParam[static_cast<std::size_t>(i)] = b;
     }
@@ -206,6 +275,53 @@ void StatusPanel::build(QWidget* form) {
     b.gen(InfoTabs->addPage(QStringLiteral("Gen")));
     b.other(InfoTabs->addPage(QStringLiteral("Other")));
     b.dbg(InfoTabs->addPage(QStringLiteral("Dbg")));
+}
+
+void StatusPanel::listen(StatusModel& model, QWidget* label11, std::function<void()> changed,
+                         std::function<void()> releasedOnTabs) {
+    auto* events = new PanelEvents(*this, model, label11, std::move(changed), std::move(releasedOnTabs));
+    events_ = events;
+    for (QLabel* cell : Info1) {
+        cell->setMouseTracking(true);
+        cell->installEventFilter(events);
+    }
+    if (label11) label11->installEventFilter(events);
+    // The tab row and the pages' bare ground are the tab control's own.
+    InfoTabs->installEventFilter(events);
+    for (QWidget* part : InfoTabs->findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
+        part->installEventFilter(events);
+}
+
+void StatusPanel::sync(StatusModel& model) {
+    const StatusModel::Changes c = model.takeChanges();
+    if (!c.any()) return;
+    ++repaints;
+    for (int i = 0; i < StatusModel::kInfo1Count; ++i) {
+        if (!c.info1.test(static_cast<std::size_t>(i))) continue;
+        QLabel* cell = Info1[static_cast<std::size_t>(i)];
+        cell->setText(toQString(model.Info1(i)));
+        setBackground(cell, colourOf(model.Info1Back(i)));
+    }
+    for (int i = 0; i < StatusModel::kInfo2Count; ++i)
+        if (c.info2.test(static_cast<std::size_t>(i))) Info2[static_cast<std::size_t>(i)]->setText(toQString(model.Info2(i)));
+    for (int i = 0; i < StatusModel::kXInfoCount; ++i)
+        if (c.xinfo.test(static_cast<std::size_t>(i))) XInfo[static_cast<std::size_t>(i)]->setText(toQString(model.XInfo(i)));
+    if (c.xinfo.test(2)) {
+        QPalette p = XInfo[2]->palette();
+        p.setColor(QPalette::WindowText, colourOf(model.XInfo2Colour()));
+        XInfo[2]->setPalette(p);
+    }
+    for (int i = 0; i < StatusModel::kBarCount; ++i) {
+        if (!c.bars.test(static_cast<std::size_t>(i))) continue;
+        auto* bar = static_cast<BarShape*>(ShapeParam[static_cast<std::size_t>(i)]);
+        const StatusModel::Bar& b = model.ShapeParam(i);
+        // Beyond its frame a bar shows nothing more; the width is held there.
+        const int limit = bar->parentWidget()->width() * kTwipsPerPixel;
+        bar->resize(px(static_cast<int>(std::min<long long>(b.width, limit))), bar->height());
+        bar->setColour(colourOf(b.colour));
+    }
+    if (c.label9) Label9->setText(toQString(model.Label9()));
+    if (c.dbg) FRM_DBG->setVisible(model.FRM_DBG_Visible());
 }
 
 }  // namespace kelpa::qt

@@ -180,7 +180,17 @@ void slowPrint(Client& c, std::string_view input, int win) {
             }
             flush(false);
             if (ch == '\xFF') {
-                pos += c.parts().telnet.S_InterpretIac(std::string_view(all).substr(pos), win);
+                if (pos + 1 < all.size() && all[pos + 1] == '\xFF') {
+                    text += ch;
+                    pos += 2;
+                    continue;
+                }
+                const std::size_t used = c.parts().telnet.S_InterpretIac(std::string_view(all).substr(pos), win);
+                if (used == TelnetInterpreter::kUnfinished) {
+                    st.Pending = all.substr(pos);
+                    break;
+                }
+                pos += used;
                 continue;
             }
             std::size_t fin = pos + 1;

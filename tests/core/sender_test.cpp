@@ -159,3 +159,34 @@ TEST(Sender, NoSpamRefusesRepeatsUntilTheNextTick) {
     off.noSpam("x");
     EXPECT_TRUE(off.fp.socket.writes.empty()) << "recorded even while disconnected";
 }
+
+// After the server's IAC WILL ECHO a typed line (or a queued one) reaches the
+// server, but only its line end is echoed, logged and kept, until IAC WONT
+// ECHO or a new connection.
+TEST(Sender, PasswordAfterWillEchoIsSentButNotShownLoggedOrKept) {
+    SendHarness h;
+    h.fp.socket.incoming = "Password: " + std::string("\xFF\xFB\x01", 3);
+    h.c.parts().session.s_DataArrival();
+    EXPECT_TRUE(h.c.parts().sender.serverEchoes());
+    h.c.Text1_Enter("hunter2");
+    h.queue("queued2;;");
+    h.c.Queue_Timer();
+    EXPECT_EQ(h.fp.socket.writes, (Writes{"hunter2\r\n", "queued2\r\n"}));
+    for (const std::string& where : {h.window(kMainWindow), h.logFile(), h.history()}) {
+        EXPECT_EQ(where.find("hunter2"), std::string::npos) << where;
+        EXPECT_EQ(where.find("queued2"), std::string::npos) << where;
+    }
+    EXPECT_EQ(h.window(kMainWindow), "Password: \r\n\r\n");
+
+    h.fp.socket.incoming = "\xFF\xFC\x01ok";
+    h.c.parts().session.s_DataArrival();
+    h.c.Text1_Enter("look");
+    EXPECT_EQ(h.window(kMainWindow), "Password: \r\n\r\noklook\r\n");
+
+    // A new connection forgets a WILL ECHO that was never taken back.
+    h.fp.socket.incoming = "\xFF\xFB\x01";
+    h.c.parts().session.s_DataArrival();
+    h.c.parts().session.s_Connect();
+    h.c.Text1_Enter("north");
+    EXPECT_NE(h.history().find("north"), std::string::npos);
+}

@@ -1,0 +1,188 @@
+#include "status/status_frames.h"
+
+#include <bit>
+#include <cmath>
+#include <cstring>
+
+#include "common/text.h"
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+namespace kelpa {
+
+namespace {
+
+constexpr char kFrameStart = 24;
+constexpr char kItemEnd = 25;
+constexpr char kFrameEnd = 26;
+
+// The first byte at or after `i` that is a frame start or an IAC; `n` if none.
+std::size_t nextMark(const char* base, std::size_t i, std::size_t n) {
+#if defined(__SSE2__)
+    const __m128i start = _mm_set1_epi8(kFrameStart);
+    const __m128i iac = _mm_set1_epi8(kIac);
+    for (; i + 16 <= n; i += 16) {
+        const __m128i x = _mm_loadu_si128(reinterpret_cast<const __m128i*>(base + i));
+        const int hits = _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi8(x, start), _mm_cmpeq_epi8(x, iac)));
+        if (hits) return i + static_cast<std::size_t>(std::countr_zero(static_cast<unsigned>(hits)));
+    }
+#endif
+    while (i < n && base[i] != kFrameStart && base[i] != kIac) ++i;
+    return i;
+}
+
+}  // namespace
+
+// One pass over the chunk: text bytes move down over the frames taken out,
+// and nothing moves while no frame has been met.
+void StatusFrames::S_ExtractFrames(std::string& data) {
+    char* const base = data.data();
+    const std::size_t n = data.size();
+    std::size_t r = 0;
+    std::size_t w = 0;
+    auto text = [&](std::size_t to) {
+        if (w != r) std::memmove(base + w, base + r, to - r);
+        w += to - r;
+        r = to;
+    };
+    while (r < n) {
+        switch (state_) {
+            case State::Text: {
+                const std::size_t i = nextMark(base, r, n);
+                text(i);
+                if (i == n) break;
+                if (base[i] == kFrameStart) {
+                    ++r;
+                    state_ = State::Frame;
+                } else {
+                    text(i + 1);
+                    state_ = State::Iac;
+                }
+                break;
+            }
+            case State::Iac: {
+                const auto cmd = static_cast<unsigned char>(base[r]);
+                text(r + 1);
+                if (cmd >= 251 && cmd <= 254) {
+                    state_ = State::IacOption;
+                } else if (cmd == 250) {
+                    state_ = State::Sub;
+                    subBytes_ = 0;
+                } else {
+                    state_ = State::Text;
+                }
+                break;
+            }
+            case State::IacOption:
+                text(r + 1);
+                state_ = State::Text;
+                break;
+            case State::Sub: {
+                if (subBytes_ >= kMaxSubnegotiation) {
+                    state_ = State::Text;
+                    break;
+                }
+                std::size_t i = r;
+                const std::size_t room = kMaxSubnegotiation - subBytes_;
+                const std::size_t stop = n - r < room ? n : r + room;
+                while (i < stop && base[i] != kIac) ++i;
+                subBytes_ += i - r;
+                text(i);
+                if (subBytes_ >= kMaxSubnegotiation) {
+                    state_ = State::Text;
+                } else if (i < n) {
+                    text(i + 1);
+                    state_ = State::SubIac;
+                }
+                break;
+            }
+            case State::SubIac: {
+                const auto c = static_cast<unsigned char>(base[r]);
+                text(r + 1);
+                subBytes_ += 2;
+                state_ = c == 240 ? State::Text : State::Sub;
+                break;
+            }
+            case State::Frame: {
+                // Only the new bytes are searched for the frame's end.
+                const void* end = std::memchr(base + r, kFrameEnd, n - r);
+                const std::size_t e = end ? static_cast<std::size_t>(static_cast<const char*>(end) - base) : n;
+                if (end && pending_.empty()) {
+                    // A frame whole in this chunk is read where it lies.
+                    S_SplitFrame(std::string_view(base + r, e - r));
+                    r = e + 1;
+                    state_ = State::Text;
+                    break;
+                }
+                keep(std::string_view(base + r, e - r));
+                r = e;
+                if (end) {
+                    ++r;
+                    state_ = State::Text;
+                    endFrame();
+                }
+                break;
+            }
+        }
+    }
+    data.resize(w);
+}
+
+void StatusFrames::keep(std::string_view bytes) {
+    const std::size_t room = kMaxPendingFrame - pending_.size();
+    if (bytes.size() <= room) {
+        pending_.append(bytes);
+        return;
+    }
+    pending_.append(bytes.substr(0, room));
+    dropped_ += bytes.size() - room;
+}
+
+void StatusFrames::endFrame() {
+    std::string frame;
+    frame.swap(pending_);
+    if (dropped_ > 0) {
+        if (debug_.enabled)
+            debug_.DebugLog("Frame too long, " + decimal(static_cast<long long>(dropped_)) + " bytes dropped");
+        dropped_ = 0;
+    }
+    S_SplitFrame(frame);
+    // A small frame's buffer is used again; a large one's is given back.
+    if (frame.capacity() <= 4096) {
+        frame.clear();
+        pending_.swap(frame);
+    }
+}
+
+void StatusFrames::S_SplitFrame(std::string_view frame) {
+    std::size_t start = 0;
+    while (true) {
+        const std::size_t end = frame.find(kItemEnd, start);
+        if (end == std::string_view::npos) return;
+        S_ApplyStatusItem(frame.substr(start, end - start));
+        start = end + 1;
+    }
+}
+
+void StatusFrames::S_ApplyStatusItem(std::string_view item) {
+    if (debug_.enabled) debug_.DebugLog("Interpreting " + std::string(item));
+    const double kind = statusNumber(val_, item);
+    if (kind != 1 && kind != 2) {
+        debug_.DebugLog("Which i know nothing ...");
+        return;
+    }
+    const std::string_view rest = item.size() > 2 ? item.substr(2) : std::string_view();
+    const double n = statusNumber(val_, rest);
+    const std::size_t comma = rest.find(',');
+    const std::string_view value = comma == std::string_view::npos ? rest : rest.substr(comma + 1);
+    // Numbers outside the arrays (negative ones too) are passed over.
+    if (!(n >= 0 && n < 64)) return;
+    if (kind == 1)
+        panel_.setInfo1(static_cast<int>(n), value);
+    else
+        panel_.setInfo2(static_cast<int>(n), value);
+}
+
+}  // namespace kelpa

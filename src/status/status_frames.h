@@ -1,0 +1,54 @@
+// Cuts the status frames (24, items ended by 25, 26) out of the received
+// stream and applies their items to the panel. A 24 that belongs to telnet
+// (the option of IAC WILL/WONT/DO/DONT, or inside IAC SB ... IAC SE) is left
+// in the text for the telnet interpreter, also when the IAC came with the
+// previous chunk.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "output/debug_channel.h"
+#include "status/frame_extractor.h"
+#include "status/status_model.h"
+
+namespace kelpa {
+
+class StatusFrames : public FrameExtractor {
+public:
+    // Of a frame that never ends, this much is kept; the rest of its bytes
+    // are still taken out of the stream.
+    static constexpr std::size_t kMaxPendingFrame = 1 << 20;
+    // A subnegotiation longer than this is taken to be over.
+    static constexpr std::size_t kMaxSubnegotiation = 64 * 1024;
+
+    StatusFrames(StatusModel& panel, DebugChannel& debug, NumberReader val)
+        : panel_(panel), debug_(debug), val_(val) {}
+
+    // Linear in the bytes of `data`, however the frames fall.
+    void S_ExtractFrames(std::string& data) override;
+    void S_SplitFrame(std::string_view frame);
+    void S_ApplyStatusItem(std::string_view item);
+
+    // The start of a frame whose 26 has not come, without its 24.
+    const std::string& PendingFrame() const { return pending_; }
+    bool inFrame() const { return state_ == State::Frame; }
+
+private:
+    enum class State { Text, Iac, IacOption, Sub, SubIac, Frame };
+
+    // Appends frame bytes, up to the bound.
+    void keep(std::string_view bytes);
+    void endFrame();
+
+    StatusModel& panel_;
+    DebugChannel& debug_;
+    NumberReader val_;
+    State state_ = State::Text;
+    std::size_t subBytes_ = 0;
+    std::string pending_;
+    std::size_t dropped_ = 0;
+};
+
+}  // namespace kelpa

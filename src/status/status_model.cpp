@@ -1,0 +1,195 @@
+#include "status/status_model.h"
+
+#include <cmath>
+
+#include "common/text.h"
+
+namespace kelpa {
+
+namespace {
+
+constexpr int kFullPairBar = 600;
+
+// A width in twips: rounded half to even, below 0 counts 0, and a figure too
+// large for the bar (or no figure at all) is held at the widest bar.
+long long barWidth(double w) {
+    if (std::isnan(w) || w <= 0) return 0;
+    if (w >= static_cast<double>(StatusModel::kWidestBar)) return StatusModel::kWidestBar;
+    return static_cast<long long>(std::nearbyint(w));
+}
+
+// A whole number that fits in 64 bits; a caption beyond that is held at the
+// nearest end, so that its derived text stays a number.
+long long wholeNumber(double v) {
+    constexpr double kLimit = 9.2e18;
+    if (std::isnan(v)) return 0;
+    if (v >= kLimit) return static_cast<long long>(kLimit);
+    if (v <= -kLimit) return -static_cast<long long>(kLimit);
+    return static_cast<long long>(v);
+}
+
+}  // namespace
+
+std::string PositionName(long long n) {
+    static const char* const kWords[] = {
+        "Dead",    "Mortally Wounded", "Incapacited", "Stunned",  "Sleeping", "Resting",
+        "Praying", "Meditating",       "Sitting",     "Fighting", "Crawling", "Standing",
+        "Riding",  "Levitating",       "Flying",      "Jumping"};
+    if (n < 0 || n > 15) return "Unknown";
+    return kWords[n];
+}
+
+std::uint32_t ladderA(long long width) {
+    if (width < 150) return rgb(192, 0, 0);
+    if (width < 300) return rgb(192, 192, 0);
+    if (width < 450) return rgb(0, 192, 0);
+    if (width < 600) return rgb(0, 160, 192);
+    return rgb(0, 0, 255);
+}
+
+std::uint32_t ladderB(long long width) {
+    if (width < 150) return rgb(0, 0, 255);
+    if (width < 300) return rgb(0, 160, 192);
+    if (width < 450) return rgb(0, 192, 0);
+    return rgb(192, 0, 0);
+}
+
+StatusModel::StatusModel(NumberReader val) : val_(val) {
+    back_.fill(kGrey);
+    bars_[5].colour = rgb(0, 192, 0);
+    bars_[10].colour = rgb(192, 0, 192);
+}
+
+void StatusModel::startUp() {
+    for (int i = 0; i < kInfo1Count; ++i) {
+        info1_[static_cast<std::size_t>(i)].clear();
+        numbers_[static_cast<std::size_t>(i)] = 0;
+        changes_.info1.set(static_cast<std::size_t>(i));
+        if (i != 52) Info1_Change(i);
+    }
+    for (int i = 0; i < kInfo2Count; ++i) setInfo2(i, "");
+}
+
+void StatusModel::setInfo1(int n, std::string_view value) {
+    if (n < 0 || n >= kInfo1Count) return;
+    std::string& caption = info1_[static_cast<std::size_t>(n)];
+    if (caption == value) return;
+    caption.assign(value);
+    numbers_[static_cast<std::size_t>(n)] = statusNumber(val_, caption);
+    changes_.info1.set(static_cast<std::size_t>(n));
+    Info1_Change(n);
+}
+
+void StatusModel::setInfo2(int n, std::string_view value) {
+    if (n < 0 || n >= kInfo2Count) return;
+    info2_[static_cast<std::size_t>(n)].assign(value);
+    changes_.info2.set(static_cast<std::size_t>(n));
+}
+
+void StatusModel::Timer3_Timer() {
+    for (int i = 0; i < kInfo1Count; ++i) {
+        const auto k = static_cast<std::size_t>(i);
+        if (itemChanged_[k] && back_[k] != kGrey) {
+            back_[k] = kGrey;
+            changes_.info1.set(k);
+        }
+    }
+}
+
+void StatusModel::Info1_MouseMove(int index) {
+    if (index < 0 || index >= kInfo1Count) return;
+    std::string text = decimal(index) + "=" + info1_[static_cast<std::size_t>(index)];
+    if (text == label9_) return;
+    label9_ = std::move(text);
+    changes_.label9 = true;
+}
+
+void StatusModel::Label11_DblClick() {
+    dbgVisible_ = !dbgVisible_;
+    changes_.dbg = true;
+}
+
+StatusModel::Changes StatusModel::takeChanges() {
+    Changes c = changes_;
+    changes_ = Changes{};
+    return c;
+}
+
+double StatusModel::number(int item) const { return numbers_[static_cast<std::size_t>(item)]; }
+
+void StatusModel::setBar(int bar, double width, std::uint32_t colour) {
+    Bar& b = bars_[static_cast<std::size_t>(bar)];
+    b.width = barWidth(width);
+    b.colour = colour;
+    changes_.bars.set(static_cast<std::size_t>(bar));
+}
+
+void StatusModel::setXInfo(int n, std::string text) {
+    xinfo_[static_cast<std::size_t>(n)] = std::move(text);
+    changes_.xinfo.set(static_cast<std::size_t>(n));
+}
+
+void StatusModel::Info1_Change(int index) {
+    back_[static_cast<std::size_t>(index)] = kChanged;
+    itemChanged_[static_cast<std::size_t>(index)] = true;
+    changes_.info1.set(static_cast<std::size_t>(index));
+
+    if (index >= 8 && index <= 16) {
+        // Items 8 and 9 work on bar 0 with the pair 8/7, and so on: a
+        // maximum alone never redraws its own bar.
+        const int current = index & ~1;
+        double c = number(current);
+        double m = number(current - 1);
+        if (m == 0) m = 1;
+        if (c < 0) c = 0;
+        const long long w = barWidth(c / m * kFullPairBar);
+        setBar((index - 8) / 2, static_cast<double>(w), ladderA(w));
+        return;
+    }
+    if (index >= 48 && index <= 51) {
+        const long long w = barWidth(number(index) * 6);
+        setBar(index - 42, static_cast<double>(w), ladderB(w));
+        return;
+    }
+    switch (index) {
+        case 20:
+            setBar(5, (100 - number(20)) * 18.15, bars_[5].colour);
+            break;
+        case 21:
+            setBar(10, number(21) * 16.2, bars_[10].colour);
+            break;
+        case 24:
+        case 25:
+            setXInfo(0, info1_[24] + "Y " + info1_[25] + "M");
+            break;
+        case 26: {
+            const long long v = wholeNumber(number(26));
+            setXInfo(1, decimal(v / 12) + "'" + decimal(v % 12) + "\"");
+            break;
+        }
+        case 28: {
+            const double v = number(28);
+            setXInfo(2, v == 0 ? "Good" : v == 1 ? "Neutral" : "Evil");
+            break;
+        }
+        case 29: {
+            const double v = number(29);
+            xinfo2Colour_ = v == 0 ? rgb(0, 255, 0) : v == 1 ? rgb(255, 255, 0) : rgb(255, 0, 0);
+            changes_.xinfo.set(2);
+            break;
+        }
+        case 22:
+            setXInfo(3, number(22) == 0 ? "<>" : "<RP>");
+            break;
+        case 53:
+            setXInfo(4, PositionName(wholeNumber(number(53))));
+            break;
+        case 52:
+            setXInfo(5, PositionName(wholeNumber(number(52))));
+            break;
+        default:
+            break;
+    }
+}
+
+}  // namespace kelpa

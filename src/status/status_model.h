@@ -1,0 +1,101 @@
+// The status panel as data: the captions of the cells are the only store,
+// and every change of an Info1 caption runs Info1_Change at once, so that
+// items take effect in stream order. Widgets only mirror this.
+#pragma once
+
+#include <array>
+#include <bitset>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "output/window_state.h"
+#include "status/status_number.h"
+
+namespace kelpa {
+
+std::string PositionName(long long n);
+
+// Bar colours as the width climbs; the first step that holds is taken.
+std::uint32_t ladderA(long long width);
+std::uint32_t ladderB(long long width);
+
+class StatusModel {
+public:
+    static constexpr int kInfo1Count = 57;
+    static constexpr int kInfo2Count = 5;
+    static constexpr int kXInfoCount = 6;
+    static constexpr int kBarCount = 11;
+    // A width is kept within a signed 32-bit number of twips.
+    static constexpr long long kWidestBar = 2147483647;
+
+    static constexpr std::uint32_t kGrey = rgb(128, 128, 128);
+    static constexpr std::uint32_t kChanged = rgb(192, 192, 192);
+
+    struct Bar {
+        long long width = 0;
+        std::uint32_t colour = 0;
+    };
+
+    explicit StatusModel(NumberReader val);
+
+    // Form_Load's pass: every Info1 caption empty with its change handling,
+    // but for item 52; then every Info2 caption empty.
+    void startUp();
+
+    // Assigning the text a caption already has changes nothing.
+    void setInfo1(int n, std::string_view value);
+    void setInfo2(int n, std::string_view value);
+
+    // Timer3: cells marked changed turn grey again.
+    void Timer3_Timer();
+    // Label9, at the foot of the Dbg page, names the cell under the mouse.
+    void Info1_MouseMove(int index);
+    // Shows or hides the Dbg page's frame (hidden at start).
+    void Label11_DblClick();
+
+    const std::string& Info1(int n) const { return info1_[static_cast<std::size_t>(n)]; }
+    const std::string& Info2(int n) const { return info2_[static_cast<std::size_t>(n)]; }
+    const std::string& XInfo(int n) const { return xinfo_[static_cast<std::size_t>(n)]; }
+    std::uint32_t Info1Back(int n) const { return back_[static_cast<std::size_t>(n)]; }
+    std::uint32_t XInfo2Colour() const { return xinfo2Colour_; }
+    const Bar& ShapeParam(int n) const { return bars_[static_cast<std::size_t>(n)]; }
+    bool ItemChanged(int n) const { return itemChanged_[static_cast<std::size_t>(n)]; }
+    const std::string& Label9() const { return label9_; }
+    bool FRM_DBG_Visible() const { return dbgVisible_; }
+
+    // What changed since the last call, for the widgets' next repaint.
+    struct Changes {
+        std::bitset<kInfo1Count> info1;  // caption or back colour
+        std::bitset<kInfo2Count> info2;
+        std::bitset<kXInfoCount> xinfo;  // text or colour
+        std::bitset<kBarCount> bars;
+        bool label9 = false;
+        bool dbg = false;  // the Dbg frame's visibility
+        bool any() const { return info1.any() || info2.any() || xinfo.any() || bars.any() || label9 || dbg; }
+    };
+    Changes takeChanges();
+
+private:
+    void Info1_Change(int index);
+    // The number of a cell: Val of its caption, rounded half to even.
+    double number(int item) const;
+    void setBar(int bar, double width, std::uint32_t colour);
+    void setXInfo(int n, std::string text);
+
+    NumberReader val_;
+    std::array<std::string, kInfo1Count> info1_{};
+    // The number of each caption, read when the caption is set.
+    std::array<double, kInfo1Count> numbers_{};
+    std::array<std::string, kInfo2Count> info2_{};
+    std::array<std::string, kXInfoCount> xinfo_{};
+    std::array<std::uint32_t, kInfo1Count> back_{};
+    std::uint32_t xinfo2Colour_ = rgb(255, 255, 192);
+    std::array<Bar, kBarCount> bars_{};
+    std::array<bool, 61> itemChanged_{};
+    std::string label9_;
+    bool dbgVisible_ = false;
+    Changes changes_;
+};
+
+}  // namespace kelpa

@@ -1,0 +1,169 @@
+// The panel's change handling: bars, ladders and derived words, read back
+// from the model after the items a server sends.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <random>
+
+#include "command/words.h"
+#include "status/status_model.h"
+
+using namespace kelpa;
+
+namespace {
+
+struct Panel {
+    StatusModel m{Val};
+    Panel() { m.startUp(); }
+    void set(const std::vector<std::pair<int, const char*>>& items) {
+        for (auto [n, v] : items) m.setInfo1(n, v);
+    }
+};
+
+struct BarRow {
+    const char* name;
+    std::vector<std::pair<int, const char*>> items;
+    int bar;
+    long long width;
+    std::uint32_t colour;
+};
+
+}  // namespace
+
+TEST(StatusPanel, BarWidthsAndLadderColours) {
+    const std::uint32_t red = rgb(192, 0, 0), yellow = rgb(192, 192, 0), green = rgb(0, 192, 0),
+                        cyan = rgb(0, 160, 192), blue = rgb(0, 0, 255);
+    const std::vector<BarRow> rows = {
+        {"hp maximum 0 counts 1", {{7, "0"}, {8, "1"}}, 0, 600, blue},
+        {"hp half", {{7, "300"}, {8, "150"}}, 0, 300, green},
+        {"hp just under half", {{7, "300"}, {8, "149"}}, 0, 298, yellow},
+        {"hp full", {{7, "300"}, {8, "300"}}, 0, 600, blue},
+        {"hp low", {{7, "300"}, {8, "74"}}, 0, 148, red},
+        {"hp above maximum is wider", {{7, "100"}, {8, "150"}}, 0, 900, blue},
+        {"negative current counts 0", {{7, "100"}, {8, "-5"}}, 0, 0, red},
+        {"negative maximum counts 0", {{7, "-100"}, {8, "50"}}, 0, 0, red},
+        {"maximum alone redraws nothing", {{8, "50"}, {7, "50"}}, 0, 30000, blue},
+        {"item 9 redraws bar 0", {{7, "100"}, {8, "50"}, {7, "200"}, {9, "x"}}, 0, 150, yellow},
+        {"item 9 leaves bar 1 alone", {{9, "100"}, {10, "50"}, {9, "200"}}, 1, 300, green},
+        {"move pair is bar 4", {{15, "200"}, {16, "150"}}, 4, 450, cyan},
+        {"current rounds half to even", {{7, "600"}, {8, "2.5"}}, 0, 2, red},
+        {"percentage full", {{48, "100"}}, 6, 600, red},
+        {"percentage 25", {{49, "25"}}, 7, 150, cyan},
+        {"percentage 24", {{50, "24"}}, 8, 144, blue},
+        {"percentage 50", {{51, "50"}}, 9, 300, green},
+        {"percentage negative", {{48, "-3"}}, 6, 0, blue},
+        {"item 20 at 100 empties bar 5", {{20, "100"}}, 5, 0, green},
+        {"item 20 at 1", {{20, "1"}}, 5, 1797, green},
+        {"item 20 above 100", {{20, "250"}}, 5, 0, green},
+        {"item 21 at 100", {{21, "100"}}, 10, 1620, rgb(192, 0, 192)},
+        {"item 21 negative", {{21, "-7"}}, 10, 0, rgb(192, 0, 192)},
+        {"huge current is held at the widest bar", {{7, "1"}, {8, "1e300"}}, 0, StatusModel::kWidestBar, blue},
+        {"overflowing current", {{7, "1"}, {8, "9e999"}}, 0, StatusModel::kWidestBar, blue},
+        {"huge percentage", {{48, "123456789012"}}, 6, StatusModel::kWidestBar, red},
+        {"huge negative item 20", {{20, "-1e300"}}, 5, StatusModel::kWidestBar, green},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        Panel p;
+        p.set(row.items);
+        EXPECT_EQ(p.m.ShapeParam(row.bar).width, row.width);
+        EXPECT_EQ(p.m.ShapeParam(row.bar).colour, row.colour);
+    }
+}
+
+TEST(StatusPanel, DerivedWords) {
+    struct Row {
+        const char* name;
+        std::vector<std::pair<int, const char*>> items;
+        int xinfo;
+        std::string text;
+    };
+    const std::vector<Row> rows = {
+        {"age joins text", {{24, "19"}, {25, "abc"}}, 0, "19Y abcM"},
+        {"height 71", {{26, "71"}}, 1, "5'11\""},
+        {"height 12", {{26, "12"}}, 1, "1'0\""},
+        {"height negative truncates", {{26, "-13"}}, 1, "-1'-1\""},
+        {"height beyond 64 bits", {{26, "1e300"}}, 1, "766666666666666666'8\""},
+        {"alignment good", {{28, "0"}}, 2, "Good"},
+        {"alignment neutral", {{28, "1"}}, 2, "Neutral"},
+        {"alignment evil", {{28, "7"}}, 2, "Evil"},
+        {"roleplay off", {{22, "0"}}, 3, "<>"},
+        {"roleplay on", {{22, "2"}}, 3, "<RP>"},
+        {"position of 53", {{53, "9"}}, 4, "Fighting"},
+        {"position of 52", {{52, "15"}}, 5, "Jumping"},
+        {"position past the table", {{52, "16"}}, 5, "Unknown"},
+        {"negative position", {{53, "-1"}}, 4, "Unknown"},
+        {"position rounds half to even", {{53, "4.5"}}, 4, "Sleeping"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        Panel p;
+        p.set(row.items);
+        EXPECT_EQ(p.m.XInfo(row.xinfo), row.text);
+    }
+}
+
+TEST(StatusPanel, StartUpShowsAnEmptyPanel) {
+    Panel p;
+    EXPECT_EQ(p.m.XInfo(0), "Y M");
+    EXPECT_EQ(p.m.XInfo(1), "0'0\"");
+    EXPECT_EQ(p.m.XInfo(2), "Good");
+    EXPECT_EQ(p.m.XInfo2Colour(), rgb(0, 255, 0));
+    EXPECT_EQ(p.m.XInfo(3), "<>");
+    EXPECT_EQ(p.m.XInfo(4), "Dead");
+    EXPECT_EQ(p.m.XInfo(5), "") << "item 52 has no change handling at start";
+    EXPECT_EQ(p.m.ShapeParam(5).width, 1815);
+    for (int bar : {0, 1, 2, 3, 4, 6, 7, 8, 9, 10}) EXPECT_EQ(p.m.ShapeParam(bar).width, 0) << bar;
+    EXPECT_EQ(p.m.ShapeParam(0).colour, rgb(192, 0, 0));
+    EXPECT_EQ(p.m.ShapeParam(6).colour, rgb(0, 0, 255));
+}
+
+TEST(StatusPanel, ChangedCellsFlashUntilTheNextTick) {
+    Panel p;
+    p.m.Timer3_Timer();
+    EXPECT_EQ(p.m.Info1Back(23), StatusModel::kGrey);
+    p.m.takeChanges();
+
+    p.m.setInfo1(23, "x");
+    EXPECT_EQ(p.m.Info1Back(23), StatusModel::kChanged);
+    EXPECT_EQ(p.m.XInfo(0), "Y M") << "item 23 only flashes";
+    auto changes = p.m.takeChanges();
+    EXPECT_TRUE(changes.info1.test(23));
+    EXPECT_FALSE(changes.xinfo.any());
+    EXPECT_FALSE(changes.bars.any());
+
+    p.m.Timer3_Timer();
+    EXPECT_EQ(p.m.Info1Back(23), StatusModel::kGrey);
+    EXPECT_TRUE(p.m.ItemChanged(23)) << "the flags stay set";
+    EXPECT_TRUE(p.m.takeChanges().info1.test(23));
+
+    // The same text again is no change: no flash, nothing to repaint.
+    p.m.setInfo1(23, "x");
+    EXPECT_EQ(p.m.Info1Back(23), StatusModel::kGrey);
+    EXPECT_FALSE(p.m.takeChanges().any());
+    p.m.Timer3_Timer();
+    EXPECT_FALSE(p.m.takeChanges().any()) << "a grey cell is not painted grey again";
+}
+
+TEST(StatusPanel, AlignmentWordAndColourAreIndependent) {
+    Panel p;
+    p.set({{28, "2"}, {29, "1"}});
+    EXPECT_EQ(p.m.XInfo(2), "Evil");
+    EXPECT_EQ(p.m.XInfo2Colour(), rgb(255, 255, 0));
+    p.set({{29, "9"}});
+    EXPECT_EQ(p.m.XInfo2Colour(), rgb(255, 0, 0));
+}
+
+// The quick reading of plain digits gives what Val gives, on any text.
+TEST(StatusPanel, QuickNumbersAgreeWithVal) {
+    std::mt19937 rng(3);
+    const std::string alphabet = "0123456789-,. eE&Hh\t\n+d";
+    for (int i = 0; i < 20000; ++i) {
+        std::string s;
+        const std::size_t len = rng() % 12;
+        for (std::size_t k = 0; k < len; ++k) s += rng() % 3 ? alphabet[rng() % 10] : alphabet[rng() % alphabet.size()];
+        const double quick = statusNumber(Val, s), plain = std::nearbyint(Val(s));
+        EXPECT_TRUE(quick == plain || (std::isnan(quick) && std::isnan(plain))) << s;
+    }
+}
