@@ -31,9 +31,15 @@ inline std::size_t replacedSize(std::string_view s, std::string_view from, std::
 // Decimal text of a number, as the old program printed numbers.
 std::string decimal(long long n);
 
-// The number at the head of a text for a port box or a file field: blanks
-// skipped, an optional sign, then digits. Anything else gives 0; values
-// beyond 32 bits are clamped.
-int leadingInt32(std::string_view s);
+// Whether `name` ends with `suffix`, letters compared without case.
+bool endsWithIgnoringCase(std::string_view name, std::string_view suffix);
+
+// Whether a name can be a file of the editors' folders on any system the
+// folders may be copied to: not blank, not "." or "..", and none of
+// \ / : * ? " < > | or NUL (so the templates' "?" must be replaced).
+bool portableFileName(std::string_view name);
+
+// The editors' message for a name that is not one.
+std::string refusedNameMessage(std::string_view kind, std::string_view name);
 
 }  // namespace kelpa

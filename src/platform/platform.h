@@ -70,7 +70,8 @@ public:
     virtual bool readAll(const std::string& path, std::string& out) const = 0;
     // Replaces the file's content; never leaves a half-written file behind.
     virtual bool writeAll(const std::string& path, const std::string& bytes) = 0;
-    // Names of the plain files in a folder that end with `suffix`, sorted.
+    // Names of the plain files in a folder that end with `suffix`, its
+    // letters in any case (Heal.TRIGGER), sorted.
     virtual std::vector<std::string> list(const std::string& folder,
                                           const std::string& suffix) const = 0;
     // The full path, for messages and for the shell.

@@ -18,7 +18,7 @@ Client::Client(Platform& p)
       keywords({variables, flags, windows, writer, debug, pipeline, sender, p.host, commands}),
       macros(variables, p.files, debug, commands, keywords.OverrideDir),
       macroEditor(p.files, p.host, keywords.OverrideDir),
-      triggerEditor(p.files, [this] { LoadTriggers(); }) {
+      triggerEditor(p.files, p.host, [this] { LoadTriggers(); }) {
     telnet.setSender([this](std::string& answer) { sender.S_SendData(answer); });
     commands.setExpander([this](const std::string& s) { return variables.S_ExpandVars(s); });
     commands.setWorkMeter([this] { return variables.expandedBytes(); });

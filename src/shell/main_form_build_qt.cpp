@@ -1,5 +1,7 @@
 // The tree of controls of the main window, with captions, fonts and colours.
 // Places come from FormLayout, except for controls that never move.
+#include <limits>
+
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
@@ -74,6 +76,8 @@ void MainForm::buildWorkArea() {
     Text1_ = new QLineEdit(PlayGround_);
     Text1_->setObjectName(QStringLiteral("Text1"));
     Text1_->setFont(monospaceFont(9.75));
+    // A command line has no length limit (Qt's default stops at 32,767).
+    Text1_->setMaxLength(std::numeric_limits<int>::max());
     BTN_BULK_ = button("BTN_BULK", "&Bulk", PlayGround_);
     BTN_Flags_ = button("BTN_Flags", "&Flags", PlayGround_);
 }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "common/numbers.h"
 #include "common/text.h"
 
 namespace kelpa::qt {
@@ -25,7 +26,7 @@ void QtSocket::connect(const std::string& host, const std::string& port) {
     open_ = false;
     closing_ = false;
     socket_.abort();
-    const int p = leadingInt32(port);
+    const int p = valInt32Clamped(port);
     if (p <= 0 || p > 65535) {
         // What the old control said of a connection to an impossible port.
         QTimer::singleShot(0, this, [this] { fail(10049, QStringLiteral("Address not available")); });

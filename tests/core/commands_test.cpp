@@ -291,21 +291,6 @@ TEST(Words, GetwordEndsAtOneBlankOrTheFirstPairAndFolds) {
     EXPECT_EQ(getword(accents), "");
 }
 
-TEST(Words, ValReadsTheNumberAtTheHeadAndNumbersRoundToEvenAndPrintShortest) {
-    const std::vector<std::pair<std::string, double>> vals = {
-        {"12abc", 12},  {"abc", 0},     {" - 1 2", -12}, {"\t3\n4", 34}, {"1.5.2", 1.5}, {".5", 0.5},
-        {"2e3", 2000},  {"2D-1", 0.2},  {"1e", 1},       {"&HFF", 255},  {"&o17", 15},   {"&H", 0},
-        {"1e999", 1.7976931348623157e308},               {"1e-999", 0},  {"-", 0},
-    };
-    for (const auto& [text, value] : vals) EXPECT_EQ(Val(text), value) << text;
-    for (const auto& [value, even] : std::vector<std::pair<double, double>>{{0.5, 0}, {1.5, 2}, {2.5, 2}, {-2.5, -2}})
-        EXPECT_EQ(roundHalfEven(value), even) << value;
-    const std::vector<std::pair<double, std::string>> texts = {
-        {0.5, "0.5"}, {-0.0, "0"}, {1e-5, "1E-05"}, {1e15, "1E+15"}, {123456789012345, "123456789012345"},
-    };
-    for (const auto& [value, text] : texts) EXPECT_EQ(numberText(value), text) << value;
-}
-
 // Table order, shadowing and second expansion are held by the random test
 // below against one pass per entry; these are what it cannot see.
 TEST(Variables, NamesCountCaseAndASecondSetKeepsThePlace) {
