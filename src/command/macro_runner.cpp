@@ -60,8 +60,8 @@ bool MacroRunner::putArguments(std::string& body, std::string args) {
         words.push_back(args.substr(0, blank));
         args.erase(0, blank == std::string::npos ? args.size() : blank + 1);
     }
-    // One pass per number, in ascending order, as the text rewriting
-    // always did; numbers that cannot match are skipped without a pass.
+    // One pass per number, in ascending order, so that a word put in for
+    // "%1" can hold "%2"; numbers that cannot match are skipped.
     const long long last = std::max<long long>(static_cast<long long>(words.size()), kLastCleared);
     std::set<long long> due = referenced(body, last);
     while (!due.empty()) {

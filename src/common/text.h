@@ -1,5 +1,5 @@
-// Byte-string helpers shared by the core. One character per byte, positions
-// in the old program's sense (1-based) only where a routine says so.
+// Byte-string helpers shared by the core. One character per byte; positions
+// count from 1 only where a routine says so.
 #pragma once
 
 #include <cstddef>
@@ -28,7 +28,7 @@ inline std::size_t replacedSize(std::string_view s, std::string_view from, std::
     return s.size() - n * from.size() + n * to.size();
 }
 
-// Decimal text of a number, as the old program printed numbers.
+// Decimal text of a whole number.
 std::string decimal(long long n);
 
 // Whether `name` ends with `suffix`, letters compared without case.

@@ -37,7 +37,7 @@ QCheckBox* checkBox(const char* name, const char* caption, bool on, QWidget* par
     auto* c = new CheckBox(QString::fromLatin1(caption), parent);
     c->setObjectName(QString::fromLatin1(name));
     c->setChecked(on);
-    // Check boxes keep the button colour of their own, as in the old toolkit.
+    // Check boxes paint the button colour behind their caption.
     setBackground(c, c->palette().color(QPalette::Button));
     return c;
 }

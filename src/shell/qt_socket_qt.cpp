@@ -28,7 +28,7 @@ void QtSocket::connect(const std::string& host, const std::string& port) {
     socket_.abort();
     const int p = valInt32Clamped(port);
     if (p <= 0 || p > 65535) {
-        // What the old control said of a connection to an impossible port.
+        // Error 10049 "Address not available", for a port outside 1 to 65535.
         QTimer::singleShot(0, this, [this] { fail(10049, QStringLiteral("Address not available")); });
         return;
     }
@@ -99,7 +99,7 @@ void QtSocket::onError(QAbstractSocket::SocketError error) {
     const int number = errorNumber(error);
     const QString text = socket_.errorString();
     if (inConnectCall_)
-        // The old control raised its events after the click had ended.
+        // Events of a failed connect arrive after the click has ended.
         QTimer::singleShot(0, this, [this, number, text] { fail(number, text); });
     else
         fail(number, text);

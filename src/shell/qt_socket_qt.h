@@ -22,7 +22,7 @@ public:
     std::string getData() override;
     void sendData(const std::string& bytes) override;
 
-    // The old control's error numbers, and its 32-bit status code for one.
+    // The socket error numbers players know, and the 32-bit status code of one.
     static int errorNumber(QAbstractSocket::SocketError error);
     static long long statusCode(int number);
 

@@ -15,7 +15,7 @@
 // tested groups holds, or when a group holds without any search (empty,
 // or only empty texts and the text is not empty), or when its flag block
 // names a flag that does not exist (the flag test must then still run, to
-// fail as it always did). Candidates come back in table order, each with
+// end the chunk with its error). Candidates come back in table order, each with
 // the result of its pattern test; the caller tests the flags at that
 // moment.
 #pragma once

@@ -42,7 +42,7 @@ struct Table {
     VariableTable vars{debug, clock};
 };
 
-// The old substitution: one pass over the text for each entry, in order.
+// The plain substitution: one pass over the text for each entry, in order.
 std::string byPasses(const VariableTable& t, std::string text) {
     for (int n = 1; n <= t.VariableCount(); ++n) text = replaceAll(text, "%" + t.entry(n).Name, t.entry(n).Value);
     return text;
@@ -222,6 +222,18 @@ TEST(Macros, MissingFilesAndCaseAreTold) {
                       " UNKNOWN MACRO for command 1 2\r\n\r\n"));
     EXPECT_TRUE(h.has(" UNKNOWN MACRO for command \r\n\r\nMacro names count case: there is macros/Bash.macro\r\n"));
     EXPECT_EQ(h.fp.socket.writes, Writes{"say after\r\n"});
+}
+
+TEST(Macros, ExtensionsAreFoundInAnyCaseNamesCountCase) {
+    Lines h;
+    h.file("x.Macro", "say x");
+    h.file("AREA/Y.MACRO", "say y");
+    h.file("z.macro.txt", "say z");
+    h.run("@x\r\n@X\r\n#override area\r\n@Y\r\n@z");
+    EXPECT_EQ(h.fp.socket.writes, (Writes{"say x\r\n", "say y\r\n"}));
+    EXPECT_TRUE(h.has("Macro names count case: there is macros/x.Macro"));
+    h.c.macroEditor.brefresh3_Click();
+    EXPECT_EQ(h.c.macroEditor.Mlist, std::vector<std::string>{"x.Macro"});
 }
 
 TEST(Macros, OverrideFolderGoesFirstAndFallsBackToMain) {

@@ -285,6 +285,18 @@ TEST(TriggerEditor, TemplateSavesLoadsAndSavesAgain) {
     EXPECT_EQ(t.fp.host.messages, std::vector<std::string>{});
 }
 
+TEST(TriggerEditor, ExtensionsInAnyCaseAreListedAndLoaded) {
+    TriggerFixture t;
+    t.trigger("Heal.TRIGGER", "pattern1=hurt\r\naction=heal");
+    t.trigger("b.Trigger", "pattern1=hurt\r\naction=bandage", true);
+    t.trigger("notes.trigger.bak", "pattern1=hurt\r\naction=no");
+    t.c.LoadTriggers();
+    t.c.triggerEditor.brefresh2_Click();
+    EXPECT_EQ(t.c.triggerEditor.TList, std::vector<std::string>{"Heal.TRIGGER"});
+    t.receive("hurt");
+    EXPECT_EQ(t.sent(), "bandage\r\nheal\r\n");
+}
+
 TEST(TriggerEditor, DoubleClickWithNoEntryEmptiesTheBoxes) {
     TriggerFixture t;
     TriggerEditor& e = t.c.triggerEditor;
