@@ -77,6 +77,15 @@ TEST(Keywords, VariablesFoldOnKeywordLinesOnly) {
     EXPECT_EQ(h.fp.socket.writes.back(), "say 100PC ORC\r\n");
 }
 
+// The README's first steps with variables, as a newcomer types them.
+TEST(Keywords, AVariableSetInLowerCaseIsReferredToInUpperCaseOnPlainLines) {
+    Lines h;
+    h.run("#SV target orc\r\n#SV hp 70\r\nkill %target\r\nkill %TARGET\r\n#MATH hp - %hp 10\r\n"
+          "#IFGT %hp 50 kill %target\r\n#MATH hp - %hp 10\r\n#IFGT %hp 50 kill %target");
+    EXPECT_EQ(h.fp.socket.writes, (Writes{"kill %target\r\n", "kill ORC\r\n", "KILL ORC\r\n"}));
+    EXPECT_EQ(h.value("HP"), "50");
+}
+
 TEST(Keywords, FlagsByNumberAndLabel) {
     Lines h;
     h.run("#sf 5\r\n#sf 6 0\r\n#sf 7 1\r\n#swf 7\r\n#switchflag 8\r\n#lf 3 hunting now\r\n#sf 83\r\n#sf 84\r\n"
