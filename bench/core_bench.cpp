@@ -6,6 +6,7 @@
 
 #include <string>
 
+#include "history_probe.h"
 #include "shell/client.h"
 #include "stream_gen.h"
 #include "support/fakes.h"
@@ -42,7 +43,7 @@ struct MemoryClient {
     // memory stays, so that a pass measures the road and not the kernel
     // handing out fresh pages (BM_ReceiveRoadRun measures that).
     void reset() {
-        c.history.clearForBench();
+        HistoryTextProbe::clear(c.history);
         for (auto& [path, text] : files.files) text.clear();
     }
 };

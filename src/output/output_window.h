@@ -1,6 +1,8 @@
 // The text of one output window: bytes with styled runs. Appends are
-// amortised O(1); the limit cut (which keeps the first character) is O(1)
-// too, by moving the first character forward instead of the rest back.
+// amortised O(1). The limit cut (which keeps the first character) moves the
+// first character forward instead of the rest back and finds the first run
+// it keeps by binary search, O(log runs); the space cut off is given back
+// now and then, at an amortised constant cost per byte.
 #pragma once
 
 #include <cstddef>

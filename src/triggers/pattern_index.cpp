@@ -51,8 +51,7 @@ unsigned log2Ceil(std::size_t n) {
 
 }  // namespace
 
-void PatternIndex::build(const TriggerRecords* const (&tables)[kTables], int flagCount, std::size_t denseBudget,
-                         unsigned filterWordsLog2) {
+void PatternIndex::build(const TriggerRecords* const (&tables)[kTables], int flagCount) {
     std::unordered_map<std::string_view, std::int32_t> ids;
     std::vector<std::string> texts;
     auto idOf = [&](const std::string& t) {
@@ -115,8 +114,8 @@ void PatternIndex::build(const TriggerRecords* const (&tables)[kTables], int fla
     seenStamp_.assign(texts.size(), 0);
     seenEpoch_ = 0;
     seen_.clear();
-    buildAutomaton(texts, denseBudget);
-    buildFilter(texts, filterWordsLog2);
+    buildAutomaton(texts, denseBudget_);
+    buildFilter(texts, filterWordsLog2_);
 }
 
 void PatternIndex::buildFilter(const std::vector<std::string>& texts, unsigned filterWordsLog2) {

@@ -44,7 +44,7 @@ public:
     void LoadTriggerDir(TriggerRecords& table, const std::string& directoryName);
     // Builds the pattern index over both tables as they stand; LoadTriggers
     // calls it, and so may whoever fills the tables by hand.
-    void indexTables(std::size_t denseBudget = PatternIndex::kDenseBudget, unsigned filterWordsLog2 = 0);
+    void indexTables();
 
     void T_Match(TableId table, std::string_view text);
 
@@ -68,6 +68,7 @@ public:
     static std::string commandText(const std::string& action, std::string_view text);
 
 private:
+    friend struct PatternIndexProbe;
     struct Scratch {
         std::vector<PatternIndex::Candidate> candidates;
         std::vector<PatternIndex::Found> found;
