@@ -187,6 +187,37 @@ TEST(Keywords, InjectQueueMessageBossOverrideHelpAndUnknown) {
     EXPECT_TRUE(h.has("Unknown key word FROB\r\nOVERRIDE par1 : sets an override directory for macros\r\n"));
 }
 
+// Each keyword by its long name does what its short name does.
+TEST(Keywords, LongAndShortNamesDoTheSame) {
+    const std::vector<std::pair<std::string, std::string>> forms = {
+        {"SETVAL", "SV"},       {"UNSETVAL", "UV"},     {"CLEARFLAGS", "CF"},    {"UNLABELWINDOW", "ULW"},
+        {"MSGBOX", "MB"},       {"SETFLAG", "SF"},      {"LABELFLAG", "LF"},     {"SWITCHFLAG", "SWF"},
+        {"LABELWINDOW", "LW"},  {"ECHO", "E"},          {"INJECT", "I"},         {"QUEUE", "Q"},
+        {"IFDIF", "IFNEQ"},     {"NOP", "REM"},
+    };
+    auto effect = [](const std::string& keyword) {
+        Lines h;
+        h.run("#sv a 1\r\n#sf 3 0\r\n#lf 3 x\r\n#lw 1 y");
+        h.run("#" + keyword + " 3 4 b");
+        h.c.Queue_Timer();
+        std::string probe = h.value("3") + "|" + h.value("A") + "|" + h.c.flags.caption[3] +
+                            (h.c.flags.value[3] ? "+" : "-") + "|" + h.window(kMainWindow) + "|" + h.window(3) +
+                            "|" + h.fp.socket.sent;
+        for (const std::string& tab : h.c.keywords.tabs.caption) probe += "|" + tab;
+        for (const std::string& m : h.fp.host.messages) probe += "|" + m;
+        EXPECT_EQ(h.debugText().find("Unknown key word"), std::string::npos) << keyword;
+        return probe;
+    };
+    const std::string nothing = effect("NOP");
+    for (const auto& [full, brief] : forms) {
+        const std::string done = effect(full);
+        EXPECT_EQ(done, effect(brief)) << full;
+        if (full != "NOP") {
+            EXPECT_NE(done, nothing) << full;
+        }
+    }
+}
+
 TEST(Keywords, CircularThenPartStopsAtTheNestingLimit) {
     Lines h;
     // X holds a condition whose then-part runs X again.
