@@ -162,29 +162,36 @@ TEST(Keywords, WindowsInkAndLabels) {
     EXPECT_EQ(tabs[2] + tabs[5], "Custom 1Custom 4");
 }
 
-TEST(Keywords, InjectQueueMessageBossOverrideHelpAndUnknown) {
+TEST(Keywords, InjectGoesThroughThePipelineButNotTheHistory) {
     Lines h;
     h.openLog();
-    h.run("#inject hello;;there\r\n#q north;;\r\n#queue ###\r\n#mb Are you there\r\n#nop say\r\n#rem say");
+    h.run("#inject hello;;there\r\n#nop say\r\n#rem say");
     EXPECT_EQ(h.window(kMainWindow), "HELLO;;THERE");
     EXPECT_EQ(h.logFile(), "HELLO;;THERE\r\n");
     EXPECT_EQ(h.history(), "");
-    EXPECT_EQ(h.fp.host.messages, Writes{"ARE YOU THERE"});
+    EXPECT_TRUE(h.fp.socket.writes.empty());
+}
+
+TEST(Keywords, QueuedTextsLeaveOnePerTickAndThreeHashesEndTheProgram) {
+    Lines h;
+    h.run("#q north;;\r\n#queue ###");
     EXPECT_TRUE(h.fp.socket.writes.empty());
     h.c.Queue_Timer();
     EXPECT_EQ(h.fp.socket.writes, Writes{"NORTH\r\n"});
     EXPECT_FALSE(h.fp.host.ended);
     h.c.Queue_Timer();
     EXPECT_TRUE(h.fp.host.ended);
+}
 
-    h.run("#boss\r\n#override area1\r\n#override\r\n#\r\n#frob x");
+TEST(Keywords, MessageBossOverrideHelpAndUnknown) {
+    Lines h;
+    h.run("#mb Are you there\r\n#boss\r\n#override area1\r\n#override\r\n#\r\n#frob x\r\n#help");
+    EXPECT_EQ(h.fp.host.messages, Writes{"ARE YOU THERE"});
     EXPECT_TRUE(h.fp.host.hidden);
     EXPECT_EQ(h.c.keywords.OverrideDir, "");
     EXPECT_TRUE(h.has("Override Directory is now: AREA1\r\nOverride Directory has been cleared.\r\n"
-                      "Unknown key word \r\nUnknown key word FROB\r\n"));
-
-    h.run("#help");
-    EXPECT_TRUE(h.has("Unknown key word FROB\r\nOVERRIDE par1 : sets an override directory for macros\r\n"));
+                      "Unknown key word \r\nUnknown key word FROB\r\n"
+                      "OVERRIDE par1 : sets an override directory for macros\r\n"));
 }
 
 // Each keyword by its long name does what its short name does.

@@ -127,15 +127,11 @@ TEST(ConnectionBar, SelectionFillsTheBoxesAndCurrentSite) {
     EXPECT_EQ(c.bar.CurrentSite.SiteName, "a");
 }
 
-TEST(ConnectionBar, AMissingBookIsCreatedEmptyAndSaveWritesTheBook) {
+TEST(ConnectionBar, AMissingBookIsCreatedEmptyAndTheDefaultServerIsUsed) {
     ClientHarness h(/*connected=*/false);
     EXPECT_TRUE(h.fp.files.exists(kSiteBookFile));
     EXPECT_TRUE(h.c.bar.items.empty());
     EXPECT_EQ(h.c.bar.selected(), nullptr);
     h.c.session.CMD_CONNECT_Click();
     EXPECT_EQ(h.fp.socket.connects, std::vector<std::string>{"localhost:23"});
-
-    const std::vector<SiteRecord> book = {rec("a"), rec("b", "two\r\nlines")};
-    ASSERT_TRUE(SaveSites(h.fp.files, book));
-    EXPECT_EQ(h.fp.folder.read(kSiteBookFile), formatSites(book));
 }
