@@ -74,8 +74,6 @@ public:
 
     // Changes with every modification; lets a view skip unchanged windows.
     std::uint64_t revision() const { return revision_; }
-    // Bumped when text before the end changed (a cut or a clear).
-    std::uint64_t resetCount() const { return resets_; }
 
 private:
     struct Entry {
@@ -97,7 +95,6 @@ private:
     std::vector<Entry> runs_;
     std::size_t head_ = 0;
     std::uint64_t revision_ = 0;
-    std::uint64_t resets_ = 0;
 };
 
 }  // namespace kelpa

@@ -63,10 +63,6 @@ public:
     void lineCandidates(int t, std::string_view line, std::size_t offset, std::span<const Found> found,
                         std::vector<Candidate>& out);
 
-    std::size_t patternTexts() const { return seenStamp_.size(); }
-    std::size_t states() const { return nodes_.size(); }
-    std::size_t windowLength() const { return keyLen_; }
-    std::size_t windowStride() const { return stride_; }
 
 private:
     // Tests shrink these so that every path of the walk is taken.

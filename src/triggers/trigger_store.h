@@ -60,8 +60,6 @@ public:
     std::int32_t TriggerCount() const { return static_cast<std::int32_t>(TriggerTable.size()); }
     std::int32_t GlobalTriggerCount() const { return static_cast<std::int32_t>(GlobalTriggerTable.size()); }
 
-    const PatternIndex& index() const { return index_; }
-
     // The flag test of one record, as the matcher runs it.
     static bool flagsPass(const TriggerRecord& r, const FlagTable& flags);
     // The action with "$*" replaced by the text between two blanks.

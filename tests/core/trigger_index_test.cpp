@@ -20,6 +20,9 @@ struct PatternIndexProbe {
         store.index_.denseBudget_ = denseBudget;
         store.index_.filterWordsLog2_ = filterWordsLog2;
     }
+    static std::pair<std::size_t, std::size_t> window(const TriggerStore& store) {
+        return {store.index_.keyLen_, store.index_.stride_};
+    }
 };
 
 }  // namespace kelpa
@@ -147,7 +150,7 @@ TEST(TriggerIndex, FiresWhatAWalkOfEveryRecordFiresOnRandomTablesAndTexts) {
         PatternIndexProbe::tune(store, round % 2 ? PatternIndex::kDenseBudget : 1,
                                 round % 3 ? 0 : static_cast<unsigned>(1 + r.below(4)));
         store.indexTables();
-        windows.insert({store.index().windowLength(), store.index().windowStride()});
+        windows.insert(PatternIndexProbe::window(store));
         for (int k = 0; k < 6; ++k) flags.set(k, r.below(2) == 0);
         plainFlags = flags;
         for (int chunk = 0; chunk < 20; ++chunk) {
