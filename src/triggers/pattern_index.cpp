@@ -1,6 +1,7 @@
 #include "triggers/pattern_index.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <limits>
 #include <unordered_map>
@@ -43,11 +44,7 @@ std::uint64_t filterBits(std::uint64_t h) {
            std::uint64_t{1} << (h >> (64 - kMaxWordBits - 12) & 63);
 }
 
-unsigned log2Ceil(std::size_t n) {
-    unsigned b = 0;
-    while ((std::size_t{1} << b) < n) ++b;
-    return b;
-}
+unsigned log2Ceil(std::size_t n) { return n <= 1 ? 0u : static_cast<unsigned>(std::bit_width(n - 1)); }
 
 }  // namespace
 
