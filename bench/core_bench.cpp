@@ -6,6 +6,7 @@
 
 #include <string>
 
+#include "history_probe.h"
 #include "shell/client.h"
 #include "stream_gen.h"
 #include "support/fakes.h"
@@ -66,7 +67,7 @@ struct MemoryClient {
     // memory stays, so that a pass measures the road and not the kernel
     // handing out fresh pages (BM_ReceiveRoadRun measures that).
     void reset() {
-        c.parts().history.clearForBench();
+        HistoryTextProbe::clear(c.parts().history);
         for (auto& [path, text] : files.files) text.clear();
     }
 };

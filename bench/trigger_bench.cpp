@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "history_probe.h"
 #include "shell/client.h"
 #include "support/fakes.h"
 
@@ -81,7 +82,7 @@ void BM_ReceiveRoadWithTriggers(benchmark::State& state) {
             road.fp.socket.writes.clear();
             road.fp.socket.sent.clear();
             // The run's raw text would otherwise grow for the whole bench.
-            road.c.parts().history.clearForBench();
+            HistoryTextProbe::clear(road.c.parts().history);
         }
         road.fp.socket.incoming = data.substr(pos, chunk);
         pos += chunk;

@@ -49,11 +49,7 @@ BulkDialog::BulkDialog(QWidget* parent)
     connect(this, &QDialog::rejected, this, [this] { BulkResult = false; });
 }
 
-QString BulkDialog::commandText() const {
-    QString t = TXT_Bulk->toPlainText();
-    t.replace(QLatin1Char('\n'), QStringLiteral("\r\n"));
-    return t;
-}
+std::string BulkDialog::commandText() const { return boxText(TXT_Bulk); }
 
 void BulkDialog::clearText() { TXT_Bulk->clear(); }
 

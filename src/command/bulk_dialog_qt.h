@@ -3,6 +3,8 @@
 
 #include <QDialog>
 
+#include <string>
+
 class QPlainTextEdit;
 class QPushButton;
 
@@ -16,8 +18,9 @@ public:
     // True when the dialog was closed with Send.
     bool BulkResult = false;
 
-    // The text with CR LF between its lines, as command texts have them.
-    QString commandText() const;
+    // The text with CR LF between its lines, as command texts have them,
+    // every byte as shown.
+    std::string commandText() const;
     void clearText();
 
     QPlainTextEdit* TXT_Bulk;

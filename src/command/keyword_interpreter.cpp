@@ -1,10 +1,10 @@
 #include "command/keyword_interpreter.h"
 
 #include <cmath>
-#include <climits>
 #include <unordered_map>
 
 #include "command/words.h"
+#include "common/numbers.h"
 #include "common/run_error.h"
 #include "common/text.h"
 
@@ -36,13 +36,6 @@ const char* const kHelpLines[] = {
     "IFLTE : if lower or equal",
     "MATH par1 par2 par3 par4: sets a variable par1 to the value of par2(par3,par4). par2 is an operand of + - * / ",
 };
-
-// A whole number for a window, inside the range that W_Print can report.
-int windowNumber(double v) {
-    const double r = roundHalfEven(v);
-    if (!(r > INT_MIN && r < INT_MAX)) return r > 0 ? INT_MAX : INT_MIN;
-    return static_cast<int>(r);
-}
 
 }  // namespace
 
@@ -89,7 +82,7 @@ int KeywordInterpreter::flagIndex(const std::string& word) {
         p_.debug.DebugLog("Flag " + numberText(n) + " out of boundries " + decimal(lower) + "," + decimal(upper));
         return -1;
     }
-    return static_cast<int>(roundHalfEven(n));
+    return static_cast<int>(std::nearbyint(n));
 }
 
 void KeywordInterpreter::INK(std::string& s) {
@@ -127,7 +120,7 @@ void KeywordInterpreter::LABELWINDOW(std::string& s) {
         return;
     }
     // Number n labels "Custom n", the tab of window n + 1.
-    const int tab = TabCaptions::kFirstCustom - 1 + static_cast<int>(roundHalfEven(n));
+    const int tab = TabCaptions::kFirstCustom - 1 + static_cast<int>(std::nearbyint(n));
     tabs.caption[static_cast<std::size_t>(tab)] = label;
     ++tabs.revision;
 }
@@ -178,7 +171,7 @@ void KeywordInterpreter::MATH(std::string& s) {
 void KeywordInterpreter::MSGBOX(std::string& s) { p_.host.messageBox(s); }
 
 void KeywordInterpreter::ECHO(std::string& s) {
-    const int win = windowNumber(Val(getword(s)));
+    const int win = valInt32Clamped(getword(s));
     try {
         p_.writer.W_Print(s + "\r\n", win);
     } catch (const RunError&) {

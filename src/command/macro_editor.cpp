@@ -1,6 +1,7 @@
 #include "command/macro_editor.h"
 
 #include "command/macro_runner.h"
+#include "common/lines.h"
 #include "common/text.h"
 
 namespace kelpa {
@@ -41,15 +42,11 @@ void MacroEditor::Mlist_DblClick(const std::string& entry) {
         return;
     }
     std::string lines;
-    std::size_t start = 0;
-    while (start < text.size()) {
-        std::size_t end = text.find_first_of("\r\n", start);
-        if (end == std::string::npos) end = text.size();
-        if (start > 0) lines += kCrLf;
-        lines.append(text, start, end - start);
-        start = end;
-        if (start < text.size() && text[start] == '\r') ++start;
-        if (start < text.size() && text[start] == '\n') ++start;
+    bool first = true;
+    for (std::string_view line : fileLines(text)) {
+        if (!first) lines += kCrLf;
+        lines.append(line);
+        first = false;
     }
     txtMacrosLabel = entry;
     txtMacrosCommands = lines;
@@ -66,15 +63,9 @@ void MacroEditor::BTNMacrosNew_Click() {
 }
 
 bool MacroEditor::usableName(const std::string& name) {
-    // Characters that a case-blind system refuses stay refused here too,
-    // so that a macro folder can move between systems; the template's "?"
-    // is one of them.
-    if (trimBlanks(name).empty() || name.find_first_of("\\/:*?\"<>|") != std::string::npos ||
-        name.find('\0') != std::string::npos) {
-        host_.messageBox("Cannot use the macro name \"" + name + "\"; write the name in place of \"?\"");
-        return false;
-    }
-    return true;
+    if (portableFileName(name)) return true;
+    host_.messageBox(refusedNameMessage("macro", name));
+    return false;
 }
 
 void MacroEditor::BTNMacrosSave_Click() {

@@ -14,10 +14,6 @@ namespace kelpa::qt {
 
 namespace {
 
-// The box shows lines; the core keeps them with CR LF.
-QString shown(const std::string& text) { return toQString(replaceAll(text, "\r\n", "\n")); }
-std::string kept(const QString& text) { return replaceAll(toCoreBytes(text), "\n", "\r\n"); }
-
 QPushButton* button(const char* caption, const char* name, int left, int top, int width, QWidget* page) {
     auto* b = placed(new QPushButton(QString::fromLatin1(caption), page), name, left, top, width, 375);
     b->setAutoDefault(false);
@@ -39,7 +35,7 @@ MacroPage::MacroPage(MacroEditor& editor, Runner run, QWidget* page)
     txtMacrosCommands->setLineWrapMode(QPlainTextEdit::NoWrap);
 
     MListName = placed(new QLabel(QStringLiteral("Main"), page), "MListName", 5880, 480, 3255, 285);
-    Mlist = placed(new QListWidget(page), "Mlist", 5880, 840, 3255, 4215);
+    Mlist = placed(new FileList(page), "Mlist", 5880, 840, 3255, 4215);
     Mlist->setSortingEnabled(true);
     Mlist->setFont(small);
     brefresh3 = button("Main", "brefresh3", 5880, 5160, 1575, page);
@@ -52,12 +48,12 @@ MacroPage::MacroPage(MacroEditor& editor, Runner run, QWidget* page)
     connect(txtMacrosLabel, &QLineEdit::textEdited, this,
             [this](const QString& t) { editor_.txtMacrosLabel = toCoreBytes(t); });
     connect(txtMacrosCommands, &QPlainTextEdit::textChanged, this,
-            [this] { editor_.txtMacrosCommands = kept(txtMacrosCommands->toPlainText()); });
-    connect(Mlist, &QListWidget::itemDoubleClicked, this, [this](QListWidgetItem* item) {
-        const std::string entry = item ? toCoreBytes(item->text()) : std::string();
+            [this] { editor_.txtMacrosCommands = boxText(txtMacrosCommands); });
+    Mlist->onDoubleClick = [this](int row) {
+        const std::string entry = row >= 0 ? toCoreBytes(Mlist->item(row)->text()) : std::string();
         run_("Mlist_DblClick", [&] { editor_.Mlist_DblClick(entry); });
         sync();
-    });
+    };
     click(brefresh3, "brefresh3_Click", &MacroEditor::brefresh3_Click);
     click(Command1, "Command1_Click", &MacroEditor::Command1_Click);
     click(BTNMacrosNew, "BTNMacrosNew_Click", &MacroEditor::BTNMacrosNew_Click);
@@ -83,8 +79,8 @@ void MacroPage::sync() {
     MListName->setText(toQString(editor_.MListName));
     if (toCoreBytes(txtMacrosLabel->text()) != editor_.txtMacrosLabel)
         txtMacrosLabel->setText(toQString(editor_.txtMacrosLabel));
-    if (kept(txtMacrosCommands->toPlainText()) != editor_.txtMacrosCommands)
-        txtMacrosCommands->setPlainText(shown(editor_.txtMacrosCommands));
+    if (boxText(txtMacrosCommands) != editor_.txtMacrosCommands)
+        setBoxText(txtMacrosCommands, editor_.txtMacrosCommands);
 }
 
 }  // namespace kelpa::qt

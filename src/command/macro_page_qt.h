@@ -4,6 +4,8 @@
 
 #include <QObject>
 
+#include "toolkit/widget_kit_qt.h"
+
 #include <cstdint>
 #include <functional>
 
@@ -28,7 +30,7 @@ public:
     // Shows the model's list and boxes if they changed.
     void sync();
 
-    QListWidget* Mlist;
+    FileList* Mlist;
     QLabel* MListName;
     QLineEdit* txtMacrosLabel;
     QPlainTextEdit* txtMacrosCommands;

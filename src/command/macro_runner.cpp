@@ -3,6 +3,7 @@
 #include <set>
 
 #include "command/words.h"
+#include "common/lines.h"
 #include "common/text.h"
 
 namespace kelpa {
@@ -43,16 +44,8 @@ std::string MacroRunner::folder(const std::string& overrideDir) {
 
 std::string MacroRunner::bodyOf(const std::string& text) {
     std::string body;
-    std::size_t start = 0;
-    while (start < text.size()) {
-        std::size_t end = text.find_first_of("\r\n", start);
-        if (end == std::string::npos) end = text.size();
-        const std::string_view line = std::string_view(text).substr(start, end - start);
+    for (std::string_view line : fileLines(text))
         if (line.find_first_not_of(' ') != std::string_view::npos) body.append(line).append(kCrLf);
-        start = end;
-        if (start < text.size() && text[start] == '\r') ++start;
-        if (start < text.size() && text[start] == '\n') ++start;
-    }
     return body;
 }
 
@@ -67,8 +60,8 @@ bool MacroRunner::putArguments(std::string& body, std::string args) {
         words.push_back(args.substr(0, blank));
         args.erase(0, blank == std::string::npos ? args.size() : blank + 1);
     }
-    // One pass per number, in ascending order, as the text rewriting
-    // always did; numbers that cannot match are skipped without a pass.
+    // One pass per number, in ascending order, so that a word put in for
+    // "%1" can hold "%2"; numbers that cannot match are skipped.
     const long long last = std::max<long long>(static_cast<long long>(words.size()), kLastCleared);
     std::set<long long> due = referenced(body, last);
     while (!due.empty()) {
@@ -93,9 +86,9 @@ void MacroRunner::S_RunMacro(std::string& line) {
     const std::string name = line.substr(1, (blank == std::string::npos ? line.size() : blank) - 1);
     const std::string args = blank == std::string::npos ? std::string() : line.substr(blank + 1);
 
-    std::string path = folder("") + name + std::string(kSuffix);
+    std::string path = fileOf(folder(""), name);
     if (!overrideDir_.empty()) {
-        const std::string over = folder(overrideDir_) + name + std::string(kSuffix);
+        const std::string over = fileOf(folder(overrideDir_), name);
         if (files_.exists(over)) path = over;
     }
     std::string text;
@@ -112,6 +105,17 @@ void MacroRunner::S_RunMacro(std::string& line) {
     commands_.S_RunCommands(std::move(body));
 }
 
+// The name counts case; its extension is found in any case, as folders
+// copied from a case-blind system write it.
+std::string MacroRunner::fileOf(const std::string& folder, const std::string& name) const {
+    const std::string exact = folder + name + std::string(kSuffix);
+    if (files_.exists(exact)) return exact;
+    for (const std::string& file : files_.list(folder, std::string(kSuffix)))
+        if (file.size() == name.size() + kSuffix.size() && file.compare(0, name.size(), name) == 0)
+            return folder + file;
+    return exact;
+}
+
 // File names count case on Linux; a player used to a case-blind system is
 // told of a file that differs in case only.
 void MacroRunner::tellOtherCase(const std::string& name) {
@@ -120,7 +124,7 @@ void MacroRunner::tellOtherCase(const std::string& name) {
     if (!overrideDir_.empty()) folders.insert(folders.begin(), folder(overrideDir_));
     for (const std::string& f : folders)
         for (const std::string& file : files_.list(f, std::string(kSuffix)))
-            if (file != wanted && sameIgnoringCase(file, wanted))
+            if (file.compare(0, name.size(), name) != 0 && sameIgnoringCase(file, wanted))
                 debug_.DebugLog("Macro names count case: there is " + f + file);
 }
 

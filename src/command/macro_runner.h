@@ -14,7 +14,8 @@ namespace kelpa {
 class MacroRunner {
 public:
     static constexpr const char* kFolder = "macros";
-    // Parameters from this number up are cleared when no argument fills them.
+    // Parameters that no argument fills are removed up to this number;
+    // above it they stay in the text.
     static constexpr int kLastCleared = 20;
     // A body that the arguments would grow beyond this is not run.
     static constexpr std::size_t kMaxBodySize = VariableTable::kMaxExpandedSize;
@@ -36,6 +37,7 @@ public:
     static bool putArguments(std::string& body, std::string args);
 
 private:
+    std::string fileOf(const std::string& folder, const std::string& name) const;
     void tellOtherCase(const std::string& name);
 
     VariableTable& variables_;

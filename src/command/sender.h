@@ -40,7 +40,6 @@ public:
     int queueTick();
 
     std::size_t queued() const { return QueueSlots.size(); }
-    const std::string& lastNoSpam() const { return LastNoSpam; }
 
 private:
     Socket& socket_;

@@ -4,6 +4,7 @@
 #include <queue>
 
 #include "command/words.h"
+#include "common/numbers.h"
 #include "common/text.h"
 
 namespace kelpa {

@@ -1,5 +1,5 @@
-// The language's smallest tools: the tokenizer, the number reader, the
-// number printer and the upper-case fold of the code page.
+// The language's smallest tools: the tokenizer and the upper-case fold of
+// the code page. Numbers are read and printed by common/numbers.h.
 #pragma once
 
 #include <string>
@@ -17,19 +17,5 @@ std::string upperCase(std::string_view s);
 // stands behind the first character of that separator (so a CR LF leaves
 // its LF). Never fails: an empty `s` gives the empty word.
 std::string getword(std::string& s);
-
-// The number at the head of a text, 0 if there is none. Blanks, tabs and
-// line feeds are skipped anywhere in it; "&H" and "&O" read hexadecimal and
-// octal digits. A number beyond the range of a double reads as the largest
-// double of its sign.
-double Val(std::string_view text);
-
-// Rounds to the nearest whole number, a tie going to the even one.
-double roundHalfEven(double x);
-
-// A number as a message or a value shows it: at most 15 significant digits,
-// no trailing zeros, an E form for very large or small numbers (3, 0.5,
-// 1E+20, 1E-05).
-std::string numberText(double x);
 
 }  // namespace kelpa

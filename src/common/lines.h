@@ -1,10 +1,12 @@
-// Cutting a CR LF text into lines. A lone CR or LF does not end a line; a
-// text with n pairs has n + 1 lines.
+// Cutting text into lines. A command text ends its lines in CR LF only (a
+// lone CR or LF does not end a line; a text with n pairs has n + 1 lines);
+// files and edit boxes also take a lone CR or LF.
 #pragma once
 
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace kelpa {
 
@@ -28,5 +30,25 @@ private:
     std::size_t pos_ = 0;
     bool done_ = false;
 };
+
+// The lines of a file or a box: ended by CR LF, or by a lone CR or LF as
+// editors on Linux write them; a line end at the very end of the text opens
+// no further line.
+class FileLines {
+public:
+    explicit FileLines(std::string_view text) : text_(text) {}
+    bool atEnd() const { return pos_ >= text_.size(); }
+    // The next line without taking it; "" at the end.
+    std::string_view peek() const;
+    std::string_view next();
+
+private:
+    std::size_t endOf(std::size_t& after) const;
+    std::string_view text_;
+    std::size_t pos_ = 0;
+};
+
+// Every line of FileLines at once.
+std::vector<std::string_view> fileLines(std::string_view text);
 
 }  // namespace kelpa

@@ -1,6 +1,5 @@
 #include "common/text.h"
 
-#include <climits>
 
 namespace kelpa {
 
@@ -35,23 +34,23 @@ std::size_t countOf(std::string_view s, std::string_view what) {
 
 std::string decimal(long long n) { return std::to_string(n); }
 
-int leadingInt32(std::string_view s) {
-    std::size_t i = 0;
-    while (i < s.size() && s[i] == ' ') ++i;
-    bool neg = false;
-    if (i < s.size() && (s[i] == '-' || s[i] == '+')) {
-        neg = s[i] == '-';
-        ++i;
-    }
-    long long v = 0;
-    for (; i < s.size() && s[i] >= '0' && s[i] <= '9'; ++i) {
-        v = v * 10 + (s[i] - '0');
-        if (v > static_cast<long long>(INT_MAX) + 1) v = static_cast<long long>(INT_MAX) + 1;
-    }
-    if (neg) v = -v;
-    if (v > INT_MAX) v = INT_MAX;
-    if (v < INT_MIN) v = INT_MIN;
-    return static_cast<int>(v);
+bool endsWithIgnoringCase(std::string_view name, std::string_view suffix) {
+    if (name.size() < suffix.size()) return false;
+    auto fold = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
+    const std::string_view tail = name.substr(name.size() - suffix.size());
+    for (std::size_t i = 0; i < suffix.size(); ++i)
+        if (fold(tail[i]) != fold(suffix[i])) return false;
+    return true;
+}
+
+bool portableFileName(std::string_view name) {
+    if (trimBlanks(name).empty() || name == "." || name == "..") return false;
+    return name.find_first_of(std::string_view("\\/:*?\"<>|\0", 10)) == std::string_view::npos;
+}
+
+std::string refusedNameMessage(std::string_view kind, std::string_view name) {
+    return "Cannot use the " + std::string(kind) + " name \"" + std::string(name) +
+           "\": a name is not blank and holds none of \\ / : * ? \" < > |";
 }
 
 }  // namespace kelpa

@@ -1,5 +1,5 @@
-// Byte-string helpers shared by the core. One character per byte, positions
-// in the old program's sense (1-based) only where a routine says so.
+// Byte-string helpers shared by the core. One character per byte; positions
+// count from 1 only where a routine says so.
 #pragma once
 
 #include <cstddef>
@@ -28,12 +28,18 @@ inline std::size_t replacedSize(std::string_view s, std::string_view from, std::
     return s.size() - n * from.size() + n * to.size();
 }
 
-// Decimal text of a number, as the old program printed numbers.
+// Decimal text of a whole number.
 std::string decimal(long long n);
 
-// The number at the head of a text for a port box or a file field: blanks
-// skipped, an optional sign, then digits. Anything else gives 0; values
-// beyond 32 bits are clamped.
-int leadingInt32(std::string_view s);
+// Whether `name` ends with `suffix`, letters compared without case.
+bool endsWithIgnoringCase(std::string_view name, std::string_view suffix);
+
+// Whether a name can be a file of the editors' folders on any system the
+// folders may be copied to: not blank, not "." or "..", and none of
+// \ / : * ? " < > | or NUL (so the templates' "?" must be replaced).
+bool portableFileName(std::string_view name);
+
+// The editors' message for a name that is not one.
+std::string refusedNameMessage(std::string_view kind, std::string_view name);
 
 }  // namespace kelpa

@@ -90,15 +90,10 @@ public:
     void setStore(HistoryStore* store) {
         if (size() == 0) store_ = store;
     }
-    // Empties the text, for benches that start every pass alike.
-    void clearForBench() {
-        memory_.clear();
-        stored_ = 0;
-        store_ = nullptr;
-        HistoryPos = 0;
-    }
-
 private:
+    // Benches empty the text between passes and keep its memory.
+    friend struct HistoryTextProbe;
+
     // Doubling a long text copies all of it into fresh pages, a stall of the
     // event loop that grows with the run. Past the first megabyte, address
     // space for a long run is taken at once; pages cost memory only when

@@ -30,7 +30,6 @@ void OutputWindow::clear() {
     runs_.clear();
     head_ = 0;
     ++revision_;
-    ++resets_;
 }
 
 void OutputWindow::cutAfterFirst(std::size_t count) {
@@ -60,7 +59,6 @@ void OutputWindow::cutAfterFirst(std::size_t count) {
         runs_[j].start = newFirst + 1;
     }
     ++revision_;
-    ++resets_;
     compact();
 }
 

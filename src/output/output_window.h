@@ -1,6 +1,8 @@
 // The text of one output window: bytes with styled runs. Appends are
-// amortised O(1); the limit cut (which keeps the first character) is O(1)
-// too, by moving the first character forward instead of the rest back.
+// amortised O(1). The limit cut (which keeps the first character) moves the
+// first character forward instead of the rest back and finds the first run
+// it keeps by binary search, O(log runs); the space cut off is given back
+// now and then, at an amortised constant cost per byte.
 #pragma once
 
 #include <cstddef>
@@ -72,8 +74,6 @@ public:
 
     // Changes with every modification; lets a view skip unchanged windows.
     std::uint64_t revision() const { return revision_; }
-    // Bumped when text before the end changed (a cut or a clear).
-    std::uint64_t resetCount() const { return resets_; }
 
 private:
     struct Entry {
@@ -95,7 +95,6 @@ private:
     std::vector<Entry> runs_;
     std::size_t head_ = 0;
     std::uint64_t revision_ = 0;
-    std::uint64_t resets_ = 0;
 };
 
 }  // namespace kelpa

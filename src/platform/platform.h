@@ -109,7 +109,8 @@ public:
     }
     // Replaces the file's content; never leaves a half-written file behind.
     virtual bool writeAll(const std::string& path, const std::string& bytes) = 0;
-    // Names of the plain files in a folder that end with `suffix`, sorted.
+    // Names of the plain files in a folder that end with `suffix`, its
+    // letters in any case (Heal.TRIGGER), sorted.
     virtual std::vector<std::string> list(const std::string& folder,
                                           const std::string& suffix) const = 0;
     // The full path, for messages and for the shell.

@@ -1,5 +1,7 @@
 #include "platform/std_file_system.h"
 
+#include "common/text.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
@@ -145,9 +147,7 @@ std::vector<std::string> StdFileSystem::list(const std::string& folder,
     for (const auto& entry : it) {
         if (!entry.is_regular_file(ec)) continue;
         std::string name = entry.path().filename().string();
-        if (name.size() >= suffix.size() &&
-            name.compare(name.size() - suffix.size(), suffix.size(), suffix) == 0)
-            names.push_back(name);
+        if (endsWithIgnoringCase(name, suffix)) names.push_back(name);
     }
     std::sort(names.begin(), names.end());
     return names;

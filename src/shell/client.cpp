@@ -1,6 +1,6 @@
 #include "shell/client.h"
 
-#include "command/words.h"
+#include "common/numbers.h"
 
 namespace kelpa {
 
@@ -20,7 +20,7 @@ ClientParts::ClientParts(Platform& p)
       keywords({variables, flags, windows, writer, debug, pipeline, sender, p.host, commands}),
       macros(variables, p.files, debug, commands, keywords.OverrideDir),
       macroEditor(p.files, p.host, keywords.OverrideDir),
-      triggerEditor(p.files, [this] { LoadTriggers(); }),
+      triggerEditor(p.files, p.host, [this] { LoadTriggers(); }),
       historyViews(history, writer, windows, debug, p.files, [this] { return bar.CurrentSite.ShortName; }),
       status(Val),
       frames(status, debug, Val) {

@@ -1,5 +1,7 @@
 // The tree of controls of the main window, with captions, fonts and colours.
 // Places come from FormLayout, except for controls that never move.
+#include <limits>
+
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
@@ -35,7 +37,7 @@ QCheckBox* checkBox(const char* name, const char* caption, bool on, QWidget* par
     auto* c = new CheckBox(QString::fromLatin1(caption), parent);
     c->setObjectName(QString::fromLatin1(name));
     c->setChecked(on);
-    // Check boxes keep the button colour of their own, as in the old toolkit.
+    // Check boxes paint the button colour behind their caption.
     setBackground(c, c->palette().color(QPalette::Button));
     return c;
 }
@@ -74,6 +76,8 @@ void MainForm::buildWorkArea() {
     Text1_ = new QLineEdit(PlayGround_);
     Text1_->setObjectName(QStringLiteral("Text1"));
     Text1_->setFont(monospaceFont(9.75));
+    // A command line has no length limit (Qt's default stops at 32,767).
+    Text1_->setMaxLength(std::numeric_limits<int>::max());
     BTN_BULK_ = button("BTN_BULK", "&Bulk", PlayGround_);
     BTN_Flags_ = button("BTN_Flags", "&Flags", PlayGround_);
 }

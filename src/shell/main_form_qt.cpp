@@ -254,7 +254,7 @@ void MainForm::Text1_Enter() {
 void MainForm::BTN_BULK_Click() {
     bulk_->exec();
     if (!bulk_->BulkResult) return;
-    const std::string text = toCoreBytes(bulk_->commandText());
+    const std::string text = bulk_->commandText();
     guarded("BTN_BULK_Click", [&] { client_.Bulk_Send(text); });
     bulk_->clearText();
 }

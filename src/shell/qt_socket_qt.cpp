@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "common/numbers.h"
 #include "common/text.h"
 
 namespace kelpa::qt {
@@ -28,7 +29,7 @@ void QtSocket::connect(const std::string& host, const std::string& port) {
     socket_.abort();
     const int p = portNumber(port);
     if (p == 0) {
-        // What the old control said of a connection to an impossible port.
+        // Error 10049 "Address not available" for anything but a whole port number.
         QTimer::singleShot(0, this, [this] { fail(10049, QStringLiteral("Address not available")); });
         return;
     }
@@ -117,7 +118,7 @@ void QtSocket::onError(QAbstractSocket::SocketError error) {
     const int number = errorNumber(error);
     const QString text = socket_.errorString();
     if (inConnectCall_)
-        // The old control raised its events after the click had ended.
+        // Events of a failed connect arrive after the click has ended.
         QTimer::singleShot(0, this, [this, number, text] { fail(number, text); });
     else
         fail(number, text);

@@ -34,7 +34,7 @@ public:
     // around it allowed; 0 for anything else ("23abc" included).
     static int portNumber(const std::string& text);
 
-    // The old control's error numbers, and its 32-bit status code for one.
+    // The socket error numbers players know, and the 32-bit status code of one.
     static int errorNumber(QAbstractSocket::SocketError error);
     static long long statusCode(int number);
 

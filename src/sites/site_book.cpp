@@ -1,36 +1,12 @@
 #include "sites/site_book.h"
 
+#include "common/lines.h"
+#include "common/numbers.h"
 #include "common/text.h"
 
 namespace kelpa {
 
 namespace {
-
-// Lines end at CR LF, and also at a lone CR or LF, so that a book edited
-// with a Linux editor reads the same.
-class LineReader {
-public:
-    explicit LineReader(std::string_view text) : text_(text) {}
-    bool eof() const { return pos_ >= text_.size(); }
-    std::string_view peek() const { return read(nullptr); }
-    std::string_view next() { return read(&pos_); }
-
-private:
-    std::string_view read(std::size_t* advance) const {
-        std::size_t end = pos_;
-        while (end < text_.size() && text_[end] != '\r' && text_[end] != '\n') ++end;
-        std::size_t after = end;
-        if (after < text_.size() && text_[after] == '\r') ++after;
-        if (after < text_.size() && text_[after] == '\n' &&
-            (after == end + 1 ? text_[end] == '\r' : true))
-            ++after;
-        std::string_view line = text_.substr(pos_, end - pos_);
-        if (advance) *advance = after;
-        return line;
-    }
-    std::string_view text_;
-    std::size_t pos_ = 0;
-};
 
 bool opensBlock(std::string_view line) { return line.substr(0, 5) == "SITE="; }
 
@@ -45,17 +21,17 @@ std::int32_t portOf(std::string_view line, const std::string& site, const SiteWa
     bool clean = i < v.size();
     for (; i < v.size(); ++i) clean = clean && v[i] >= '0' && v[i] <= '9';
     if (!clean && warn) warn("CONN.ZIG: port \"" + v + "\" of site " + site + " is not a number");
-    return leadingInt32(v);
+    return valInt32Clamped(v);
 }
 
 }  // namespace
 
 void parseSites(std::string_view text, std::vector<SiteRecord>& sites, const SiteWarning& warn) {
-    LineReader in(text);
+    FileLines in(text);
     std::vector<SiteRecord> read;
     std::string_view line;
     bool haveLine = false;  // a "SITE=" line met while a block was read
-    while (haveLine || !in.eof()) {
+    while (haveLine || !in.atEnd()) {
         if (!haveLine) line = in.next();
         haveLine = false;
         if (!opensBlock(line)) continue;
@@ -65,7 +41,7 @@ void parseSites(std::string_view text, std::vector<SiteRecord>& sites, const Sit
         // should stand means the block was cut short and starts the next.
         std::string fields[7];
         int got = 0;
-        for (; got < 7 && !in.eof(); ++got) {
+        for (; got < 7 && !in.atEnd(); ++got) {
             if (opensBlock(in.peek())) break;
             fields[got] = std::string(in.next());
         }
@@ -78,14 +54,14 @@ void parseSites(std::string_view text, std::vector<SiteRecord>& sites, const Sit
         if (got < 7) {
             if (warn) warn("CONN.ZIG: the block of site " + site.SiteName + " is cut short");
             read.push_back(std::move(site));
-            if (!in.eof()) {
+            if (!in.atEnd()) {
                 line = in.next();
                 haveLine = true;
             }
             continue;
         }
         std::string_view last = fields[6];
-        while (last != "#" && !in.eof()) {
+        while (last != "#" && !in.atEnd()) {
             last = in.next();
             if (last == "#") break;
             site.Description.append(last).append("\r\n");

@@ -1,4 +1,4 @@
-// A tab control in the manner of the old form toolkit: a row (or rows) of
+// A tab control: a row (or rows) of
 // equal tabs at the top, and pages that cover the whole control, so that a
 // child placed at a given spot sits there relative to the control itself.
 // Only the selected page is shown.

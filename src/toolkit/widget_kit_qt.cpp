@@ -2,10 +2,14 @@
 
 #include <QFontDatabase>
 #include <QFontInfo>
+#include <QMouseEvent>
 #include <QPalette>
+#include <QPlainTextEdit>
+#include <QTextDocument>
 #include <QWidget>
 
 #include "common/codepage.h"
+#include "common/text.h"
 
 namespace kelpa::qt {
 
@@ -17,6 +21,21 @@ QString toQString(std::string_view bytes) {
 }
 
 std::string toCoreBytes(const QString& text) { return toBytes(text.toStdU32String()); }
+
+std::string boxText(const QPlainTextEdit* box) {
+    QString raw = box->document()->toRawText();
+    raw.replace(QChar::ParagraphSeparator, QLatin1Char('\n'));
+    raw.replace(QChar::LineSeparator, QLatin1Char('\n'));
+    return replaceAll(toCoreBytes(raw), "\n", kCrLf);
+}
+
+void setBoxText(QPlainTextEdit* box, std::string_view core) { box->setPlainText(toQString(replaceAll(core, kCrLf, "\n"))); }
+
+void FileList::mouseDoubleClickEvent(QMouseEvent* e) {
+    QListWidget::mouseDoubleClickEvent(e);
+    const QModelIndex under = indexAt(e->position().toPoint());
+    if (onDoubleClick) onDoubleClick(under.isValid() ? under.row() : -1);
+}
 
 QFont monospaceFont(double pointSize) {
     QFont f(QStringLiteral("DejaVu Sans Mono"));

@@ -5,15 +5,19 @@
 #include <QCheckBox>
 #include <QColor>
 #include <QFont>
+#include <QListWidget>
 #include <QRect>
 #include <QString>
 #include <QWidget>
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 
 #include "toolkit/twips.h"
+
+class QPlainTextEdit;
 
 namespace kelpa::qt {
 
@@ -34,9 +38,15 @@ QString toQString(std::string_view bytes);
 // Typed text as the core's bytes; characters outside the code page become '?'.
 std::string toCoreBytes(const QString& text);
 
-// A fixed-pitch font at the given size. The old program asked for "Lucida
-// Console" and "Courier"; DejaVu Sans Mono stands in for both, and a
-// proportional substitute is never accepted.
+// The text of a multi-line box as the core keeps it: lines joined by CR LF
+// and every character as shown. (toPlainText would give a no-break space
+// back as a blank, and a pattern holding one would stop matching.)
+std::string boxText(const QPlainTextEdit* box);
+// Shows the core's text (lines ending in CR LF) in a multi-line box.
+void setBoxText(QPlainTextEdit* box, std::string_view core);
+
+// A fixed-pitch font at the given size: DejaVu Sans Mono, or the system's
+// fixed font, never a proportional substitute.
 QFont monospaceFont(double pointSize);
 
 // The font of the forms' own controls: a narrow sans serif at 8.25 points,
@@ -51,8 +61,19 @@ W* placed(W* w, const char* name, int left, int top, int width, int height) {
     return w;
 }
 
-// A check box that takes a click anywhere in its rectangle, as the old
-// toolkit's did, not only on its box and caption.
+// A list that reports a double click anywhere in it, with the row under
+// the mouse: -1 beside the entries, where no entry is chosen.
+class FileList : public QListWidget {
+public:
+    using QListWidget::QListWidget;
+    std::function<void(int row)> onDoubleClick;
+
+protected:
+    void mouseDoubleClickEvent(QMouseEvent* e) override;
+};
+
+// A check box that takes a click anywhere in its rectangle, not only on
+// its box and caption.
 class CheckBox : public QCheckBox {
 public:
     using QCheckBox::QCheckBox;

@@ -1,6 +1,7 @@
 #include "triggers/pattern_index.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <limits>
 #include <unordered_map>
@@ -43,16 +44,11 @@ std::uint64_t filterBits(std::uint64_t h) {
            std::uint64_t{1} << (h >> (64 - kMaxWordBits - 12) & 63);
 }
 
-unsigned log2Ceil(std::size_t n) {
-    unsigned b = 0;
-    while ((std::size_t{1} << b) < n) ++b;
-    return b;
-}
+unsigned log2Ceil(std::size_t n) { return n <= 1 ? 0u : static_cast<unsigned>(std::bit_width(n - 1)); }
 
 }  // namespace
 
-void PatternIndex::build(const TriggerRecords* const (&tables)[kTables], int flagCount, std::size_t denseBudget,
-                         unsigned filterWordsLog2) {
+void PatternIndex::build(const TriggerRecords* const (&tables)[kTables], int flagCount) {
     std::unordered_map<std::string_view, std::int32_t> ids;
     std::vector<std::string> texts;
     auto idOf = [&](const std::string& t) {
@@ -115,8 +111,8 @@ void PatternIndex::build(const TriggerRecords* const (&tables)[kTables], int fla
     seenStamp_.assign(texts.size(), 0);
     seenEpoch_ = 0;
     seen_.clear();
-    buildAutomaton(texts, denseBudget);
-    buildFilter(texts, filterWordsLog2);
+    buildAutomaton(texts, denseBudget_);
+    buildFilter(texts, filterWordsLog2_);
 }
 
 void PatternIndex::buildFilter(const std::vector<std::string>& texts, unsigned filterWordsLog2) {

@@ -15,7 +15,7 @@
 // tested groups holds, or when a group holds without any search (empty,
 // or only empty texts and the text is not empty), or when its flag block
 // names a flag that does not exist (the flag test must then still run, to
-// fail as it always did). Candidates come back in table order, each with
+// end the chunk with its error). Candidates come back in table order, each with
 // the result of its pattern test; the caller tests the flags at that
 // moment.
 #pragma once
@@ -47,13 +47,8 @@ public:
         std::int32_t text;
     };
 
-    // Built once per load, over both tables. `denseBudget` bounds the
-    // automaton's table of full rows, in entries; `filterWordsLog2` (log2
-    // of the bitset's 64-bit words, 0 to size it by the number of texts)
-    // lets tests make the bitset tiny so that windows collide. Both only
-    // for tests.
-    void build(const TriggerRecords* const (&tables)[kTables], int flagCount,
-               std::size_t denseBudget = kDenseBudget, unsigned filterWordsLog2 = 0);
+    // Built once per load, over both tables.
+    void build(const TriggerRecords* const (&tables)[kTables], int flagCount);
 
     // The candidates of table `t` for `text`, in table order, into `out`.
     // The index's own scratch state is free again when this returns, so a
@@ -68,12 +63,15 @@ public:
     void lineCandidates(int t, std::string_view line, std::size_t offset, std::span<const Found> found,
                         std::vector<Candidate>& out);
 
-    std::size_t patternTexts() const { return seenStamp_.size(); }
-    std::size_t states() const { return nodes_.size(); }
-    std::size_t windowLength() const { return keyLen_; }
-    std::size_t windowStride() const { return stride_; }
 
 private:
+    // Tests shrink these so that every path of the walk is taken.
+    friend struct PatternIndexProbe;
+    // Bounds the automaton's table of full rows, in entries.
+    std::size_t denseBudget_ = kDenseBudget;
+    // log2 of the bitset's 64-bit words; 0 sizes it by the number of texts.
+    unsigned filterWordsLog2_ = 0;
+
     struct Node {
         std::int32_t fail = 0;
         std::int32_t output = -1;   // text ending here, or -1

@@ -1,5 +1,6 @@
 #include "triggers/trigger_editor.h"
 
+#include "common/lines.h"
 #include "common/text.h"
 #include "triggers/trigger_file.h"
 #include "triggers/trigger_store.h"
@@ -21,20 +22,22 @@ void TriggerEditor::Option1_Click(int index) {
     brefresh2_Click();
 }
 
-std::string TriggerEditor::TList_DblClick() {
+void TriggerEditor::TList_DblClick() {
     txtTRGBody.clear();
     TxtTrgFlags.clear();
     txtTRGLabel.clear();
     ++revision;
     if (listIndex < 0 || static_cast<std::size_t>(listIndex) >= TList.size() ||
         TList[static_cast<std::size_t>(listIndex)].empty())
-        return {};
+        return;
     txtTRGLabel = TList[static_cast<std::size_t>(listIndex)];
     std::string bytes;
-    if (!files_.readAll(pathOf(txtTRGLabel), bytes))
-        return "Cannot read the trigger " + files_.absolute(pathOf(txtTRGLabel)) + ".";
+    if (!files_.readAll(pathOf(txtTRGLabel), bytes)) {
+        host_.messageBox("Cannot read the trigger " + files_.absolute(pathOf(txtTRGLabel)) + ".");
+        return;
+    }
     // Only flag, pattern and action lines reach the boxes.
-    for (std::string_view line : triggerFileLines(bytes)) {
+    for (std::string_view line : fileLines(bytes)) {
         if (isFlagLine(line)) {
             TxtTrgFlags.append(line);
             TxtTrgFlags += "\r\n";
@@ -43,7 +46,6 @@ std::string TriggerEditor::TList_DblClick() {
             txtTRGBody += "\r\n";
         }
     }
-    return {};
 }
 
 void TriggerEditor::btnTRGNew_Click() {
@@ -53,40 +55,40 @@ void TriggerEditor::btnTRGNew_Click() {
     ++revision;
 }
 
-std::string TriggerEditor::refusedName() const {
-    const std::string& n = txtTRGLabel;
-    if (n.empty() || n == "." || n == ".." || n.find('/') != std::string::npos ||
-        n.find('\0') != std::string::npos)
-        return "Cannot save the trigger: \"" + n + "\" is not a file name.";
-    return {};
+bool TriggerEditor::usableName() {
+    if (portableFileName(txtTRGLabel)) return true;
+    host_.messageBox(refusedNameMessage("trigger", txtTRGLabel));
+    return false;
 }
 
-std::string TriggerEditor::btnTRGSave_Click() {
-    if (std::string refused = refusedName(); !refused.empty()) return refused;
-    if (!files_.exists(folder()))
-        return "Cannot save the trigger: the folder " + files_.absolute(folder()) + " does not exist.";
+void TriggerEditor::btnTRGSave_Click() {
+    if (!usableName()) return;
+    // The first save of a fresh install makes the folder.
+    files_.createDirectories(folder());
     std::string bytes;
     const std::string flags = trimBlanks(TxtTrgFlags);
     if (!flags.empty()) bytes += flags + "\r\n";
     bytes += trimBlanks(txtTRGBody) + "\r\n";
     // Written beside the old file and renamed over it.
     if (!files_.writeAll(pathOf(txtTRGLabel), bytes)) {
-        std::string why = files_.lastError();
-        return "Cannot save the trigger " + files_.absolute(pathOf(txtTRGLabel)) +
-               (why.empty() ? "." : ": " + why + ".");
+        const std::string why = files_.lastError();
+        host_.messageBox("Cannot save the trigger " + files_.absolute(pathOf(txtTRGLabel)) +
+                         (why.empty() ? "." : ": " + why + "."));
+        return;
     }
     loadTriggers_();
-    return {};
 }
 
-std::string TriggerEditor::btnTRGDelete_Click(const Ask& ask) {
-    if (!ask("Deletion confirmation", "Please confirm trigger deletion")) return {};
+void TriggerEditor::btnTRGDelete_Click() {
+    if (!host_.askYesNo("Please confirm trigger deletion", "Deletion confirmation")) return;
+    if (!usableName()) return;
     const std::string path = pathOf(txtTRGLabel);
-    if (!refusedName().empty() || !files_.exists(path) || !files_.remove(path))
-        return "Cannot delete the trigger " + files_.absolute(path) + ": there is no such file.";
+    if (!files_.remove(path)) {
+        host_.messageBox("Cannot delete the trigger " + files_.absolute(path) + ": there is no such file.");
+        return;
+    }
     brefresh2_Click();
     btnTRGNew_Click();
-    return {};
 }
 
 }  // namespace kelpa

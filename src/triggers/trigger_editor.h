@@ -14,11 +14,8 @@ namespace kelpa {
 
 class TriggerEditor {
 public:
-    // Asks a Yes/No question; true for Yes.
-    using Ask = std::function<bool(const std::string& title, const std::string& text)>;
-
-    TriggerEditor(FileSystem& files, std::function<void()> loadTriggers)
-        : files_(files), loadTriggers_(std::move(loadTriggers)) {}
+    TriggerEditor(FileSystem& files, Host& host, std::function<void()> loadTriggers)
+        : files_(files), host_(host), loadTriggers_(std::move(loadTriggers)) {}
 
     // The boxes, in the core's text (lines end in CR LF).
     std::string txtTRGLabel;
@@ -36,19 +33,19 @@ public:
 
     void brefresh2_Click();
     void Option1_Click(int index);
-    // A failure to read the file comes back as the text of a message box.
-    std::string TList_DblClick();
+    // Failures are told in a message box; the boxes keep their text.
+    void TList_DblClick();
     void btnTRGNew_Click();
-    // "" when saved; otherwise the message for the box, and the boxes stay.
-    std::string btnTRGSave_Click();
-    std::string btnTRGDelete_Click(const Ask& ask);
+    void btnTRGSave_Click();
+    void btnTRGDelete_Click();
     void Reload_Click() { loadTriggers_(); }
 
 private:
     std::string pathOf(const std::string& name) const { return folder() + "/" + name; }
-    std::string refusedName() const;
+    bool usableName();
 
     FileSystem& files_;
+    Host& host_;
     std::function<void()> loadTriggers_;
 };
 

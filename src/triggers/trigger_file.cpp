@@ -1,8 +1,9 @@
 #include "triggers/trigger_file.h"
 
-#include <cmath>
 #include <vector>
 
+#include "common/lines.h"
+#include "common/numbers.h"
 #include "common/text.h"
 
 namespace kelpa {
@@ -30,19 +31,6 @@ bool startsWithUpper(std::string_view line, std::string_view key) {
     return true;
 }
 
-std::vector<std::string_view> triggerFileLines(std::string_view s) {
-    std::vector<std::string_view> lines;
-    std::size_t start = 0;
-    for (std::size_t i = 0; i < s.size(); ++i) {
-        if (s[i] != '\r' && s[i] != '\n') continue;
-        lines.push_back(s.substr(start, i - start));
-        if (s[i] == '\r' && i + 1 < s.size() && s[i + 1] == '\n') ++i;
-        start = i + 1;
-    }
-    if (start < s.size()) lines.push_back(s.substr(start));
-    return lines;
-}
-
 namespace {
 
 struct Fault {
@@ -51,7 +39,7 @@ struct Fault {
 
 class Reader {
 public:
-    explicit Reader(std::string_view bytes) : lines_(triggerFileLines(bytes)) {}
+    explicit Reader(std::string_view bytes) : lines_(fileLines(bytes)) {}
     bool atEnd() const { return next_ >= lines_.size(); }
     int lineNumber() const { return static_cast<int>(next_); }
     std::string_view read() {
@@ -70,7 +58,7 @@ void splitField(std::string_view line, std::size_t keyEnd, int lineNo, std::int3
     const std::size_t eq = line.find('=');
     if (eq == std::string_view::npos) throw Fault{{lineNo, "no \"=\" in the line"}};
     std::int32_t g = 0;
-    if (!fieldNumber(line.substr(keyEnd, eq - keyEnd), g) || g < 0 || g > kMaxGroup)
+    if (!valInt32(line.substr(keyEnd, eq - keyEnd), g) || g < 0 || g > kMaxGroup)
         throw Fault{{lineNo, "group number outside 0 to 50"}};
     group = g;
     value = line.substr(eq + 1);
@@ -94,40 +82,6 @@ std::string actionText(std::string_view line) {
 bool isFlagLine(std::string_view line) { return startsWithUpper(line, "FLAG"); }
 bool isPatternLine(std::string_view line) { return startsWithUpper(line, "PATTERN"); }
 
-bool fieldNumber(std::string_view text, std::int32_t& out) {
-    // Blanks, tabs and line feeds are passed over anywhere in the number.
-    std::string digits;
-    for (char c : text)
-        if (c != ' ' && c != '\t' && c != '\n') digits += c;
-    std::size_t i = 0;
-    auto isDigit = [&](std::size_t k) { return k < digits.size() && digits[k] >= '0' && digits[k] <= '9'; };
-    if (i < digits.size() && (digits[i] == '+' || digits[i] == '-')) ++i;
-    const std::size_t mantissa = i;
-    while (isDigit(i)) ++i;
-    if (i < digits.size() && digits[i] == '.') {
-        ++i;
-        while (isDigit(i)) ++i;
-    }
-    double v = 0;
-    if (i > mantissa && !(i == mantissa + 1 && digits[mantissa] == '.')) {
-        std::size_t end = i;
-        if (i < digits.size() && (digits[i] == 'e' || digits[i] == 'E' || digits[i] == 'd' || digits[i] == 'D')) {
-            std::size_t k = i + 1;
-            if (k < digits.size() && (digits[k] == '+' || digits[k] == '-')) ++k;
-            if (isDigit(k)) {
-                while (isDigit(k)) ++k;
-                digits[i] = 'e';
-                end = k;
-            }
-        }
-        v = std::strtod(digits.substr(0, end).c_str(), nullptr);
-    }
-    const double r = std::nearbyint(v);  // the default mode rounds half to even
-    if (!(r >= -2147483648.0 && r <= 2147483647.0)) return false;
-    out = static_cast<std::int32_t>(r);
-    return true;
-}
-
 TriggerFileResult readTriggerFile(std::string_view bytes, const std::string& filePath, TriggerRecords& table,
                                   const std::function<void(const std::string&)>& debug) {
     const std::size_t first = table.size();
@@ -145,7 +99,7 @@ TriggerFileResult readTriggerFile(std::string_view bytes, const std::string& fil
             std::string_view value;
             splitField(line, 4, in.lineNumber(), g, value);
             std::int32_t v = 0;
-            if (!fieldNumber(value, v)) throw Fault{{in.lineNumber(), "flag number beyond 32 bits"}};
+            if (!valInt32(value, v)) throw Fault{{in.lineNumber(), "flag number beyond 32 bits"}};
             entriesOf(table.back().FlagGroups, g, in.lineNumber()).Values.push_back(v);
             last = g;
             line = in.read();

@@ -31,17 +31,8 @@ struct TriggerFileResult {
 TriggerFileResult readTriggerFile(std::string_view bytes, const std::string& filePath, TriggerRecords& table,
                                   const std::function<void(const std::string&)>& debug);
 
-// The number at the head of a group or flag field as the old program read
-// it: blanks skipped, sign, digits, a fraction and an exponent, rounded
-// half to even. False if there is no value that fits 32 bits.
-bool fieldNumber(std::string_view text, std::int32_t& out);
-
 // Whether the line begins with `key` (upper case), letters compared without case.
 bool startsWithUpper(std::string_view line, std::string_view key);
-
-// The lines of a file: ended by CR LF, or by a lone CR or LF as editors on
-// Linux write them; a final line end opens no further line.
-std::vector<std::string_view> triggerFileLines(std::string_view bytes);
 
 bool isFlagLine(std::string_view line);
 bool isPatternLine(std::string_view line);

@@ -4,8 +4,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QMessageBox>
-#include <QMouseEvent>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
@@ -21,24 +19,6 @@ namespace {
 void caption(QWidget* page, const char* text, int left, int top) {
     placed(new QLabel(QString::fromLatin1(text), page), nullptr, left, top, 720, 285);
 }
-
-// A double click anywhere in the list, also beside its entries, as the old
-// list box reported it.
-class FileList : public QListWidget {
-public:
-    using QListWidget::QListWidget;
-    std::function<void()> onDoubleClick;
-
-protected:
-    void mouseDoubleClickEvent(QMouseEvent* e) override {
-        QListWidget::mouseDoubleClickEvent(e);
-        if (onDoubleClick) onDoubleClick();
-    }
-};
-
-// The boxes show lines; the core's text ends them in CR LF.
-QString boxText(const std::string& core) { return toQString(replaceAll(core, "\r\n", "\n")); }
-std::string coreText(const QString& box) { return replaceAll(toCoreBytes(box), "\n", "\r\n"); }
 
 }  // namespace
 
@@ -78,38 +58,28 @@ void TriggerPage::connectControls() {
     button("brefresh2", "brefresh2_Click", [this] { editor_.brefresh2_Click(); });
     button("Reload", "Reload_Click", [this] { editor_.Reload_Click(); });
     button("btnTRGNew", "btnTRGNew_Click", [this] { editor_.btnTRGNew_Click(); });
-    button("btnTRGSave", "btnTRGSave_Click", [this] { tell(editor_.btnTRGSave_Click()); });
-    button("btnTRGDelete", "btnTRGDelete_Click", [this] {
-        tell(editor_.btnTRGDelete_Click([this](const std::string& title, const std::string& text) {
-            return QMessageBox::question(page_->window(), toQString(title), toQString(text),
-                                         QMessageBox::Yes | QMessageBox::No, QMessageBox::Yes) == QMessageBox::Yes;
-        }));
-    });
+    button("btnTRGSave", "btnTRGSave_Click", [this] { editor_.btnTRGSave_Click(); });
+    button("btnTRGDelete", "btnTRGDelete_Click", [this] { editor_.btnTRGDelete_Click(); });
     for (int i = 0; i < 2; ++i)
         connect(Option1_[i], &QRadioButton::clicked, this,
                 [this, i] { guard_("Option1_Click", [this, i] { editor_.Option1_Click(i); }); });
     connect(TList_, &QListWidget::currentRowChanged, this, [this](int row) {
         if (!syncing_) editor_.listIndex = row;
     });
-    static_cast<FileList*>(TList_)->onDoubleClick = [this] {
-        guard_("TList_DblClick", [this] {
-            editor_.listIndex = TList_->currentRow();
-            tell(editor_.TList_DblClick());
+    TList_->onDoubleClick = [this](int row) {
+        guard_("TList_DblClick", [this, row] {
+            editor_.listIndex = row;
+            editor_.TList_DblClick();
         });
     };
     connect(txtTRGLabel_, &QLineEdit::textEdited, this,
             [this](const QString& t) { editor_.txtTRGLabel = toCoreBytes(t); });
     connect(TxtTrgFlags_, &QPlainTextEdit::textChanged, this, [this] {
-        if (!syncing_) editor_.TxtTrgFlags = coreText(TxtTrgFlags_->toPlainText());
+        if (!syncing_) editor_.TxtTrgFlags = boxText(TxtTrgFlags_);
     });
     connect(txtTRGBody_, &QPlainTextEdit::textChanged, this, [this] {
-        if (!syncing_) editor_.txtTRGBody = coreText(txtTRGBody_->toPlainText());
+        if (!syncing_) editor_.txtTRGBody = boxText(txtTRGBody_);
     });
-}
-
-void TriggerPage::tell(const std::string& message) {
-    if (message.empty()) return;
-    QMessageBox::warning(page_->window(), QStringLiteral("Triggers"), toQString(message));
 }
 
 void TriggerPage::sync() {
@@ -117,8 +87,8 @@ void TriggerPage::sync() {
     shownRevision_ = editor_.revision;
     syncing_ = true;
     txtTRGLabel_->setText(toQString(editor_.txtTRGLabel));
-    TxtTrgFlags_->setPlainText(boxText(editor_.TxtTrgFlags));
-    txtTRGBody_->setPlainText(boxText(editor_.txtTRGBody));
+    setBoxText(TxtTrgFlags_, editor_.TxtTrgFlags);
+    setBoxText(txtTRGBody_, editor_.txtTRGBody);
     Option1_[editor_.global ? 1 : 0]->setChecked(true);
     QStringList names;
     for (const std::string& n : editor_.TList) names << toQString(n);

@@ -4,6 +4,8 @@
 
 #include <QObject>
 
+#include "toolkit/widget_kit_qt.h"
+
 #include <cstdint>
 #include <functional>
 
@@ -31,7 +33,6 @@ public:
 
 private:
     void connectControls();
-    void tell(const std::string& message);
 
     QWidget* page_;
     TriggerEditor& editor_;
@@ -40,7 +41,7 @@ private:
     QPlainTextEdit* TxtTrgFlags_;
     QPlainTextEdit* txtTRGBody_;
     QRadioButton* Option1_[2];
-    QListWidget* TList_;
+    FileList* TList_;
     std::uint64_t shownRevision_ = ~std::uint64_t{0};
     bool syncing_ = false;
 };

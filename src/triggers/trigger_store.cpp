@@ -18,9 +18,9 @@ void TriggerStore::LoadTriggers() {
     indexTables();
 }
 
-void TriggerStore::indexTables(std::size_t denseBudget, unsigned filterWordsLog2) {
+void TriggerStore::indexTables() {
     const TriggerRecords* tables[PatternIndex::kTables] = {&TriggerTable, &GlobalTriggerTable};
-    index_.build(tables, FlagTable::kCount, denseBudget, filterWordsLog2);
+    index_.build(tables, FlagTable::kCount);
 }
 
 void TriggerStore::LoadTriggerDir(TriggerRecords& table, const std::string& directoryName) {

@@ -45,7 +45,7 @@ public:
     void LoadTriggerDir(TriggerRecords& table, const std::string& directoryName);
     // Builds the pattern index over both tables as they stand; LoadTriggers
     // calls it, and so may whoever fills the tables by hand.
-    void indexTables(std::size_t denseBudget = PatternIndex::kDenseBudget, unsigned filterWordsLog2 = 0);
+    void indexTables();
 
     void T_Match(TableId table, std::string_view text);
 
@@ -61,14 +61,13 @@ public:
     std::int32_t TriggerCount() const { return static_cast<std::int32_t>(TriggerTable.size()); }
     std::int32_t GlobalTriggerCount() const { return static_cast<std::int32_t>(GlobalTriggerTable.size()); }
 
-    const PatternIndex& index() const { return index_; }
-
     // The flag test of one record, as the matcher runs it.
     static bool flagsPass(const TriggerRecord& r, const FlagTable& flags);
     // The action with "$*" replaced by the text between two blanks.
     static std::string commandText(const std::string& action, std::string_view text);
 
 private:
+    friend struct PatternIndexProbe;
     struct Scratch {
         std::vector<PatternIndex::Candidate> candidates;
         std::vector<PatternIndex::Found> found;

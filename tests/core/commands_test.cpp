@@ -42,7 +42,7 @@ struct Table {
     VariableTable vars{debug, clock};
 };
 
-// The old substitution: one pass over the text for each entry, in order.
+// The plain substitution: one pass over the text for each entry, in order.
 std::string byPasses(const VariableTable& t, std::string text) {
     for (int n = 1; n <= t.VariableCount(); ++n) text = replaceAll(text, "%" + t.entry(n).Name, t.entry(n).Value);
     return text;
@@ -75,6 +75,15 @@ TEST(Keywords, VariablesFoldOnKeywordLinesOnly) {
     h.run("#sv\r\n#sv  pc\r\nsay 100% %TARGET");
     EXPECT_EQ(h.value(""), "PC");
     EXPECT_EQ(h.fp.socket.writes.back(), "say 100PC ORC\r\n");
+}
+
+// The README's first steps with variables, as a newcomer types them.
+TEST(Keywords, AVariableSetInLowerCaseIsReferredToInUpperCaseOnPlainLines) {
+    Lines h;
+    h.run("#SV target orc\r\n#SV hp 70\r\nkill %target\r\nkill %TARGET\r\n#MATH hp - %hp 10\r\n"
+          "#IFGT %hp 50 kill %target\r\n#MATH hp - %hp 10\r\n#IFGT %hp 50 kill %target");
+    EXPECT_EQ(h.fp.socket.writes, (Writes{"kill %target\r\n", "kill ORC\r\n", "KILL ORC\r\n"}));
+    EXPECT_EQ(h.value("HP"), "50");
 }
 
 TEST(Keywords, FlagsByNumberAndLabel) {
@@ -153,29 +162,67 @@ TEST(Keywords, WindowsInkAndLabels) {
     EXPECT_EQ(tabs[2] + tabs[5], "Custom 1Custom 4");
 }
 
-TEST(Keywords, InjectQueueMessageBossOverrideHelpAndUnknown) {
+TEST(Keywords, InjectGoesThroughThePipelineButNotTheHistory) {
     Lines h;
     h.openLog();
-    h.run("#inject hello;;there\r\n#q north;;\r\n#queue ###\r\n#mb Are you there\r\n#nop say\r\n#rem say");
+    h.run("#inject hello;;there\r\n#nop say\r\n#rem say");
     EXPECT_EQ(h.window(kMainWindow), "HELLO;;THERE");
     EXPECT_EQ(h.logFile(), "HELLO;;THERE\r\n");
     EXPECT_EQ(h.history(), "");
-    EXPECT_EQ(h.fp.host.messages, Writes{"ARE YOU THERE"});
+    EXPECT_TRUE(h.fp.socket.writes.empty());
+}
+
+TEST(Keywords, QueuedTextsLeaveOnePerTickAndThreeHashesEndTheProgram) {
+    Lines h;
+    h.run("#q north;;\r\n#queue ###");
     EXPECT_TRUE(h.fp.socket.writes.empty());
     h.c.Queue_Timer();
     EXPECT_EQ(h.fp.socket.writes, Writes{"NORTH\r\n"});
     EXPECT_FALSE(h.fp.host.ended);
     h.c.Queue_Timer();
     EXPECT_TRUE(h.fp.host.ended);
+}
 
-    h.run("#boss\r\n#override area1\r\n#override\r\n#\r\n#frob x");
+TEST(Keywords, MessageBossOverrideHelpAndUnknown) {
+    Lines h;
+    h.run("#mb Are you there\r\n#boss\r\n#override area1\r\n#override\r\n#\r\n#frob x\r\n#help");
+    EXPECT_EQ(h.fp.host.messages, Writes{"ARE YOU THERE"});
     EXPECT_TRUE(h.fp.host.hidden);
     EXPECT_EQ(h.c.parts().keywords.OverrideDir, "");
     EXPECT_TRUE(h.has("Override Directory is now: AREA1\r\nOverride Directory has been cleared.\r\n"
-                      "Unknown key word \r\nUnknown key word FROB\r\n"));
+                      "Unknown key word \r\nUnknown key word FROB\r\n"
+                      "OVERRIDE par1 : sets an override directory for macros\r\n"));
+}
 
-    h.run("#help");
-    EXPECT_TRUE(h.has("Unknown key word FROB\r\nOVERRIDE par1 : sets an override directory for macros\r\n"));
+// Each keyword by its long name does what its short name does.
+TEST(Keywords, LongAndShortNamesDoTheSame) {
+    const std::vector<std::pair<std::string, std::string>> forms = {
+        {"SETVAL", "SV"},       {"UNSETVAL", "UV"},     {"CLEARFLAGS", "CF"},    {"UNLABELWINDOW", "ULW"},
+        {"MSGBOX", "MB"},       {"SETFLAG", "SF"},      {"LABELFLAG", "LF"},     {"SWITCHFLAG", "SWF"},
+        {"LABELWINDOW", "LW"},  {"ECHO", "E"},          {"INJECT", "I"},         {"QUEUE", "Q"},
+        {"IFDIF", "IFNEQ"},     {"NOP", "REM"},
+    };
+    auto effect = [](const std::string& keyword) {
+        Lines h;
+        h.run("#sv a 1\r\n#sf 3 0\r\n#lf 3 x\r\n#lw 1 y");
+        h.run("#" + keyword + " 3 4 b");
+        h.c.Queue_Timer();
+        std::string probe = h.value("3") + "|" + h.value("A") + "|" + h.c.parts().flags.caption[3] +
+                            (h.c.parts().flags.value[3] ? "+" : "-") + "|" + h.window(kMainWindow) + "|" + h.window(3) +
+                            "|" + h.fp.socket.sent;
+        for (const std::string& tab : h.c.parts().keywords.tabs.caption) probe += "|" + tab;
+        for (const std::string& m : h.fp.host.messages) probe += "|" + m;
+        EXPECT_EQ(h.debugText().find("Unknown key word"), std::string::npos) << keyword;
+        return probe;
+    };
+    const std::string nothing = effect("NOP");
+    for (const auto& [full, brief] : forms) {
+        const std::string done = effect(full);
+        EXPECT_EQ(done, effect(brief)) << full;
+        if (full != "NOP") {
+            EXPECT_NE(done, nothing) << full;
+        }
+    }
 }
 
 TEST(Keywords, CircularThenPartStopsAtTheNestingLimit) {
@@ -222,6 +269,18 @@ TEST(Macros, MissingFilesAndCaseAreTold) {
                       " UNKNOWN MACRO for command 1 2\r\n\r\n"));
     EXPECT_TRUE(h.has(" UNKNOWN MACRO for command \r\n\r\nMacro names count case: there is macros/Bash.macro\r\n"));
     EXPECT_EQ(h.fp.socket.writes, Writes{"say after\r\n"});
+}
+
+TEST(Macros, ExtensionsAreFoundInAnyCaseNamesCountCase) {
+    Lines h;
+    h.file("x.Macro", "say x");
+    h.file("AREA/Y.MACRO", "say y");
+    h.file("z.macro.txt", "say z");
+    h.run("@x\r\n@X\r\n#override area\r\n@Y\r\n@z");
+    EXPECT_EQ(h.fp.socket.writes, (Writes{"say x\r\n", "say y\r\n"}));
+    EXPECT_TRUE(h.has("Macro names count case: there is macros/x.Macro"));
+    h.c.parts().macroEditor.brefresh3_Click();
+    EXPECT_EQ(h.c.parts().macroEditor.Mlist, std::vector<std::string>{"x.Macro"});
 }
 
 TEST(Macros, OverrideFolderGoesFirstAndFallsBackToMain) {
@@ -289,21 +348,6 @@ TEST(Words, GetwordEndsAtOneBlankOrTheFirstPairAndFolds) {
     EXPECT_EQ(getword(accents), "\xC9T\xC9");
     EXPECT_EQ(getword(accents), "\x9F");
     EXPECT_EQ(getword(accents), "");
-}
-
-TEST(Words, ValReadsTheNumberAtTheHeadAndNumbersRoundToEvenAndPrintShortest) {
-    const std::vector<std::pair<std::string, double>> vals = {
-        {"12abc", 12},  {"abc", 0},     {" - 1 2", -12}, {"\t3\n4", 34}, {"1.5.2", 1.5}, {".5", 0.5},
-        {"2e3", 2000},  {"2D-1", 0.2},  {"1e", 1},       {"&HFF", 255},  {"&o17", 15},   {"&H", 0},
-        {"1e999", 1.7976931348623157e308},               {"1e-999", 0},  {"-", 0},
-    };
-    for (const auto& [text, value] : vals) EXPECT_EQ(Val(text), value) << text;
-    for (const auto& [value, even] : std::vector<std::pair<double, double>>{{0.5, 0}, {1.5, 2}, {2.5, 2}, {-2.5, -2}})
-        EXPECT_EQ(roundHalfEven(value), even) << value;
-    const std::vector<std::pair<double, std::string>> texts = {
-        {0.5, "0.5"}, {-0.0, "0"}, {1e-5, "1E-05"}, {1e15, "1E+15"}, {123456789012345, "123456789012345"},
-    };
-    for (const auto& [value, text] : texts) EXPECT_EQ(numberText(value), text) << value;
 }
 
 // Table order, shadowing and second expansion are held by the random test

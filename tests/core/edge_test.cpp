@@ -5,6 +5,7 @@
 #include <time.h>
 
 #include <chrono>
+#include <filesystem>
 
 #include "support/client_harness.h"
 #include "support/memory_file_system.h"
@@ -111,6 +112,55 @@ TEST(Edges, FloodsThatNeverEndALineOrASequenceStayCheapPerChunk) {
         EXPECT_LE(m.c.parts().windows.text[kMainWindow].size(), 3500u);
         EXPECT_LE(m.c.parts().windows.state[kMainWindow].Pending.size(), 5u);
     }
+}
+
+// The real file system's failures, on files and folders that refuse
+// writes even to root: a full device and a folder of /proc.
+TEST(Edges, AFullDeviceEndsTheLogAndTheTextStays) {
+    ClientHarness h;
+    h.openLog();
+    const std::filesystem::path log = h.fp.folder.path() / h.c.parts().log.currentPath();
+    h.c.parts().log.close();
+    std::filesystem::remove(log);
+    std::filesystem::create_symlink("/dev/full", log);
+    h.openLog();
+    h.receive("lost\r\n");
+    h.receive("shown\r\n");
+    EXPECT_EQ(h.window(kMainWindow), "lost\r\nshown\r\n");
+    EXPECT_EQ(h.history(), "lost\r\nshown\r\n");
+    const std::string debug = h.debugText();
+    EXPECT_NE(debug.find("Cannot write the log " + log.string()), std::string::npos) << debug;
+    EXPECT_EQ(debug.find("Cannot write the log"), debug.rfind("Cannot write the log")) << "told once";
+}
+
+TEST(Edges, EditorsInAFolderThatRefusesFilesSayWhyAndKeepTheText) {
+    ClientHarness h;
+    for (const char* folder : {"triggers", "macros"})
+        std::filesystem::create_symlink("/proc/self", h.fp.folder.path() / folder);
+    h.c.parts().triggerEditor.btnTRGNew_Click();
+    h.c.parts().triggerEditor.txtTRGLabel = "a.trigger";
+    h.c.parts().triggerEditor.btnTRGSave_Click();
+    h.c.parts().macroEditor.txtMacrosLabel = "a.macro";
+    h.c.parts().macroEditor.txtMacrosCommands = "say kept";
+    h.c.parts().macroEditor.BTNMacrosSave_Click();
+    ASSERT_EQ(h.fp.host.messages.size(), 2u);
+    EXPECT_EQ(h.fp.host.messages[0].rfind("Cannot save the trigger " + h.fp.files.absolute("triggers/a.trigger") + ": ", 0),
+              0u) << h.fp.host.messages[0];
+    EXPECT_EQ(h.fp.host.messages[1], "Cannot save the macro " + h.fp.files.absolute("macros/a.macro"));
+    EXPECT_EQ(h.c.parts().triggerEditor.txtTRGBody, "pattern1=?\r\naction=#nop\r\npattern1=?\r\naction=#nop");
+    EXPECT_EQ(h.c.parts().macroEditor.txtMacrosCommands, "say kept");
+}
+
+TEST(Edges, TheDebugWindowKeepsItsFirstCharacterAndFourFifthsPastItsBound) {
+    ClientHarness h;
+    const std::string line(998, 'd');
+    h.c.parts().debug.DebugLog("first");
+    for (int i = 0; i < 100; ++i) h.c.parts().debug.DebugLog(line);
+    const std::string text = h.debugText();
+    EXPECT_LE(text.size(), DebugChannel::kMaxChars);
+    EXPECT_GE(text.size(), DebugChannel::kMaxChars * 4 / 5);
+    EXPECT_EQ(text.front(), 'f');
+    EXPECT_EQ(text.substr(text.size() - 1002), "\r\n" + line + "\r\n");
 }
 
 }  // namespace

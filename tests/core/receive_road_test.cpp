@@ -240,6 +240,8 @@ TEST(LinePipeline, CleanerTextBreaksAheadOfGoldWhenMppIsThere) {
         {"a\r\nb\r\nGold: 5\r\nMPP: 3", "a\r\nb\r\r\n\r\nGold: 5\r\nMPP: 3"},
         {"MPP: 3\r\nx Gold: 5", "MPP: 3\r\r\n\r\nx Gold: 5"},
         {"Gold: 5 MPP: 3", "Gold: 5 MPP: 3\r\n"},
+        {"\r\nGold: 5 MPP: 3", "\r\r\n\r\nGold: 5 MPP: 3"},  // right behind the first line break
+        {"\nGold: 5 MPP: 3", "\nGold: 5 MPP: 3\r\n"},
         {"hp\r\nGold: 5", "hp\r\nGold: 5"},
         {"gold: 5 MPP: 3", "gold: 5 MPP: 3"},
     };

@@ -127,15 +127,11 @@ TEST(ConnectionBar, SelectionFillsTheBoxesAndCurrentSite) {
     EXPECT_EQ(c.parts().bar.CurrentSite.SiteName, "a");
 }
 
-TEST(ConnectionBar, AMissingBookIsCreatedEmptyAndSaveWritesTheBook) {
+TEST(ConnectionBar, AMissingBookIsCreatedEmptyAndTheDefaultServerIsUsed) {
     ClientHarness h(/*connected=*/false);
     EXPECT_TRUE(h.fp.files.exists(kSiteBookFile));
     EXPECT_TRUE(h.c.parts().bar.items.empty());
     EXPECT_EQ(h.c.parts().bar.selected(), nullptr);
     h.c.parts().session.CMD_CONNECT_Click();
     EXPECT_EQ(h.fp.socket.connects, std::vector<std::string>{"localhost:23"});
-
-    const std::vector<SiteRecord> book = {rec("a"), rec("b", "two\r\nlines")};
-    ASSERT_TRUE(SaveSites(h.fp.files, book));
-    EXPECT_EQ(h.fp.folder.read(kSiteBookFile), formatSites(book));
 }

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <optional>
 
+#include "common/numbers.h"
 #include "command/words.h"
 #include "sites/site_manager.h"
 #include "support/fakes.h"

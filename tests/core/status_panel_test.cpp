@@ -6,6 +6,7 @@
 #include <limits>
 #include <random>
 
+#include "common/numbers.h"
 #include "command/words.h"
 #include "status/status_model.h"
 

@@ -11,6 +11,22 @@
 #include "support/client_harness.h"
 #include "triggers/trigger_store.h"
 
+namespace kelpa {
+
+// Shrinks the index's tables so that the sparse rows and colliding windows
+// are walked too.
+struct PatternIndexProbe {
+    static void tune(TriggerStore& store, std::size_t denseBudget, unsigned filterWordsLog2) {
+        store.index_.denseBudget_ = denseBudget;
+        store.index_.filterWordsLog2_ = filterWordsLog2;
+    }
+    static std::pair<std::size_t, std::size_t> window(const TriggerStore& store) {
+        return {store.index_.keyLen_, store.index_.stride_};
+    }
+};
+
+}  // namespace kelpa
+
 namespace kelpa::test {
 namespace {
 
@@ -131,9 +147,10 @@ TEST(TriggerIndex, FiresWhatAWalkOfEveryRecordFiresOnRandomTablesAndTexts) {
         store.GlobalTriggerTable = randomTable(r, id);
         // Every other round only the root has a full row of next states;
         // one round in three the bitset has 2 to 8 words, so that windows collide.
-        store.indexTables(round % 2 ? PatternIndex::kDenseBudget : 1,
-                          round % 3 ? 0 : static_cast<unsigned>(1 + r.below(4)));
-        windows.insert({store.index().windowLength(), store.index().windowStride()});
+        PatternIndexProbe::tune(store, round % 2 ? PatternIndex::kDenseBudget : 1,
+                                round % 3 ? 0 : static_cast<unsigned>(1 + r.below(4)));
+        store.indexTables();
+        windows.insert(PatternIndexProbe::window(store));
         for (int k = 0; k < 6; ++k) flags.set(k, r.below(2) == 0);
         plainFlags = flags;
         for (int chunk = 0; chunk < 20; ++chunk) {

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "support/trigger_fixture.h"
+#include "common/text.h"
 #include "triggers/trigger_file.h"
 
 namespace kelpa::test {
@@ -254,15 +255,14 @@ TEST(TriggerMatch, AReloadDuringAnActionEndsThePassOverTheOldTables) {
     EXPECT_EQ(t.c.parts().triggers.TriggerCount(), 2);
 }
 
-TEST(TriggerEditor, TemplateSavesLoadsAndSavesAgainAsTheOldEditorDid) {
+TEST(TriggerEditor, TemplateSavesLoadsAndSavesAgain) {
     TriggerFixture t;
-    std::filesystem::create_directories(t.fp.folder.path() / "triggers");
-    std::filesystem::create_directories(t.fp.folder.path() / "gtriggers");
     TriggerEditor& e = t.c.parts().triggerEditor;
     e.brefresh2_Click();
     e.btnTRGNew_Click();
     e.txtTRGLabel = "fight.trigger";
-    ASSERT_EQ(e.btnTRGSave_Click(), "");
+    e.btnTRGSave_Click();  // a fresh install: the folder is made
+    EXPECT_EQ(t.fp.host.messages, std::vector<std::string>{});
     EXPECT_EQ(t.fp.folder.read("triggers/fight.trigger"),
               "flag1=1\r\npattern1=?\r\naction=#nop\r\npattern1=?\r\naction=#nop\r\n");
     EXPECT_EQ(t.c.parts().triggers.TriggerCount(), 2);  // in the tables at once
@@ -272,44 +272,78 @@ TEST(TriggerEditor, TemplateSavesLoadsAndSavesAgainAsTheOldEditorDid) {
     e.brefresh2_Click();
     ASSERT_EQ(e.TList, std::vector<std::string>{"fight.trigger"});
     e.listIndex = 0;
-    ASSERT_EQ(e.TList_DblClick(), "");
+    e.TList_DblClick();
     EXPECT_EQ(e.txtTRGLabel, "fight.trigger");
     EXPECT_EQ(e.TxtTrgFlags, "FLAG2=3\r\n");
     EXPECT_EQ(e.txtTRGBody, "pattern1=x\r\nAction=go\r\n");
-    e.Option1_Click(1);  // a save now copies the trigger to the global folder
+    e.Option1_Click(1);  // a save now copies the trigger to the global folder, made on the way
     EXPECT_EQ(e.txtTRGLabel, "fight.trigger");
-    ASSERT_EQ(e.btnTRGSave_Click(), "");
+    e.btnTRGSave_Click();
     EXPECT_EQ(t.fp.folder.read("gtriggers/fight.trigger"), "FLAG2=3\r\n\r\npattern1=x\r\nAction=go\r\n\r\n");
     ASSERT_EQ(t.c.parts().triggers.GlobalTriggerCount(), 2);  // the blank line makes an empty first part
     EXPECT_EQ(t.c.parts().triggers.GlobalTriggerTable[1].Action, "go");
+    EXPECT_EQ(t.fp.host.messages, std::vector<std::string>{});
+}
 
+TEST(TriggerEditor, ExtensionsInAnyCaseAreListedAndLoaded) {
+    TriggerFixture t;
+    t.trigger("Heal.TRIGGER", "pattern1=hurt\r\naction=heal");
+    t.trigger("b.Trigger", "pattern1=hurt\r\naction=bandage", true);
+    t.trigger("notes.trigger.bak", "pattern1=hurt\r\naction=no");
+    t.c.LoadTriggers();
+    t.c.parts().triggerEditor.brefresh2_Click();
+    EXPECT_EQ(t.c.parts().triggerEditor.TList, std::vector<std::string>{"Heal.TRIGGER"});
+    t.receive("hurt");
+    EXPECT_EQ(t.sent(), "bandage\r\nheal\r\n");
+}
+
+TEST(TriggerEditor, DoubleClickWithNoEntryEmptiesTheBoxes) {
+    TriggerFixture t;
+    TriggerEditor& e = t.c.parts().triggerEditor;
+    e.btnTRGNew_Click();
     e.listIndex = -1;
-    EXPECT_EQ(e.TList_DblClick(), "");
+    e.TList_DblClick();
     EXPECT_EQ(e.txtTRGLabel + e.TxtTrgFlags + e.txtTRGBody, "");
+}
+
+TEST(TriggerEditor, NamesAreCheckedAsTheMacroEditorChecksThem) {
+    TriggerFixture t;
+    TriggerEditor& e = t.c.parts().triggerEditor;
+    e.btnTRGNew_Click();
+    for (const char* name : {"?.trigger", "", "  ", "..", "../escape.trigger", "a:b.trigger", "a\\b.trigger"}) {
+        t.fp.host.messages.clear();
+        e.txtTRGLabel = name;
+        e.btnTRGSave_Click();
+        EXPECT_EQ(t.fp.host.messages, std::vector<std::string>{refusedNameMessage("trigger", name)}) << name;
+    }
+    EXPECT_EQ(e.TxtTrgFlags, "flag1=1");
+    EXPECT_FALSE(t.fp.files.exists("triggers")) << "nothing written for a refused name";
 }
 
 TEST(TriggerEditor, FailedSavesAndDeletesSayWhyAndKeepTheBoxes) {
     TriggerFixture t;
     TriggerEditor& e = t.c.parts().triggerEditor;
     e.btnTRGNew_Click();
-    e.txtTRGLabel = "a.trigger";
-    EXPECT_NE(e.btnTRGSave_Click(), "") << "no folder";
-    std::filesystem::create_directories(t.fp.folder.path() / "triggers");
     e.txtTRGLabel = std::string(300, 'n') + ".trigger";
-    EXPECT_NE(e.btnTRGSave_Click().find("File name too long"), std::string::npos);
-    e.txtTRGLabel = "../escape.trigger";
-    EXPECT_EQ(e.btnTRGSave_Click(), "Cannot save the trigger: \"../escape.trigger\" is not a file name.");
-    EXPECT_EQ(e.TxtTrgFlags, "flag1=1");
+    e.btnTRGSave_Click();
+    ASSERT_EQ(t.fp.host.messages.size(), 1u);
+    EXPECT_NE(t.fp.host.messages[0].find("File name too long"), std::string::npos);
     EXPECT_TRUE(std::filesystem::is_empty(t.fp.folder.path() / "triggers"));  // no temporary file left
 
     e.txtTRGLabel = "a.trigger";
-    ASSERT_EQ(e.btnTRGSave_Click(), "");
-    auto yes = [](const std::string&, const std::string&) { return true; };
-    EXPECT_EQ(e.btnTRGDelete_Click(yes), "");
+    e.btnTRGSave_Click();
+    t.fp.host.answerYes = false;
+    e.btnTRGDelete_Click();
+    EXPECT_TRUE(t.fp.files.exists("triggers/a.trigger"));
+    t.fp.host.answerYes = true;
+    e.btnTRGDelete_Click();
+    EXPECT_FALSE(t.fp.files.exists("triggers/a.trigger"));
+    EXPECT_EQ(t.fp.host.questions, std::vector<std::string>(2, "Deletion confirmation: Please confirm trigger deletion"));
     EXPECT_EQ(t.c.parts().triggers.TriggerCount(), 2);  // still active until a reload
     e.txtTRGLabel = "a.trigger";
     e.txtTRGBody = "kept";
-    EXPECT_EQ(e.btnTRGDelete_Click(yes),
+    e.btnTRGDelete_Click();
+    EXPECT_EQ(t.fp.host.messages.back(),
               "Cannot delete the trigger " + t.fp.files.absolute("triggers/a.trigger") + ": there is no such file.");
     EXPECT_EQ(e.txtTRGBody, "kept");
     e.Reload_Click();

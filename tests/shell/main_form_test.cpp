@@ -111,6 +111,19 @@ TEST(CommandLine, EnterSendsTheLineInTheCodePageAndEmptiesTheBoxEscapeHidesAndKe
     EXPECT_EQ(text1->text(), "north");
 }
 
+TEST(CommandLine, ALineOfAnyLengthReachesTheCoreWhole) {
+    FormFixture f;
+    f.fake.socket.connected = true;
+    auto* text1 = f.control<QLineEdit>("Text1");
+    const std::string line(100000, 'k');
+    text1->setText(QString::fromStdString(line));
+    text1->end(false);
+    QTest::keyClicks(text1, "ab");  // typing goes on past the length
+    QTest::keyClick(text1, Qt::Key_Return);
+    EXPECT_EQ(f.fake.socket.sent.size(), line.size() + 4);
+    EXPECT_EQ(f.fake.socket.sent, line + "ab\r\n");
+}
+
 class ThrowingSocket : public FakeSocket {
 public:
     bool sendData(const std::string&) override { throw std::runtime_error("socket broke"); }
@@ -149,10 +162,10 @@ TEST(BulkDialog, SendSendsEveryLineCancelAndEscapeSendNothingAndKeepTheText) {
     f.fake.socket.connected = true;
     withBulkOpen(f, [](qt::BulkDialog* bulk) { QTest::mouseClick(bulk->OKButton, Qt::LeftButton); });
     withBulkOpen(f, [](qt::BulkDialog* bulk) {
-        bulk->TXT_Bulk->setPlainText("north\nsouth");
+        bulk->TXT_Bulk->setPlainText(QString::fromUtf8("north\nsay\u00a0hi"));
         QTest::mouseClick(bulk->OKButton, Qt::LeftButton);
     });
-    EXPECT_EQ(f.fake.socket.sent, "\r\nnorth\r\nsouth\r\n") << "an empty box sends a bare line end";
+    EXPECT_EQ(f.fake.socket.sent, "\r\nnorth\r\nsay\xA0hi\r\n") << "an empty box sends a bare line end";
     EXPECT_TRUE(f.form().bulkDialog()->TXT_Bulk->toPlainText().isEmpty());
     EXPECT_FALSE(f.form().bulkDialog()->isVisible());
 

@@ -38,6 +38,18 @@ void record(qt::QtSocket& s, Recorder& r, bool skipFirstRead) {
 
 // Sent with the close: a flood comes in bounded chunks, wholly before the
 // close; so do a few bytes that a handler once left unread.
+TEST(QtSocket, ErrorsCarryTheNumbersPlayersKnowAndTheirStatusCode) {
+    using E = QAbstractSocket::SocketError;
+    const std::pair<E, int> rows[] = {
+        {E::ConnectionRefusedError, 10061}, {E::HostNotFoundError, 11001}, {E::SocketTimeoutError, 10060},
+        {E::NetworkError, 10050},           {E::RemoteHostClosedError, 10001},
+        {E::UnknownSocketError, 9999},
+    };
+    for (const auto& [error, number] : rows) EXPECT_EQ(qt::QtSocket::errorNumber(error), number) << error;
+    EXPECT_EQ(qt::QtSocket::statusCode(10061), -2146818227);
+    EXPECT_EQ(qt::QtSocket::statusCode(11001), -2146817287);
+}
+
 TEST(QtSocket, BytesThatComeWithTheServersCloseAreReadBeforeTheClose) {
     QByteArray flood;
     for (int i = 0; flood.size() < 300 * 1024; ++i) flood += "line " + QByteArray::number(i) + "\r\n";

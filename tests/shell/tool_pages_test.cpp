@@ -5,13 +5,12 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QTimer>
 
 #include "command/macro_page_qt.h"
+#include "common/text.h"
 #include "form_fixture.h"
 #include "toolkit/tab_control_qt.h"
 
@@ -94,28 +93,12 @@ TEST(MacroPage, DeleteAsksAndFailuresKeepTheBoxes) {
     QTest::mouseClick(page->BTNMacrosSave, Qt::LeftButton);
     QTest::mouseClick(page->BTNMacrosDelete, Qt::LeftButton);
     ASSERT_EQ(f.fake.host.messages.size(), 3u);
-    EXPECT_EQ(f.fake.host.messages[0], "Cannot use the macro name \"?.macro\"; write the name in place of \"?\"");
+    EXPECT_EQ(f.fake.host.messages[0], refusedNameMessage("macro", "?.macro"));
     EXPECT_EQ(f.fake.host.messages[1], "Cannot save the macro " + f.fake.files.absolute("macros/MISSING/gone.macro"));
     EXPECT_EQ(f.fake.host.messages[2], "Cannot delete the macro " + f.fake.files.absolute("macros/MISSING/gone.macro"));
     EXPECT_EQ(page->txtMacrosCommands->toPlainText(), "say kept");
     EXPECT_EQ(page->txtMacrosLabel->text(), "gone.macro");
 }
-
-// Answers the next message box with `button` and notes what it said.
-struct BoxAnswer {
-    QString seen;
-    explicit BoxAnswer(QMessageBox::StandardButton button) {
-        auto* poll = new QTimer;
-        QObject::connect(poll, &QTimer::timeout, [this, poll, button] {
-            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-            if (!box) return;
-            seen = box->windowTitle() + "/" + box->text();
-            poll->deleteLater();
-            box->button(button)->click();
-        });
-        poll->start(10);
-    }
-};
 
 struct TriggerPageFixture : FormFixture {
     TriggerPageFixture() {
@@ -166,35 +149,78 @@ TEST(TriggerPage, StartsWithTheTemplateAndLoadsEditsAndSavesFiles) {
     EXPECT_TRUE(f.fake.files.exists("gtriggers/c.trigger"));
 }
 
-TEST(TriggerPage, DeletionAsksAndFailuresShowInABoxThatKeepsTheText) {
+TEST(TriggerPage, DeletionAsksAndFailuresKeepTheText) {
     TriggerPageFixture f;
     auto* label = f.control<QLineEdit>("txtTRGLabel");
     label->selectAll();
     QTest::keyClicks(label, "a.trigger");
-    {
-        BoxAnswer no(QMessageBox::No);
-        f.click("btnTRGDelete");
-        EXPECT_EQ(no.seen, "Deletion confirmation/Please confirm trigger deletion");
-    }
+    f.fake.host.answerYes = false;
+    f.click("btnTRGDelete");
     EXPECT_TRUE(f.fake.files.exists("triggers/a.trigger"));
-    {
-        BoxAnswer yes(QMessageBox::Yes);
-        f.click("btnTRGDelete");
-    }
+    f.fake.host.answerYes = true;
+    f.click("btnTRGDelete");
     EXPECT_FALSE(f.fake.files.exists("triggers/a.trigger"));
     EXPECT_EQ(f.list(), QStringList({"b.trigger"}));
     EXPECT_EQ(label->text(), "?.trigger");
 
-    std::filesystem::remove_all(f.fake.folder.path() / "triggers");
     QTest::keyClicks(f.control<QPlainTextEdit>("TxtTrgFlags"), "x");
-    {
-        BoxAnswer ok(QMessageBox::Ok);
-        f.click("btnTRGSave");
-        EXPECT_EQ(ok.seen, QString::fromStdString("Triggers/Cannot save the trigger: the folder " +
-                                                  f.fake.files.absolute("triggers") + " does not exist."));
-    }
+    f.click("btnTRGSave");  // the template's "?" is refused
+    EXPECT_EQ(f.fake.host.messages, std::vector<std::string>{refusedNameMessage("trigger", "?.trigger")});
     EXPECT_EQ(f.text("TxtTrgFlags"), "xflag1=1");
     EXPECT_EQ(label->text(), "?.trigger");
+}
+
+// A double click beside the entries finds no entry selected.
+void doubleClickBeside(QListWidget* list) {
+    const QPoint below(5, list->viewport()->height() - 3);
+    QTest::mousePress(list->viewport(), Qt::LeftButton, {}, below);
+    QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, below);
+}
+
+TEST(ToolPages, DoubleClickBesideTheEntriesEmptiesTheBoxes) {
+    TriggerPageFixture f;
+    f.fake.folder.write("macros/a.macro", "x");
+    qt::MacroPage* page = shownPage(f);
+    doubleClick(page->Mlist, 0);
+    ASSERT_EQ(page->txtMacrosLabel->text(), "a.macro");
+    doubleClickBeside(page->Mlist);
+    EXPECT_EQ(page->txtMacrosLabel->text(), "");
+    EXPECT_EQ(page->txtMacrosCommands->toPlainText(), "");
+
+    f.form().tabs()->setCurrentIndex(6);
+    f.control<qt::TabControl>("ToolsTabs")->setCurrentIndex(1);
+    auto* list = f.control<QListWidget>("TList");
+    doubleClick(list, 1);
+    f.form().syncFromCore();
+    ASSERT_EQ(f.control<QLineEdit>("txtTRGLabel")->text(), "b.trigger");
+    doubleClickBeside(list);
+    f.form().syncFromCore();
+    EXPECT_EQ(f.control<QLineEdit>("txtTRGLabel")->text(), "");
+    EXPECT_EQ(f.text("TxtTrgFlags") + f.text("txtTRGBody"), "");
+}
+
+// A no-break space (0xA0) shows as one and must come back as one: a pattern
+// holding it would otherwise stop matching after any edit.
+TEST(ToolPages, EditorsGiveBackEveryByteTheyShow) {
+    TriggerPageFixture f;
+    f.fake.folder.write("triggers/n.trigger", "pattern1=a\xA0" "b\r\naction=say \xA0\xE9");
+    f.fake.folder.write("macros/n.macro", "say \xA0" "x\r\nsay y");
+    f.form().tabs()->setCurrentIndex(6);
+    f.control<qt::TabControl>("ToolsTabs")->setCurrentIndex(1);
+    f.click("brefresh2");
+    doubleClick(f.control<QListWidget>("TList"), 2);
+    f.form().syncFromCore();
+    auto* body = f.control<QPlainTextEdit>("txtTRGBody");
+    body->moveCursor(QTextCursor::End);
+    QTest::keyClicks(body, "x");  // any edit
+    f.click("btnTRGSave");
+    EXPECT_EQ(f.fake.folder.read("triggers/n.trigger"), "pattern1=a\xA0" "b\r\naction=say \xA0\xE9\r\nx\r\n");
+
+    qt::MacroPage* page = shownPage(f);
+    doubleClick(page->Mlist, 0);
+    QTest::keyClicks(page->txtMacrosCommands, "z");
+    QTest::mouseClick(page->BTNMacrosSave, Qt::LeftButton);
+    EXPECT_EQ(f.fake.folder.read("macros/n.macro"), "zsay \xA0" "x\r\nsay y\r\n");
 }
 
 }  // namespace

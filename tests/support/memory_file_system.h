@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "common/text.h"
 #include "platform/platform.h"
 
 namespace kelpa::test {
@@ -50,9 +51,7 @@ public:
         for (const auto& [p, _] : files) {
             if (p.compare(0, head.size(), head) != 0) continue;
             const std::string name = p.substr(head.size());
-            if (name.find('/') == std::string::npos && name.size() >= suffix.size() &&
-                name.compare(name.size() - suffix.size(), suffix.size(), suffix) == 0)
-                names.push_back(name);
+            if (name.find('/') == std::string::npos && endsWithIgnoringCase(name, suffix)) names.push_back(name);
         }
         return names;
     }

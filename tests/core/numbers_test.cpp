@@ -1,0 +1,85 @@
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "common/numbers.h"
+#include "triggers/trigger_file.h"
+
+namespace kelpa {
+namespace {
+
+TEST(Numbers, ValReadsTheNumberAtTheHeadOfAText) {
+    const std::vector<std::pair<std::string, double>> rows = {
+        {"12abc", 12},  {"abc", 0},     {" - 1 2", -12}, {"\t3\n4", 34}, {"1.5.2", 1.5}, {".5", 0.5},
+        {"2e3", 2000},  {"2D-1", 0.2},  {"1e", 1},       {"&HFF", 255},  {"&o17", 15},   {"&H", 0},
+        {"&h1g", 1},    {"&O8", 0},     {"1e999", 1.7976931348623157e308},               {"1e-999", 0},
+        {"-", 0},       {"", 0},
+    };
+    for (const auto& [text, value] : rows) EXPECT_EQ(Val(text), value) << text;
+}
+
+TEST(Numbers, WholeNumbersRoundHalfToEvenAndStayInside32Bits) {
+    struct Row {
+        const char* text;
+        bool fits;
+        std::int32_t value;
+    };
+    const Row rows[] = {
+        {"0.5", true, 0},          {"1.5", true, 2},           {"2.5", true, 2},       {"-2.5", true, -2},
+        {"2147483647", true, INT32_MAX}, {"-2147483648", true, INT32_MIN}, {"2147483648", false, 0},
+        {"&H7FFFFFFF", true, INT32_MAX}, {"1e10", false, 0},
+    };
+    for (const Row& r : rows) {
+        std::int32_t v = 7;
+        EXPECT_EQ(valInt32(r.text, v), r.fits) << r.text;
+        if (r.fits) {
+            EXPECT_EQ(v, r.value) << r.text;
+        }
+    }
+    EXPECT_EQ(valInt32Clamped("1e10"), INT32_MAX);
+    EXPECT_EQ(valInt32Clamped("-1e10"), INT32_MIN);
+    EXPECT_EQ(valInt32Clamped("23abc"), 23);
+}
+
+TEST(Numbers, PrintShortestWithAtMost15Digits) {
+    const std::vector<std::pair<double, std::string>> rows = {
+        {0.5, "0.5"}, {-0.0, "0"}, {1e-5, "1E-05"}, {1e15, "1E+15"}, {123456789012345, "123456789012345"}, {3, "3"},
+    };
+    for (const auto& [value, text] : rows) EXPECT_EQ(numberText(value), text) << value;
+}
+
+// Qt sets the C library's locale from the environment; a German system
+// writes 1,5. Numbers in files and commands must not care.
+class GermanNumbers : public ::testing::Test {
+protected:
+    void SetUp() override {
+        if (!std::setlocale(LC_ALL, "de_DE.UTF-8") && !std::setlocale(LC_ALL, "de_DE.utf8"))
+            GTEST_SKIP() << "no German locale on this system";
+        ASSERT_STREQ(std::localeconv()->decimal_point, ",");
+    }
+    void TearDown() override { std::setlocale(LC_ALL, "C"); }
+};
+
+TEST_F(GermanNumbers, TriggerGroupAndFlagNumbersReadTheSame) {
+    TriggerRecords table;
+    const auto r = readTriggerFile("flag1.5=3.5\r\npattern0.5e1=x\r\naction=y\r\n", "t", table,
+                                   [](const std::string&) {});
+    ASSERT_TRUE(r.ok);
+    ASSERT_EQ(table.size(), 1u);
+    EXPECT_EQ(table[0].FlagGroupCount, 2);
+    ASSERT_EQ(table[0].flagGroup(2).Values.size(), 1u);
+    EXPECT_EQ(table[0].flagGroup(2).Values[0], 4);
+    EXPECT_EQ(table[0].PatternGroupCount, 5);
+}
+
+TEST_F(GermanNumbers, ValAndNumberTextKeepThePoint) {
+    EXPECT_EQ(Val("2.25"), 2.25);
+    EXPECT_EQ(numberText(2.25), "2.25");
+}
+
+}  // namespace
+}  // namespace kelpa
