@@ -53,7 +53,7 @@ void BM_ExpandVars(benchmark::State& state) {
 }
 BENCHMARK(BM_ExpandVars)->Arg(64 << 10)->Arg(256 << 10)->Arg(1 << 20)->Unit(benchmark::kMillisecond);
 
-// The same with one pass over the text per entry, as the old program did.
+// The same with one pass over the text per entry, the plain reading.
 void BM_ExpandVarsOnePassPerEntry(benchmark::State& state) {
     LargeTable table;
     Client& c = table.c;

@@ -95,7 +95,7 @@ void BM_ReceiveRoadWithTriggers(benchmark::State& state) {
 }
 BENCHMARK(BM_ReceiveRoadWithTriggers)->Arg(0)->Arg(100)->Arg(1000)->Arg(10000)->Unit(benchmark::kMicrosecond);
 
-// The same road with the old walk of every record for every line, for
+// The same road with a plain walk of every record for every line, for
 // comparison: flags, then a search for each pattern text.
 class PlainWalk : public TriggerPasses {
 public:
