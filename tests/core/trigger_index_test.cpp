@@ -1,7 +1,7 @@
-// The indexed matcher against a plain walk of every record, as the old
-// program did it, on many random tables and texts: the same records must
-// fire in the same order with the same command texts, and a flag that does
-// not exist must fail at the same record.
+// The indexed matcher against a plain walk of every record, on many random
+// tables and texts: the same records must fire in the same order with the
+// same command texts, and a flag that does not exist must fail at the same
+// record.
 #include <gtest/gtest.h>
 
 #include <random>
