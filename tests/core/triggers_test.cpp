@@ -297,15 +297,6 @@ TEST(TriggerEditor, ExtensionsInAnyCaseAreListedAndLoaded) {
     EXPECT_EQ(t.sent(), "bandage\r\nheal\r\n");
 }
 
-TEST(TriggerEditor, DoubleClickWithNoEntryEmptiesTheBoxes) {
-    TriggerFixture t;
-    TriggerEditor& e = t.c.parts().triggerEditor;
-    e.btnTRGNew_Click();
-    e.listIndex = -1;
-    e.TList_DblClick();
-    EXPECT_EQ(e.txtTRGLabel + e.TxtTrgFlags + e.txtTRGBody, "");
-}
-
 TEST(TriggerEditor, NamesAreCheckedAsTheMacroEditorChecksThem) {
     TriggerFixture t;
     TriggerEditor& e = t.c.parts().triggerEditor;
