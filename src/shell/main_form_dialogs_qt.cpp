@@ -9,7 +9,7 @@ namespace kelpa::qt {
 void MainForm::CMD_SaveConnection_Click() {
     {
         // A fresh dialog each time; it reads the book as it opens.
-        SiteManagerDialog dialog(client_.files(), &Val, this);
+        SiteManagerDialog dialog(client_.files(), this);
         dialog.exec();
     }
     guardedCall("CMD_SaveConnection_Click", [this] { client_.SiteManagerClosed(); });

@@ -133,7 +133,7 @@ TEST(SiteManagerDialog, AFailedSaveKeepsTheDialogAndEscapeDiscards) {
 
 TEST(SiteManagerDialog, TabGoesFromSaveThroughTheBoxesToClose) {
     FormFixture f;
-    qt::SiteManagerDialog d(f.fake.files, &Val);
+    qt::SiteManagerDialog d(f.fake.files);
     QStringList order;
     QWidget* w = d.OKButton;
     do {
