@@ -1,5 +1,4 @@
 // The two dialogs of the page "System": the site manager and About.
-#include "common/numbers.h"
 #include "shell/about_dialog_qt.h"
 #include "shell/main_form_qt.h"
 #include "sites/site_manager_qt.h"

@@ -119,7 +119,6 @@ void StatusModel::Label11_DblClick() {
 }
 
 StatusModel::Changes StatusModel::takeChanges() {
-    if (pairPending_.any()) settlePairBars();
     Changes c = changes_;
     changes_ = Changes{};
     return c;

@@ -5,7 +5,6 @@
 #include <filesystem>
 #include <optional>
 
-#include "common/numbers.h"
 #include "command/words.h"
 #include "sites/site_manager.h"
 #include "support/fakes.h"

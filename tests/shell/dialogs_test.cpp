@@ -15,7 +15,6 @@
 #include <filesystem>
 #include <functional>
 
-#include "common/numbers.h"
 #include "command/words.h"
 #include "form_fixture.h"
 #include "shell/about_dialog_qt.h"
