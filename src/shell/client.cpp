@@ -22,8 +22,8 @@ ClientParts::ClientParts(Platform& p)
       macroEditor(p.files, p.host, keywords.OverrideDir),
       triggerEditor(p.files, p.host, [this] { LoadTriggers(); }),
       historyViews(history, writer, windows, debug, p.files, [this] { return bar.CurrentSite.ShortName; }),
-      status(Val),
-      frames(status, debug, Val) {
+      status(),
+      frames(status, debug) {
     wireStatus();
     telnet.setSender([this](std::string& answer) { sender.S_SendData(answer); });
     commands.setExpander([this](const std::string& s) { return variables.S_ExpandVars(s); });

@@ -3,11 +3,12 @@
 #include <cmath>
 #include <tuple>
 
+#include "common/numbers.h"
 #include "common/text.h"
 
 namespace kelpa {
 
-SiteManager::SiteManager(FileSystem& files, NumberReader readNumber) : files_(files), readNumber_(readNumber) {}
+SiteManager::SiteManager(FileSystem& files) : files_(files) {}
 
 void SiteManager::Form_Load() {
     LoadSites(files_, Sites);
@@ -35,7 +36,7 @@ void SiteManager::SitesList_Click(int index) {
 
 std::optional<std::int32_t> SiteManager::portOf(std::string_view text) const {
     // The default rounding mode rounds half to even.
-    const double v = std::nearbyint(readNumber_(text));
+    const double v = std::nearbyint(Val(text));
     if (!(v >= -2147483648.0 && v <= 2147483647.0)) return std::nullopt;
     return static_cast<std::int32_t>(v);
 }

@@ -27,10 +27,7 @@ struct SiteBoxes {
 
 class SiteManager {
 public:
-    // Reads the number at the head of a text, as the command language does.
-    using NumberReader = double (*)(std::string_view);
-
-    SiteManager(FileSystem& files, NumberReader readNumber);
+    explicit SiteManager(FileSystem& files);
 
     void Form_Load();
     // Selects the item and shows the first entry that bears its name.
@@ -56,7 +53,6 @@ private:
     void refillList();
 
     FileSystem& files_;
-    NumberReader readNumber_;
 };
 
 }  // namespace kelpa

@@ -51,9 +51,9 @@ QString shownDescription(const std::string& d) {
 
 }  // namespace
 
-SiteManagerDialog::SiteManagerDialog(FileSystem& files, SiteManager::NumberReader readNumber, QWidget* parent)
+SiteManagerDialog::SiteManagerDialog(FileSystem& files, QWidget* parent)
     : QDialog(parent, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint | Qt::MSWindowsFixedSizeDialogHint),
-      model_(files, readNumber) {
+      model_(files) {
     setObjectName(QStringLiteral("DLG_SiteMan"));
     setWindowTitle(QStringLiteral("Servers Management"));
     setModal(true);

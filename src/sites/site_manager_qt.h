@@ -23,7 +23,7 @@ public:
     // How long "Saved successfully" stays on screen.
     static constexpr int kSavedMs = 500;
 
-    SiteManagerDialog(FileSystem& files, SiteManager::NumberReader readNumber, QWidget* parent = nullptr);
+    explicit SiteManagerDialog(FileSystem& files, QWidget* parent = nullptr);
 
     SiteManager& model() { return model_; }
 

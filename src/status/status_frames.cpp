@@ -156,25 +156,43 @@ void StatusFrames::endFrame() {
     }
 }
 
+// Items are a few bytes each: a plain loop beats a library search per item.
 void StatusFrames::S_SplitFrame(std::string_view frame) {
+    const char* const p = frame.data();
+    const std::size_t n = frame.size();
     std::size_t start = 0;
-    while (true) {
-        const std::size_t end = frame.find(kItemEnd, start);
-        if (end == std::string_view::npos) return;
-        S_ApplyStatusItem(frame.substr(start, end - start));
-        start = end + 1;
+    for (std::size_t i = 0; i < n; ++i) {
+        if (p[i] != kItemEnd) continue;
+        S_ApplyStatusItem(std::string_view(p + start, i - start));
+        start = i + 1;
     }
 }
 
 void StatusFrames::S_ApplyStatusItem(std::string_view item) {
     if (debug_.enabled) debug_.DebugLog("Interpreting " + std::string(item));
-    const double kind = statusNumber(val_, item);
+    // The usual item, "1,8,value": a kind, a number of one or two digits.
+    if (item.size() >= 4 && (item[0] == '1' || item[0] == '2') && item[1] == ',' && item[2] >= '0' &&
+        item[2] <= '9') {
+        std::size_t i = 3;
+        int n = item[2] - '0';
+        if (item[i] >= '0' && item[i] <= '9') n = n * 10 + (item[i++] - '0');
+        if (i < item.size() && item[i] == ',') {
+            const std::string_view value = item.substr(i + 1);
+            if (n >= 64) return;
+            if (item[0] == '1')
+                panel_.setInfo1(n, value);
+            else
+                panel_.setInfo2(n, value);
+            return;
+        }
+    }
+    const double kind = statusNumber(item);
     if (kind != 1 && kind != 2) {
         debug_.DebugLog("Which i know nothing ...");
         return;
     }
     const std::string_view rest = item.size() > 2 ? item.substr(2) : std::string_view();
-    const double n = statusNumber(val_, rest);
+    const double n = statusNumber(rest);
     const std::size_t comma = rest.find(',');
     const std::string_view value = comma == std::string_view::npos ? rest : rest.substr(comma + 1);
     // Numbers outside the arrays (negative ones too) are passed over.

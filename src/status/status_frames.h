@@ -23,8 +23,7 @@ public:
     // A subnegotiation longer than this is taken to be over.
     static constexpr std::size_t kMaxSubnegotiation = 64 * 1024;
 
-    StatusFrames(StatusModel& panel, DebugChannel& debug, NumberReader val)
-        : panel_(panel), debug_(debug), val_(val) {}
+    StatusFrames(StatusModel& panel, DebugChannel& debug) : panel_(panel), debug_(debug) {}
 
     // Linear in the bytes of `data`, however the frames fall.
     void S_ExtractFrames(std::string& data) override;
@@ -44,7 +43,6 @@ private:
 
     StatusModel& panel_;
     DebugChannel& debug_;
-    NumberReader val_;
     State state_ = State::Text;
     std::size_t subBytes_ = 0;
     std::string pending_;

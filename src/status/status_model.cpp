@@ -28,6 +28,15 @@ long long wholeNumber(double v) {
     return static_cast<long long>(v);
 }
 
+// Captions are a few bytes: compared in place, without a library call.
+bool sameText(const std::string& a, std::string_view b) {
+    if (a.size() != b.size()) return false;
+    if (b.size() > 16) return std::string_view(a) == b;
+    for (std::size_t i = 0; i < b.size(); ++i)
+        if (a[i] != b[i]) return false;
+    return true;
+}
+
 }  // namespace
 
 std::string PositionName(long long n) {
@@ -54,7 +63,7 @@ std::uint32_t ladderB(long long width) {
     return rgb(192, 0, 0);
 }
 
-StatusModel::StatusModel(NumberReader val) : val_(val) {
+StatusModel::StatusModel() {
     back_.fill(kGrey);
     bars_[5].colour = rgb(0, 192, 0);
     bars_[10].colour = rgb(192, 0, 192);
@@ -73,9 +82,9 @@ void StatusModel::startUp() {
 void StatusModel::setInfo1(int n, std::string_view value) {
     if (n < 0 || n >= kInfo1Count) return;
     std::string& caption = info1_[static_cast<std::size_t>(n)];
-    if (caption == value) return;
+    if (sameText(caption, value)) return;
     caption.assign(value);
-    numbers_[static_cast<std::size_t>(n)] = statusNumber(val_, caption);
+    numbers_[static_cast<std::size_t>(n)] = statusNumber(caption);
     changes_.info1.set(static_cast<std::size_t>(n));
     Info1_Change(n);
 }
@@ -124,6 +133,20 @@ void StatusModel::setBar(int bar, double width, std::uint32_t colour) {
     changes_.bars.set(static_cast<std::size_t>(bar));
 }
 
+void StatusModel::settlePairBars() const {
+    for (std::size_t bar = 0; bar < pairPending_.size(); ++bar) {
+        if (!pairPending_.test(bar)) continue;
+        double c = pairCurrent_[bar];
+        double m = pairMaximum_[bar];
+        if (m == 0) m = 1;
+        if (c < 0) c = 0;
+        const long long w = barWidth(c / m * kFullPairBar);
+        bars_[bar].width = w;
+        bars_[bar].colour = ladderA(w);
+    }
+    pairPending_.reset();
+}
+
 void StatusModel::setXInfo(int n, std::string text) {
     xinfo_[static_cast<std::size_t>(n)] = std::move(text);
     changes_.xinfo.set(static_cast<std::size_t>(n));
@@ -138,12 +161,11 @@ void StatusModel::Info1_Change(int index) {
         // Items 8 and 9 work on bar 0 with the pair 8/7, and so on: a
         // maximum alone never redraws its own bar.
         const int current = index & ~1;
-        double c = number(current);
-        double m = number(current - 1);
-        if (m == 0) m = 1;
-        if (c < 0) c = 0;
-        const long long w = barWidth(c / m * kFullPairBar);
-        setBar((index - 8) / 2, static_cast<double>(w), ladderA(w));
+        const auto bar = static_cast<std::size_t>((index - 8) / 2);
+        pairCurrent_[bar] = number(current);
+        pairMaximum_[bar] = number(current - 1);
+        pairPending_.set(bar);
+        changes_.bars.set(bar);
         return;
     }
     if (index >= 48 && index <= 51) {

@@ -37,7 +37,7 @@ public:
         std::uint32_t colour = 0;
     };
 
-    explicit StatusModel(NumberReader val);
+    StatusModel();
 
     // Form_Load's pass: every Info1 caption empty with its change handling,
     // but for item 52; then every Info2 caption empty.
@@ -59,7 +59,10 @@ public:
     const std::string& XInfo(int n) const { return xinfo_[static_cast<std::size_t>(n)]; }
     std::uint32_t Info1Back(int n) const { return back_[static_cast<std::size_t>(n)]; }
     std::uint32_t XInfo2Colour() const { return xinfo2Colour_; }
-    const Bar& ShapeParam(int n) const { return bars_[static_cast<std::size_t>(n)]; }
+    const Bar& ShapeParam(int n) const {
+        if (pairPending_.any()) settlePairBars();
+        return bars_[static_cast<std::size_t>(n)];
+    }
     bool ItemChanged(int n) const { return itemChanged_[static_cast<std::size_t>(n)]; }
     const std::string& Label9() const { return label9_; }
     bool FRM_DBG_Visible() const { return dbgVisible_; }
@@ -82,8 +85,10 @@ private:
     double number(int item) const;
     void setBar(int bar, double width, std::uint32_t colour);
     void setXInfo(int n, std::string text);
+    // A pair's bar is worked out when it is next read: under a flood of
+    // frames most of its values are overtaken before anyone looks.
+    void settlePairBars() const;
 
-    NumberReader val_;
     std::array<std::string, kInfo1Count> info1_{};
     // The number of each caption, read when the caption is set.
     std::array<double, kInfo1Count> numbers_{};
@@ -91,7 +96,11 @@ private:
     std::array<std::string, kXInfoCount> xinfo_{};
     std::array<std::uint32_t, kInfo1Count> back_{};
     std::uint32_t xinfo2Colour_ = rgb(255, 255, 192);
-    std::array<Bar, kBarCount> bars_{};
+    mutable std::array<Bar, kBarCount> bars_{};
+    // For bars 0 to 4: the current and maximum they were last given.
+    std::array<double, 5> pairCurrent_{};
+    std::array<double, 5> pairMaximum_{};
+    mutable std::bitset<5> pairPending_;
     std::array<bool, 61> itemChanged_{};
     std::string label9_;
     bool dbgVisible_ = false;

@@ -6,11 +6,11 @@
 #include <cmath>
 #include <string_view>
 
+#include "common/numbers.h"
+
 namespace kelpa {
 
-using NumberReader = double (*)(std::string_view);
-
-inline double statusNumber(NumberReader val, std::string_view s) {
+inline double statusNumber(std::string_view s) {
     std::size_t i = 0;
     const bool negative = !s.empty() && s[0] == '-';
     if (negative) i = 1;
@@ -19,7 +19,7 @@ inline double statusNumber(NumberReader val, std::string_view s) {
     while (i < s.size() && i - start < 15 && s[i] >= '0' && s[i] <= '9') v = v * 10 + (s[i++] - '0');
     if (i > start && (i == s.size() || s[i] == ','))
         return negative ? -static_cast<double>(v) : static_cast<double>(v);
-    return std::nearbyint(val(s));
+    return std::nearbyint(Val(s));
 }
 
 }  // namespace kelpa

@@ -5,7 +5,6 @@
 #include <filesystem>
 #include <optional>
 
-#include "common/numbers.h"
 #include "command/words.h"
 #include "sites/site_manager.h"
 #include "support/fakes.h"
@@ -27,7 +26,7 @@ struct Manager {
     }
     std::string book() const { return files.files.at(kSiteBookFile); }
     MemoryFileSystem files;
-    SiteManager m{files, &Val};
+    SiteManager m{files};
 };
 
 }  // namespace
@@ -129,7 +128,7 @@ TEST(SiteManager, SaveWritesTheSameBytesTwiceAndAnEmptyBookAsAnEmptyFile) {
     // Opened again, an empty description reads as one line break, and it
     // stays one through further saves.
     for (int round = 0; round < 2; ++round) {
-        SiteManager again(s.files, &Val);
+        SiteManager again(s.files);
         again.Form_Load();
         EXPECT_EQ(again.items, s.m.items);
         EXPECT_EQ(again.Sites.back().Description, "\r\n");
@@ -149,7 +148,7 @@ TEST(SiteManager, AFailedSaveSaysWhyAndLeavesTheBookAndTheEntries) {
     folder.write(kSiteBookFile, before);
     // The temporary file's name is taken by a folder: the write cannot start.
     std::filesystem::create_directory(folder.path() / "CONN.ZIG.tmp");
-    SiteManager m(files, &Val);
+    SiteManager m(files);
     m.Form_Load();
     m.boxes = {"B", "b", "b.org", "", "23", "", "", ""};
     m.CMD_SiteAdd_Click();

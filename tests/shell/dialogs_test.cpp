@@ -15,7 +15,6 @@
 #include <filesystem>
 #include <functional>
 
-#include "common/numbers.h"
 #include "command/words.h"
 #include "form_fixture.h"
 #include "shell/about_dialog_qt.h"
@@ -133,7 +132,7 @@ TEST(SiteManagerDialog, AFailedSaveKeepsTheDialogAndEscapeDiscards) {
 
 TEST(SiteManagerDialog, TabGoesFromSaveThroughTheBoxesToClose) {
     FormFixture f;
-    qt::SiteManagerDialog d(f.fake.files, &Val);
+    qt::SiteManagerDialog d(f.fake.files);
     QStringList order;
     QWidget* w = d.OKButton;
     do {
