@@ -44,19 +44,19 @@ std::size_t HistoryPager::pageStart(std::size_t pos) const {
     return history_.read(pos - 1, 2) == "\r\n" ? pos + 1 : 0;
 }
 
-std::size_t HistoryPager::topOfPage() const {
-    std::size_t pos = history_.HistoryPos;
-    if (pos == history_.size()) {
-        for (int i = 0; i < kPageLines; ++i) {
-            const std::size_t r = searchBack(pos);
-            if (r == 0) {
-                pos = 1;
-                break;
-            }
-            pos = r;
-        }
+// A page's height of CR LFs back from pos, or 1 when the text has fewer.
+std::size_t HistoryPager::backOnePage(std::size_t pos) const {
+    for (int i = 0; i < kPageLines; ++i) {
+        const std::size_t r = searchBack(pos);
+        if (r == 0) return 1;
+        pos = r;
     }
-    return pageStart(pos);
+    return pos;
+}
+
+std::size_t HistoryPager::topOfPage() const {
+    const std::size_t pos = history_.HistoryPos;
+    return pageStart(pos == history_.size() ? backOnePage(pos) : pos);
 }
 
 void HistoryPager::ShowHistoryPage() {
@@ -65,16 +65,7 @@ void HistoryPager::ShowHistoryPage() {
     windows_.state[kHistT].StartLen = 0;
     std::size_t& pos = history_.HistoryPos;
     const std::size_t len = history_.size();
-    if (pos == len) {
-        for (int i = 0; i < kPageLines; ++i) {
-            const std::size_t r = searchBack(pos);
-            if (r == 0) {
-                pos = 1;
-                break;
-            }
-            pos = r;
-        }
-    }
+    if (pos == len) pos = backOnePage(pos);
     std::size_t e = pos;
     for (int i = 0; i < kPageLines; ++i) {
         const std::size_t r = searchForward(e);

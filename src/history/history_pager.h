@@ -43,6 +43,7 @@ public:
     // The CR of the first CR LF that starts at or after p + 1; 0 for none.
     std::size_t searchForward(std::size_t p) const;
 
+    std::size_t backOnePage(std::size_t pos) const;
     // Where the page at HistoryPos begins (0-based), as ShowHistoryPage
     // would find it, without moving anything.
     std::size_t topOfPage() const;
