@@ -8,34 +8,11 @@ root=$(cd "$(dirname "$0")/.." && pwd)
 out=${1:-/tmp/kelpa-shots}
 bin=${KELPA_BIN:-$root/build/kelpa}
 display=:99
-mkdir -p "$out"
-work=$(mktemp -d)
-pids=()
-
-cleanup() {
-  for ((i = ${#pids[@]} - 1; i >= 0; i--)); do kill "${pids[i]}" 2>/dev/null || true; done
-  wait 2>/dev/null || true
-  rm -rf "$work"
-}
-trap cleanup EXIT
+screen=1280x800x24
+. "$root/scripts/xvfb-session.sh"
 
 shot() { import -display "$display" -window root "$out/$1.png"; echo "wrote $out/$1.png"; }
 
-Xvfb "$display" -screen 0 1280x800x24 -nolisten tcp >/dev/null 2>&1 &
-pids+=($!)
-export DISPLAY=$display
-for _ in $(seq 50); do xdotool getdisplaygeometry >/dev/null 2>&1 && break; sleep 0.1; done
-
-python3 "$root/scripts/fake_mud.py" --port-file "$work/port" >/dev/null &
-pids+=($!)
-for _ in $(seq 50); do [ -s "$work/port" ] && break; sleep 0.1; done
-port=$(cat "$work/port")
-
-# A program folder of its own, with a site book naming the test server.
-mkdir "$work/app"
-cp "$bin" "$work/app/kelpa"
-printf 'SITE=Test server\r\nSSNA=test\r\nSDNS=127.0.0.1\r\nSDNA=\r\nSDP_=%s\r\nSAP_=0\r\nSTRI=\r\nSDSC=\r\nScripted server\r\n#\r\n' \
-  "$port" >"$work/app/CONN.ZIG"
 # Two macros for the editor's list.
 mkdir -p "$work/app/macros"
 printf 'kill %%1\r\n#SV TARGET %%1\r\n#ECHO 2 fighting %%1\r\n' >"$work/app/macros/fight.macro"
