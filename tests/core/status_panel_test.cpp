@@ -36,6 +36,10 @@ TEST(StatusPanel, BarWidthsAndLadderColours) {
     const std::uint32_t red = rgb(192, 0, 0), yellow = rgb(192, 192, 0), green = rgb(0, 192, 0),
                         cyan = rgb(0, 160, 192), blue = rgb(0, 0, 255);
     const std::vector<BarRow> rows = {
+        {"empty panel", {}, 0, 0, red},
+        {"empty panel, bar 5 full", {}, 5, 1815, green},
+        {"empty panel, percentage", {}, 6, 0, blue},
+        {"empty panel, item 21", {}, 10, 0, rgb(192, 0, 192)},
         {"hp maximum 0 counts 1", {{7, "0"}, {8, "1"}}, 0, 600, blue},
         {"hp half", {{7, "300"}, {8, "150"}}, 0, 300, green},
         {"hp just under half", {{7, "300"}, {8, "149"}}, 0, 298, yellow},
@@ -71,6 +75,8 @@ TEST(StatusPanel, BarWidthsAndLadderColours) {
         EXPECT_EQ(p.m.ShapeParam(row.bar).width, row.width);
         EXPECT_EQ(p.m.ShapeParam(row.bar).colour, row.colour);
     }
+    Panel empty;
+    for (int bar : {1, 2, 3, 4, 7, 8, 9}) EXPECT_EQ(empty.m.ShapeParam(bar).width, 0) << bar;
 }
 
 TEST(StatusPanel, DerivedWords) {
@@ -81,6 +87,12 @@ TEST(StatusPanel, DerivedWords) {
         std::string text;
     };
     const std::vector<Row> rows = {
+        {"empty age", {}, 0, "Y M"},
+        {"empty height", {}, 1, "0'0\""},
+        {"empty alignment", {}, 2, "Good"},
+        {"empty roleplay", {}, 3, "<>"},
+        {"empty position", {}, 4, "Dead"},
+        {"item 52 has no change handling at start", {}, 5, ""},
         {"age joins text", {{24, "19"}, {25, "abc"}}, 0, "19Y abcM"},
         {"height 71", {{26, "71"}}, 1, "5'11\""},
         {"height 12", {{26, "12"}}, 1, "1'0\""},
@@ -103,21 +115,6 @@ TEST(StatusPanel, DerivedWords) {
         p.set(row.items);
         EXPECT_EQ(p.m.XInfo(row.xinfo), row.text);
     }
-}
-
-TEST(StatusPanel, StartUpShowsAnEmptyPanel) {
-    Panel p;
-    EXPECT_EQ(p.m.XInfo(0), "Y M");
-    EXPECT_EQ(p.m.XInfo(1), "0'0\"");
-    EXPECT_EQ(p.m.XInfo(2), "Good");
-    EXPECT_EQ(p.m.XInfo2Colour(), rgb(0, 255, 0));
-    EXPECT_EQ(p.m.XInfo(3), "<>");
-    EXPECT_EQ(p.m.XInfo(4), "Dead");
-    EXPECT_EQ(p.m.XInfo(5), "") << "item 52 has no change handling at start";
-    EXPECT_EQ(p.m.ShapeParam(5).width, 1815);
-    for (int bar : {0, 1, 2, 3, 4, 6, 7, 8, 9, 10}) EXPECT_EQ(p.m.ShapeParam(bar).width, 0) << bar;
-    EXPECT_EQ(p.m.ShapeParam(0).colour, rgb(192, 0, 0));
-    EXPECT_EQ(p.m.ShapeParam(6).colour, rgb(0, 0, 255));
 }
 
 TEST(StatusPanel, ChangedCellsFlashUntilTheNextTick) {
@@ -149,6 +146,7 @@ TEST(StatusPanel, ChangedCellsFlashUntilTheNextTick) {
 
 TEST(StatusPanel, AlignmentWordAndColourAreIndependent) {
     Panel p;
+    EXPECT_EQ(p.m.XInfo2Colour(), rgb(0, 255, 0));
     p.set({{28, "2"}, {29, "1"}});
     EXPECT_EQ(p.m.XInfo(2), "Evil");
     EXPECT_EQ(p.m.XInfo2Colour(), rgb(255, 255, 0));

@@ -7,6 +7,8 @@
 #include <QTest>
 #include <QTimer>
 
+#include <memory>
+
 #include "common/text.h"
 #include "integration/loopback.h"
 #include "shell/form_fixture.h"
@@ -22,61 +24,66 @@ void turnTheEventLoop(int ms) {
     loop.exec();
 }
 
-TEST(MessageBox, TextSentWhileTheBoxIsUpIsShownLoggedAndMatchedWhenItClosesWithoutAnotherByte) {
-    ScriptedServer server({"The guard says hello.\r\n"});
+// A connection to a server that greets with a line the box trigger answers.
+struct BoxOnTheWire {
+    ScriptedServer server{{"The guard says hello.\r\n"}};
     WirePlatform client;
-    client.folder.write("triggers/box.trigger", "pattern1=says hello\r\naction=#MSGBOX greetings");
-    client.folder.write("triggers/wave.trigger", "pattern1=waves\r\naction=wave back");
-    qt::MainForm form(client.platform);
-    form.listenTo(client.socket);
-    const Client& c = form.client();
-    auto mainWindow = [&] { return std::string(c.parts().windows.text[kMainWindow].text()); };
+    std::unique_ptr<qt::MainForm> form;
+    BoxOnTheWire() {
+        client.folder.write("triggers/box.trigger", "pattern1=says hello\r\naction=#MSGBOX greetings");
+        client.folder.write("triggers/wave.trigger", "pattern1=waves\r\naction=wave back");
+        form = std::make_unique<qt::MainForm>(client.platform);
+        form->listenTo(client.socket);
+    }
+    const Client& c() const { return form->client(); }
+    std::string mainWindow() const { return std::string(c().window(kMainWindow).text()); }
+    // With no site picked, the day's log lies in the logs folder itself.
+    std::string log() const { return client.folder.read("logs/H.20261123.txt"); }
+    void connect() {
+        form->client().Site_Change("127.0.0.1");
+        form->client().PPort_Change(server.port());
+        form->client().CMD_CONNECT_Click();
+    }
+};
+
+TEST(MessageBox, TextSentWhileTheBoxIsUpIsShownLoggedAndMatchedWhenItClosesWithoutAnotherByte) {
+    BoxOnTheWire t;
     bool closed = false;
     std::string shownInBox, sentInBox;
-    client.host.onMessageBox = [&] {
-        server.send("The guard waves.\r\n");
+    t.client.host.onMessageBox = [&] {
+        t.server.send("The guard waves.\r\n");
         turnTheEventLoop(300);
-        shownInBox = mainWindow();
-        sentInBox = server.received.back();
+        shownInBox = t.mainWindow();
+        sentInBox = t.server.received.back();
         closed = true;
     };
-    form.client().parts().bar.Site = "127.0.0.1";
-    form.client().parts().bar.PPort = server.port();
-    form.client().parts().session.CMD_CONNECT_Click();
+    t.connect();
     ASSERT_TRUE(QTest::qWaitFor([&] { return closed; }, 5000));
-    EXPECT_EQ(client.host.messages, std::vector<std::string>{"GREETINGS"});
+    EXPECT_EQ(t.client.host.messages, std::vector<std::string>{"GREETINGS"});
     EXPECT_EQ(shownInBox, "The guard says hello.\r\n");
     EXPECT_EQ(sentInBox, "");
 
     // The server sends nothing more; the waiting bytes are read by themselves.
-    ASSERT_TRUE(QTest::qWaitFor([&] { return server.received.back() == "wave back\r\n"; }, 5000))
-        << server.received.back();
-    EXPECT_EQ(mainWindow(), "The guard says hello.\r\nThe guard waves.\r\nwave back\r\n");
-    EXPECT_EQ(client.folder.read(c.parts().log.currentPath()),
-              "The guard says hello.\r\n\r\nThe guard waves.\r\n\r\nwave back\r\n\r\n");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return t.server.received.back() == "wave back\r\n"; }, 5000))
+        << t.server.received.back();
+    EXPECT_EQ(t.mainWindow(), "The guard says hello.\r\nThe guard waves.\r\nwave back\r\n");
+    EXPECT_EQ(t.log(), "The guard says hello.\r\n\r\nThe guard waves.\r\n\r\nwave back\r\n\r\n");
 }
 
 TEST(MessageBox, TheServersCloseWhileTheBoxIsUpComesAfterTheTextSentBeforeIt) {
-    ScriptedServer server({"The guard says hello.\r\n"});
-    WirePlatform client;
-    client.folder.write("triggers/box.trigger", "pattern1=says hello\r\naction=#MSGBOX greetings");
-    qt::MainForm form(client.platform);
-    form.listenTo(client.socket);
-    const Client& c = form.client();
+    BoxOnTheWire t;
     bool boxClosed = false;
-    client.host.onMessageBox = [&] {
-        server.send("The guard leaves.\r\n");
-        server.current->disconnectFromHost();
+    t.client.host.onMessageBox = [&] {
+        t.server.send("The guard leaves.\r\n");
+        t.server.current->disconnectFromHost();
         turnTheEventLoop(300);
-        EXPECT_FALSE(c.connectionBar().connectEnabled) << "the close waits too";
+        EXPECT_FALSE(t.c().connectionBar().connectEnabled) << "the close waits too";
         boxClosed = true;
     };
-    form.client().Site_Change("127.0.0.1");
-    form.client().PPort_Change(server.port());
-    form.client().CMD_CONNECT_Click();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return boxClosed && c.connectionBar().connectEnabled; }, 5000));
-    EXPECT_EQ(std::string(c.window(kMainWindow).text()), "The guard says hello.\r\nThe guard leaves.\r\n");
-    EXPECT_EQ(client.folder.read(c.parts().log.currentPath()), "The guard says hello.\r\n\r\nThe guard leaves.\r\n\r\n");
+    t.connect();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return boxClosed && t.c().connectionBar().connectEnabled; }, 5000));
+    EXPECT_EQ(t.mainWindow(), "The guard says hello.\r\nThe guard leaves.\r\n");
+    EXPECT_EQ(t.log(), "The guard says hello.\r\n\r\nThe guard leaves.\r\n\r\n");
 }
 
 TEST(MessageBox, AChunkThatArrivesWhileTheBoxIsUpRunsAfterItOnBudgetsOfItsOwn) {

@@ -13,8 +13,6 @@
 namespace kelpa::test {
 namespace {
 
-using namespace std::string_literals;
-
 const std::string kAnswer("\xFF\xFA\x18\x00" "ANSI" "\x00\xFF\xF0", 11);
 
 bool shows(qt::MainForm& form, const char* text) {
@@ -72,30 +70,6 @@ TEST(SessionOnTheWire, BytesWindowAndLogOfTwoConnectionsOnOneDay) {
     EXPECT_EQ(p.folder.read("logs/loc/H.20261123.txt"),
               kAnswer + "\r\n" + "\xFF\xFD\x18Welcome\r\n\r\n" + "look\r\nsay hi\r\n\r\n" +
                   "Again\r\n\r\n" + "quit\r\n\r\n");
-}
-
-TEST(SessionOnTheWire, ANewDayWhileConnectedStartsTheNextFile) {
-    ScriptedServer server({"one\r\n"});
-    WirePlatform p;
-    qt::MainForm form(p.platform);
-    form.listenTo(p.socket);
-    form.show();
-    for (auto [name, text] : {std::pair{"Site", "127.0.0.1"s}, {"PPort", server.port()}}) {
-        auto* box = form.findChild<QLineEdit*>(name);
-        box->selectAll();
-        QTest::keyClicks(box, QString::fromStdString(text));
-    }
-    QTest::mouseClick(form.findChild<QPushButton*>("CMD_CONNECT"), Qt::LeftButton);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return shows(form, "one"); }, 5000));
-
-    p.clock.day = {2026, 11, 24};
-    form.client().as_timer_Timer();
-    server.current->write("two\r\n");
-    ASSERT_TRUE(QTest::qWaitFor([&] { return shows(form, "two"); }, 5000));
-
-    // With no site picked the log lies in the logs folder itself.
-    EXPECT_EQ(p.folder.read("logs/H.20261123.txt"), "one\r\n\r\n");
-    EXPECT_EQ(p.folder.read("logs/H.20261124.txt"), "two\r\n\r\n");
 }
 
 }  // namespace

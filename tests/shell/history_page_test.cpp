@@ -46,16 +46,9 @@ TEST(HistoryPage, HistTShowsAPageAndTakesTheKeys) {
     QTest::keyClick(HistT, Qt::Key_Home);
     QTest::keyClick(HistT, Qt::Key_Down);
     EXPECT_EQ(HistT->lineText(0), "line 2");
-    const std::size_t pos = f.form().client().parts().history.HistoryPos;
-    QTest::keyClick(HistT, Qt::Key_A);
+    QTest::keyClick(HistT, Qt::Key_A);  // other keys do nothing
     QTest::keyClick(HistT, Qt::Key_Right);
-    EXPECT_EQ(f.form().client().parts().history.HistoryPos, pos);
     EXPECT_EQ(HistT->lineText(0), "line 2");
-    // Leaving the page and coming back after new text shows the end.
-    f.form().client().parts().history.append(numberedLines(101, 110));
-    QTest::mouseClick(tab2, Qt::LeftButton, {}, tab2->tabRect(0).center());
-    QTest::mouseClick(tab2, Qt::LeftButton, {}, tab2->tabRect(1).center());
-    EXPECT_EQ(HistT->lineText(0), "line 83");
 }
 
 TEST(HistoryPage, ADayLoadsWithTheEventLoopTurningBetweenPieces) {
@@ -110,12 +103,9 @@ TEST(HistoryPage, SeekShowsTheLineOnTheHistoryPageAndFilterListsThem) {
     QTest::keyClick(HistT, Qt::Key_Up);
     EXPECT_EQ(HistT->lineText(0), "line 90");
 
-    // Seek again goes on below the top line, and past the end from the top.
-    for (const char* line : {"A DRAGON wakes.", "The dragon sleeps."}) {
-        f.form().tabs()->setCurrentIndex(6);
-        QTest::mouseClick(page->BSeek, Qt::LeftButton);
-        EXPECT_EQ(HistT->lineText(0), line);
-    }
+    f.form().tabs()->setCurrentIndex(6);
+    QTest::mouseClick(page->BSeek, Qt::LeftButton);  // goes on below the top line
+    EXPECT_EQ(HistT->lineText(0), "A DRAGON wakes.");
     f.form().tabs()->setCurrentIndex(6);
     QTest::mouseClick(page->BFilter, Qt::LeftButton);
     f.form().syncFromCore();

@@ -97,12 +97,3 @@ TEST(StatusPanelView, MouseOnThePanel) {
     EXPECT_EQ(tabs->currentIndex(), 1);
     EXPECT_EQ(f.form().focusWidget(), f.control("Text1"));
 }
-
-TEST(StatusPanelView, CommandLineShowsDotsWhileTheServerEchoes) {
-    PanelFixture f;
-    auto* text1 = f.control<QLineEdit>("Text1");
-    f.receive("Password:\xFF\xFB\x01");
-    EXPECT_EQ(text1->echoMode(), QLineEdit::Password);
-    f.receive("\xFF\xFC\x01");
-    EXPECT_EQ(text1->echoMode(), QLineEdit::Normal);
-}

@@ -112,28 +112,32 @@ struct TriggerPageFixture : FormFixture {
         form().syncFromCore();
     }
     QString text(const char* box) { return control<QPlainTextEdit>(box)->toPlainText(); }
+    void openEntry(int row) {
+        doubleClick(control<QListWidget>("TList"), row);
+        form().syncFromCore();
+    }
 };
 
-TEST(TriggerPage, StartsWithTheTemplateAndLoadsEditsAndSavesFiles) {
+// The editor's rules are held by the core's tests; these follow the clicks
+// and keys of the page down to the files.
+TEST(TriggerPage, StartsWithTheTemplateAndLoadsEditsSavesAndDeletesFiles) {
     TriggerPageFixture f;
-    EXPECT_EQ(f.control<QLineEdit>("txtTRGLabel")->text(), "?.trigger");
-    EXPECT_EQ(f.text("TxtTrgFlags"), "flag1=1");
-    EXPECT_EQ(f.text("txtTRGBody"), "pattern1=?\naction=#nop\npattern1=?\naction=#nop");
+    auto* label = f.control<QLineEdit>("txtTRGLabel");
+    EXPECT_EQ(label->text(), "?.trigger");
+    EXPECT_EQ(f.text("TxtTrgFlags") + "|" + f.text("txtTRGBody"),
+              "flag1=1|pattern1=?\naction=#nop\npattern1=?\naction=#nop");
     EXPECT_TRUE(f.control<QRadioButton>("Option1(0)")->isChecked());
     EXPECT_EQ(f.list(), QStringList({"a.trigger", "b.trigger"}));
 
-    doubleClick(f.control<QListWidget>("TList"), 1);
-    f.form().syncFromCore();
-    EXPECT_EQ(f.control<QLineEdit>("txtTRGLabel")->text(), "b.trigger");
-    EXPECT_EQ(f.text("TxtTrgFlags"), "flag1=2\n");
-    EXPECT_EQ(f.text("txtTRGBody"), "pattern1=bee\naction=sting\n");
+    f.openEntry(1);
+    EXPECT_EQ(label->text(), "b.trigger");
+    EXPECT_EQ(f.text("TxtTrgFlags") + "|" + f.text("txtTRGBody"), "flag1=2\n|pattern1=bee\naction=sting\n");
 
     auto* body = f.control<QPlainTextEdit>("txtTRGBody");
     body->moveCursor(QTextCursor::End);
     QTest::keyClicks(body, "pattern1=wasp");
     QTest::keyClick(body, Qt::Key_Return);
     QTest::keyClicks(body, "action=run");
-    auto* label = f.control<QLineEdit>("txtTRGLabel");
     label->selectAll();
     QTest::keyClicks(label, "c.trigger");
     f.click("btnTRGSave");
@@ -142,32 +146,17 @@ TEST(TriggerPage, StartsWithTheTemplateAndLoadsEditsAndSavesFiles) {
     f.click("brefresh2");
     EXPECT_EQ(f.list().size(), 3);
 
-    f.click("Option1(1)");
-    EXPECT_EQ(f.list(), QStringList({"g.trigger"}));
-    EXPECT_EQ(label->text(), "c.trigger");  // the boxes stay
-    f.click("btnTRGSave");
-    EXPECT_TRUE(f.fake.files.exists("gtriggers/c.trigger"));
-}
-
-TEST(TriggerPage, DeletionAsksAndFailuresKeepTheText) {
-    TriggerPageFixture f;
-    auto* label = f.control<QLineEdit>("txtTRGLabel");
-    label->selectAll();
-    QTest::keyClicks(label, "a.trigger");
     f.fake.host.answerYes = false;
     f.click("btnTRGDelete");
-    EXPECT_TRUE(f.fake.files.exists("triggers/a.trigger"));
+    EXPECT_TRUE(f.fake.files.exists("triggers/c.trigger"));
     f.fake.host.answerYes = true;
     f.click("btnTRGDelete");
-    EXPECT_FALSE(f.fake.files.exists("triggers/a.trigger"));
-    EXPECT_EQ(f.list(), QStringList({"b.trigger"}));
+    EXPECT_FALSE(f.fake.files.exists("triggers/c.trigger"));
+    EXPECT_EQ(f.list(), QStringList({"a.trigger", "b.trigger"}));
     EXPECT_EQ(label->text(), "?.trigger");
 
-    QTest::keyClicks(f.control<QPlainTextEdit>("TxtTrgFlags"), "x");
-    f.click("btnTRGSave");  // the template's "?" is refused
-    EXPECT_EQ(f.fake.host.messages, std::vector<std::string>{refusedNameMessage("trigger", "?.trigger")});
-    EXPECT_EQ(f.text("TxtTrgFlags"), "xflag1=1");
-    EXPECT_EQ(label->text(), "?.trigger");
+    f.click("Option1(1)");
+    EXPECT_EQ(f.list(), QStringList({"g.trigger"}));
 }
 
 // A double click beside the entries finds no entry selected.
@@ -189,11 +178,9 @@ TEST(ToolPages, DoubleClickBesideTheEntriesEmptiesTheBoxes) {
 
     f.form().tabs()->setCurrentIndex(6);
     f.control<qt::TabControl>("ToolsTabs")->setCurrentIndex(1);
-    auto* list = f.control<QListWidget>("TList");
-    doubleClick(list, 1);
-    f.form().syncFromCore();
+    f.openEntry(1);
     ASSERT_EQ(f.control<QLineEdit>("txtTRGLabel")->text(), "b.trigger");
-    doubleClickBeside(list);
+    doubleClickBeside(f.control<QListWidget>("TList"));
     f.form().syncFromCore();
     EXPECT_EQ(f.control<QLineEdit>("txtTRGLabel")->text(), "");
     EXPECT_EQ(f.text("TxtTrgFlags") + f.text("txtTRGBody"), "");
@@ -208,8 +195,7 @@ TEST(ToolPages, EditorsGiveBackEveryByteTheyShow) {
     f.form().tabs()->setCurrentIndex(6);
     f.control<qt::TabControl>("ToolsTabs")->setCurrentIndex(1);
     f.click("brefresh2");
-    doubleClick(f.control<QListWidget>("TList"), 2);
-    f.form().syncFromCore();
+    f.openEntry(2);
     auto* body = f.control<QPlainTextEdit>("txtTRGBody");
     body->moveCursor(QTextCursor::End);
     QTest::keyClicks(body, "x");  // any edit
