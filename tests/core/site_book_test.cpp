@@ -121,10 +121,6 @@ TEST(ConnectionBar, SelectionFillsTheBoxesAndCurrentSite) {
     c.parts().bar.PPort = "9999";
     c.parts().bar.CB_Connections_Click(1);
     EXPECT_EQ(c.parts().bar.Site + ":" + c.parts().bar.PPort, "b.org:5000");
-
-    // Reloading the book selects the first site again.
-    c.parts().bar.reload(fp.files);
-    EXPECT_EQ(c.parts().bar.CurrentSite.SiteName, "a");
 }
 
 TEST(ConnectionBar, AMissingBookIsCreatedEmptyAndTheDefaultServerIsUsed) {

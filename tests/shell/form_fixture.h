@@ -43,4 +43,13 @@ inline QStringList itemsOf(QListWidget* list) {
     return out;
 }
 
+// A double click on a list's entry; it counts only on the entry just pressed.
+inline void doubleClick(QListWidget* list, int row) {
+    QListWidgetItem* item = list->item(row);
+    list->setCurrentItem(item);
+    const QPoint at = list->visualItemRect(item).center();
+    QTest::mousePress(list->viewport(), Qt::LeftButton, {}, at);
+    QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, at);
+}
+
 }  // namespace kelpa::test

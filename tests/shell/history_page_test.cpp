@@ -60,11 +60,7 @@ TEST(HistoryPage, ADayLoadsWithTheEventLoopTurningBetweenPieces) {
     f.form().tabs()->setCurrentIndex(6);
     ASSERT_EQ(itemsOf(page->DList), (QStringList{"H.20261122.txt", "H.20261123.txt"}));
 
-    QListWidgetItem* item = page->DList->item(0);
-    page->DList->setCurrentItem(item);
-    const QPoint at = page->DList->visualItemRect(item).center();
-    QTest::mousePress(page->DList->viewport(), Qt::LeftButton, {}, at);
-    QTest::mouseDClick(page->DList->viewport(), Qt::LeftButton, {}, at);
+    doubleClick(page->DList, 0);
     // Other events run while the load goes on, and see part of the day.
     std::vector<std::size_t> seen;
     QTimer other;

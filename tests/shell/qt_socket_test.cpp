@@ -36,8 +36,6 @@ void record(qt::QtSocket& s, Recorder& r, bool skipFirstRead) {
     });
 }
 
-// Sent with the close: a flood comes in bounded chunks, wholly before the
-// close; so do a few bytes that a handler once left unread.
 TEST(QtSocket, ErrorsCarryTheNumbersPlayersKnowAndTheirStatusCode) {
     using E = QAbstractSocket::SocketError;
     const std::pair<E, int> rows[] = {
@@ -50,6 +48,8 @@ TEST(QtSocket, ErrorsCarryTheNumbersPlayersKnowAndTheirStatusCode) {
     EXPECT_EQ(qt::QtSocket::statusCode(11001), -2146817287);
 }
 
+// Sent with the close: a flood comes in bounded chunks, wholly before the
+// close; so do a few bytes that a handler once left unread.
 TEST(QtSocket, BytesThatComeWithTheServersCloseAreReadBeforeTheClose) {
     QByteArray flood;
     for (int i = 0; flood.size() < 300 * 1024; ++i) flood += "line " + QByteArray::number(i) + "\r\n";

@@ -17,20 +17,11 @@
 namespace kelpa::test {
 namespace {
 
-// The page on screen: "Tools", then "Macros".
-qt::MacroPage* shownPage(FormFixture& f) {
+// A page of "Tools" on screen: 1 for triggers, 2 for macros.
+qt::MacroPage* shownPage(FormFixture& f, int tool = 2) {
     f.form().tabs()->setCurrentIndex(6);
-    f.control<qt::TabControl>("ToolsTabs")->setCurrentIndex(2);
+    f.control<qt::TabControl>("ToolsTabs")->setCurrentIndex(tool);
     return f.form().macroPage();
-}
-
-void doubleClick(QListWidget* list, int row) {
-    QListWidgetItem* item = list->item(row);
-    list->setCurrentItem(item);
-    const QPoint at = list->visualItemRect(item).center();
-    // A double click in a list counts only on the entry just pressed.
-    QTest::mousePress(list->viewport(), Qt::LeftButton, {}, at);
-    QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, at);
 }
 
 TEST(MacroPage, ListsOpensSavesAndReloads) {
@@ -176,8 +167,7 @@ TEST(ToolPages, DoubleClickBesideTheEntriesEmptiesTheBoxes) {
     EXPECT_EQ(page->txtMacrosLabel->text(), "");
     EXPECT_EQ(page->txtMacrosCommands->toPlainText(), "");
 
-    f.form().tabs()->setCurrentIndex(6);
-    f.control<qt::TabControl>("ToolsTabs")->setCurrentIndex(1);
+    shownPage(f, 1);
     f.openEntry(1);
     ASSERT_EQ(f.control<QLineEdit>("txtTRGLabel")->text(), "b.trigger");
     doubleClickBeside(f.control<QListWidget>("TList"));
@@ -192,8 +182,7 @@ TEST(ToolPages, EditorsGiveBackEveryByteTheyShow) {
     TriggerPageFixture f;
     f.fake.folder.write("triggers/n.trigger", "pattern1=a\xA0" "b\r\naction=say \xA0\xE9");
     f.fake.folder.write("macros/n.macro", "say \xA0" "x\r\nsay y");
-    f.form().tabs()->setCurrentIndex(6);
-    f.control<qt::TabControl>("ToolsTabs")->setCurrentIndex(1);
+    shownPage(f, 1);
     f.click("brefresh2");
     f.openEntry(2);
     auto* body = f.control<QPlainTextEdit>("txtTRGBody");
