@@ -116,7 +116,7 @@ struct PlainPager {
 TEST(HistoryPager, SearchesAgreeWithThePlainReadingAcrossBlocks) {
     std::mt19937 rng(14);
     for (int round = 0; round < 20; ++round) {
-        HistoryText text;
+        ClientHarness h;
         std::string s;
         const int lines = static_cast<int>(rng() % 60);
         for (int i = 0; i < lines; ++i) {
@@ -124,13 +124,8 @@ TEST(HistoryPager, SearchesAgreeWithThePlainReadingAcrossBlocks) {
             s.append(rng() % 4 == 0 ? 4095 + rng() % 3 : rng() % 9000, static_cast<char>('a' + i % 26));
             s += std::string_view("\r\n\r\r\n\n\r\n").substr(rng() % 3 * 2, 2);
         }
-        text.append(s);
-        OutputWindows windows;
-        DebugChannel debug(windows.text[kDebugWindow]);
-        TelnetInterpreter telnet(windows, debug);
-        AnsiInterpreter ansi(windows, debug);
-        OutputWriter writer(windows, debug, telnet, ansi);
-        HistoryPager pager(text, writer, windows);
+        h.c.parts().history.append(s);
+        const HistoryPager& pager = h.c.historyViews().pager;
         const PlainPager plain{s};
         std::vector<std::size_t> probes;
         for (int i = 0; i < 300; ++i) probes.push_back(s.empty() ? 0 : rng() % (s.size() + 1));
