@@ -78,7 +78,7 @@ TEST(Edges, AFullDeviceEndsTheLogAndTheTextStays) {
     h.fp.clock.day = {2026, 11, 24};
     h.c.as_timer_Timer();
     h.receive("after\r\n");
-    EXPECT_EQ(h.logFile(), "after\r\n\r\n");
+    EXPECT_EQ(h.fp.folder.read("logs/mud/H.20261124.txt"), "after\r\n\r\n");  // never the endless device
 }
 
 TEST(Edges, EditorsInAFolderThatRefusesFilesSayWhyAndKeepTheText) {
