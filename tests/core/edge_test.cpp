@@ -1,5 +1,6 @@
-// The edges of the receive road: a log that cannot be written, and floods
-// that never finish a line or a sequence.
+// The edges of the receive road: floods that never finish a line or a
+// sequence, and the real file system's failures, on files and folders that
+// refuse writes even to root: a full device and a folder of /proc.
 #include <gtest/gtest.h>
 
 #include <time.h>
@@ -8,7 +9,6 @@
 #include <filesystem>
 
 #include "support/client_harness.h"
-#include "support/memory_file_system.h"
 
 namespace kelpa::test {
 namespace {
@@ -24,63 +24,6 @@ constexpr bool kSanitized = true;
 constexpr bool kSanitized = false;
 #endif
 
-// A Client whose files live in memory, so the disk can fill up or turn
-// read-only on demand.
-struct MemoryDiskClient {
-    FakePlatform fp;
-    MemoryFileSystem files;
-    Platform platform{fp.socket, fp.clock, fp.random, files, fp.host};
-    Client c{platform};
-    MemoryDiskClient() {
-        c.Form_Load();
-        c.setDebugInfo(true);
-        fp.socket.connected = true;
-        c.parts().session.s_Connect();
-    }
-    void receive(const std::string& chunk) {
-        fp.socket.incoming = chunk;
-        c.parts().session.s_DataArrival();
-    }
-    std::string log() const {
-        auto it = files.files.find(c.parts().log.currentPath());
-        return it == files.files.end() ? std::string() : it->second;
-    }
-    std::string window(int w) const { return std::string(c.parts().windows.text[w].text()); }
-};
-
-TEST(Edges, ALogThatCannotBeWrittenLeavesTheTextAndTriesAgainLater) {
-    // The disk fills up, then the folder turns read-only; after each the
-    // next connection or day tries again.
-    for (const bool full : {true, false}) {
-        MemoryDiskClient m;
-        m.receive("before\r\n");
-        ASSERT_EQ(m.log(), "before\r\n\r\n");
-        if (full)
-            m.files.capacity = m.files.used;
-        else
-            m.files.readOnly = true;
-        m.receive("during\r\n");
-        m.receive("still\r\n");
-        EXPECT_NE(m.window(kMainWindow).find("during\r\nstill\r\n"), std::string::npos);
-        EXPECT_EQ(m.c.parts().history.text(), "before\r\nduring\r\nstill\r\n");
-        EXPECT_NE(m.window(kDebugWindow).find("Cannot write the log"), std::string::npos);
-        EXPECT_EQ(m.log(), "before\r\n\r\n");
-
-        m.files.capacity = static_cast<std::size_t>(-1);
-        m.files.readOnly = false;
-        if (full) {
-            m.c.parts().session.s_Close();
-            m.fp.socket.connected = true;
-            m.c.parts().session.s_Connect();
-        } else {
-            m.fp.clock.day = {2026, 11, 24};
-            m.c.as_timer_Timer();
-        }
-        m.receive("after\r\n");
-        EXPECT_NE(m.log().find("after\r\n"), std::string::npos) << full;
-    }
-}
-
 // 10 MB in the 64 KB chunks the socket hands on: a text without a line
 // end, one ESC that never finds its final, one IAC SB that never ends.
 // Every chunk is done quickly, and nothing held between chunks grows.
@@ -88,9 +31,7 @@ TEST(Edges, FloodsThatNeverEndALineOrASequenceStayCheapPerChunk) {
     const std::size_t total = 10u << 20, chunk = 64u << 10;
     const std::string heads[] = {"", "\x1b[", std::string("\xFF\xFA\x22", 3)};
     for (const std::string& head : heads) {
-        MemoryDiskClient m;
-        m.c.setDebugInfo(false);
-        m.c.parts().log.close();  // a log in memory would time its own growth
+        ClientHarness m(/*connected=*/true, /*debugOn=*/false);
         std::string body(chunk, '7');
         // CPU time of this thread: a loaded machine may take the processor
         // away for longer than a chunk costs.
@@ -114,8 +55,8 @@ TEST(Edges, FloodsThatNeverEndALineOrASequenceStayCheapPerChunk) {
     }
 }
 
-// The real file system's failures, on files and folders that refuse
-// writes even to root: a full device and a folder of /proc.
+// A log on a full device is told once and the text stays; the next day's
+// file is written again.
 TEST(Edges, AFullDeviceEndsTheLogAndTheTextStays) {
     ClientHarness h;
     h.openLog();
@@ -131,6 +72,13 @@ TEST(Edges, AFullDeviceEndsTheLogAndTheTextStays) {
     const std::string debug = h.debugText();
     EXPECT_NE(debug.find("Cannot write the log " + log.string()), std::string::npos) << debug;
     EXPECT_EQ(debug.find("Cannot write the log"), debug.rfind("Cannot write the log")) << "told once";
+
+    h.c.parts().bar.Sites = {SiteRecord{"mud", "mud", "", "", 0, 0, "", ""}};
+    h.c.parts().bar.CB_Connections_Click(0);
+    h.fp.clock.day = {2026, 11, 24};
+    h.c.as_timer_Timer();
+    h.receive("after\r\n");
+    EXPECT_EQ(h.fp.folder.read("logs/mud/H.20261124.txt"), "after\r\n\r\n");  // never the endless device
 }
 
 TEST(Edges, EditorsInAFolderThatRefusesFilesSayWhyAndKeepTheText) {

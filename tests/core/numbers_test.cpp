@@ -64,19 +64,13 @@ protected:
     void TearDown() override { std::setlocale(LC_ALL, "C"); }
 };
 
-TEST_F(GermanNumbers, TriggerGroupAndFlagNumbersReadTheSame) {
+TEST_F(GermanNumbers, TriggerNumbersValAndNumberTextKeepThePoint) {
     TriggerRecords table;
-    const auto r = readTriggerFile("flag1.5=3.5\r\npattern0.5e1=x\r\naction=y\r\n", "t", table,
-                                   [](const std::string&) {});
-    ASSERT_TRUE(r.ok);
+    ASSERT_TRUE(readTriggerFile("flag1.5=3.5\r\npattern0.5e1=x\r\naction=y\r\n", "t", table, [](const std::string&) {}).ok);
     ASSERT_EQ(table.size(), 1u);
     EXPECT_EQ(table[0].FlagGroupCount, 2);
-    ASSERT_EQ(table[0].flagGroup(2).Values.size(), 1u);
-    EXPECT_EQ(table[0].flagGroup(2).Values[0], 4);
+    EXPECT_EQ(table[0].flagGroup(2).Values, std::vector<int>{4});
     EXPECT_EQ(table[0].PatternGroupCount, 5);
-}
-
-TEST_F(GermanNumbers, ValAndNumberTextKeepThePoint) {
     EXPECT_EQ(Val("2.25"), 2.25);
     EXPECT_EQ(numberText(2.25), "2.25");
 }

@@ -5,7 +5,10 @@
 // directions, the recall file checked by the same timer).
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <new>
 #include <random>
+#include <stdexcept>
 
 #include "common/lines.h"
 #include "session/server_session.h"
@@ -38,10 +41,14 @@ struct LogHarness : ClientHarness {
 
 class RecordingTriggers : public TriggerPasses {
 public:
-    void matchGlobal(std::string_view chunk) override { global.emplace_back(chunk); }
+    void matchGlobal(std::string_view chunk) override {
+        global.emplace_back(chunk);
+        if (fail) fail();
+    }
     bool hasLineTriggers() const override { return true; }
     void matchLine(std::string_view line) override { lines.emplace_back(line); }
     std::vector<std::string> global, lines;
+    std::function<void()> fail;  // as an action running out of memory would
 };
 
 struct PipelineHarness : ClientHarness {
@@ -93,49 +100,40 @@ TEST(ServerSession, InitStringMarksBecomeCharacters) {
     for (const auto& [init, sent] : rows) EXPECT_EQ(ServerSession::expandInitString(init), sent);
 }
 
-TEST(ServerSession, ConnectOpensTheLogAndSendsTheInitStringStraight) {
+TEST(ServerSession, ConnectCloseAndErrorSetTheButtonsAndTheLog) {
     ClientHarness h(/*connected=*/false);
     h.c.parts().bar.Sites = {site("mud", "hi#10#"), site("quiet", "")};
     h.c.parts().bar.CB_Connections_Click(0);
-
+    const auto& bar = h.c.parts().bar;
     h.c.parts().session.CMD_CONNECT_Click();
     EXPECT_EQ(h.fp.socket.connects, std::vector<std::string>{"mud.example:4000"});
-    EXPECT_TRUE(!h.c.parts().bar.connectEnabled && h.c.parts().bar.disconnectEnabled);
+    EXPECT_TRUE(!bar.connectEnabled && bar.disconnectEnabled);
 
+    // The init string is sent straight: not logged, kept or echoed.
     h.fp.socket.connected = true;
     h.c.parts().session.s_Connect();
     EXPECT_EQ(h.fp.socket.writes, std::vector<std::string>{"hi\n"});
     EXPECT_EQ(h.fp.host.focuses, 1);
     EXPECT_EQ(h.c.parts().log.currentPath(), "logs/mud/H.20261123.txt");
-    EXPECT_EQ(h.logFile() + h.history() + h.window(kMainWindow), "") << "not logged, kept or echoed";
+    EXPECT_EQ(h.logFile() + h.history() + h.window(kMainWindow), "");
 
-    h.c.parts().bar.CB_Connections_Click(1);  // an empty init string sends nothing
-    h.c.parts().session.s_Connect();
-    EXPECT_EQ(h.fp.socket.writes.size(), 1u);
-}
-
-TEST(ServerSession, CloseAndErrorReturnTheButtonsAndTreatTheLogDifferently) {
-    ClientHarness h;
-    h.c.parts().session.CMD_CONNECT_Click();
-    h.c.parts().session.s_Connect();
+    // An error leaves the log open, a close or a disconnect closes it.
     h.c.parts().session.s_Error(10061, "Connection refused", -2146818227);
-    EXPECT_TRUE(h.c.parts().bar.connectEnabled && !h.c.parts().bar.disconnectEnabled);
+    EXPECT_TRUE(bar.connectEnabled && !bar.disconnectEnabled);
     EXPECT_EQ(h.fp.socket.state(), 0);
-    EXPECT_TRUE(h.c.parts().log.isOpen()) << "an error leaves the log open";
+    EXPECT_TRUE(h.c.parts().log.isOpen());
     EXPECT_EQ(h.logFile(), "Sock 10061 Connection refused -2146818227\r\n");
     EXPECT_NE(h.debugText().find("Sock 10061 Connection refused -2146818227\r\n"), std::string::npos);
-
-    h.fp.socket.connected = true;
-    h.c.parts().session.s_Connect();
-    h.c.parts().session.s_Close();
-    EXPECT_FALSE(h.c.parts().log.isOpen());
-    EXPECT_TRUE(h.c.parts().bar.connectEnabled);
-
-    h.fp.socket.connected = true;
-    h.c.parts().session.s_Connect();
-    h.c.parts().session.CMD_DISCONNECT_Click();
-    EXPECT_FALSE(h.c.parts().log.isOpen() || h.c.parts().bar.disconnectEnabled);
-    EXPECT_EQ(h.fp.socket.state(), 0);
+    h.c.parts().bar.CB_Connections_Click(1);  // an empty init string sends nothing
+    for (const bool button : {false, true}) {
+        h.fp.socket.connected = true;
+        h.c.parts().session.s_Connect();
+        EXPECT_TRUE(h.c.parts().log.isOpen());
+        button ? h.c.parts().session.CMD_DISCONNECT_Click() : h.c.parts().session.s_Close();
+        EXPECT_FALSE(h.c.parts().log.isOpen() || bar.disconnectEnabled) << button;
+        EXPECT_TRUE(bar.connectEnabled && h.fp.socket.state() == 0) << button;
+    }
+    EXPECT_EQ(h.fp.socket.writes.size(), 1u);
 }
 
 TEST(SessionLog, ChangeOfDaySwitchesTheFileInBothDirections) {
@@ -171,33 +169,18 @@ TEST(SessionLog, RecallFileShowsTheWindowAndIsDeletedEachTime) {
     LogHarness h;
     h.c.as_timer_Timer();
     EXPECT_EQ(h.fp.host.shows, 0);
-    for (int round = 1; round <= 2; ++round) {
-        h.c.Text1_Escape();
-        h.fp.folder.write(Client::kShowFile, "any content");
+    for (int round = 1; round <= 3; ++round) {
+        if (round < 3) h.c.Text1_Escape();  // the last round: deleted while not hidden too
+        h.fp.folder.write(Client::kShowFile, round == 1 ? "any content" : "");
         h.c.as_timer_Timer();
         EXPECT_FALSE(h.fp.host.hidden);
         EXPECT_EQ(h.fp.host.shows, round);
         EXPECT_FALSE(h.fp.files.exists(Client::kShowFile));
     }
-    h.fp.folder.write(Client::kShowFile, "");
-    h.c.as_timer_Timer();
-    EXPECT_FALSE(h.fp.files.exists(Client::kShowFile)) << "deleted while not hidden too";
 }
 
-TEST(Lines, GetlineAndLignes) {
-    // The random test below holds the lines; these are the other corners.
-    struct Row { std::string s; int l; bool only; std::string result; };
-    const std::vector<Row> rows = {
-        {"a\r\nb", 3, true, ""},     {"a\r\nb", 1, false, "a\r\nb"}, {"abc", 0, true, "abc"},
-        {"abc", -4, false, "abc"},   {"a\r\nb\r\nc", 2, false, "b\r\nc"}, {"a\r\nb", 9, false, ""},
-    };
-    for (const auto& row : rows)
-        EXPECT_EQ(getline(row.s, row.l, row.only), row.result) << row.s << " line " << row.l;
-
-    for (const auto& [text, n] : std::vector<std::pair<std::string, int>>{{"", 1}, {"\n\r", 1}, {"a\r\n\r\n", 3}})
-        EXPECT_EQ(lignes(text), n) << text;
-}
-
+// getline and lignes have no caller of their own: they are the plain
+// reading the cursor is held against.
 TEST(Lines, CursorGivesTheLinesOfGetlineOnRandomTexts) {
     std::mt19937 rng(1234);
     const char alphabet[] = {'\r', '\n', 'a', 'b', ' '};
@@ -264,17 +247,31 @@ TEST(LinePipeline, CleanerTextBreaksAheadOfGoldWhenMppIsThere) {
     EXPECT_EQ(off.window(kMainWindow), "hp\r\nGold: 5 MPP: 3");
 }
 
+// Any failure inside the road ends the chunk with the log's error line,
+// and the session goes on.
 TEST(LinePipeline, FailureAbandonsTheChunkWithTheLogErrorLine) {
-    PipelineHarness h;
-    h.process("before");
-    h.process("ok\x1BMlost\r\nmore");
-    EXPECT_EQ(h.window(kMainWindow), "beforeok");
-    EXPECT_EQ(h.logFile(), "before\r\n\r\nERROR : 5/Invalid procedure call or argument on line A_ParseCsi\r\n");
-    EXPECT_EQ(h.triggers.global, Lines{"before"});
-    EXPECT_EQ(h.triggers.lines, Lines{"before"});
-    h.process("after");
-    EXPECT_EQ(h.window(kMainWindow), "beforeokafter") << "the session goes on";
-
+    struct Row { std::function<void()> fail; std::string chunk, shown, logged, error; };
+    const std::vector<Row> rows = {
+        {nullptr, "ok\x1BMlost\r\nmore", "ok", "", "5/Invalid procedure call or argument on line A_ParseCsi"},
+        {[] { throw std::bad_alloc(); }, "a line\r\n", "a line\r\n", "a line\r\n\r\n",
+         "7/Out of memory on line S_ProcessLines"},
+        {[] { throw std::length_error("string too long"); }, "x", "x", "x\r\n",
+         "51/string too long on line S_ProcessLines"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.error);
+        PipelineHarness h;
+        h.receive("before");
+        h.triggers.fail = row.fail;
+        EXPECT_NO_THROW(h.receive(row.chunk));
+        EXPECT_EQ(h.window(kMainWindow), "before" + row.shown);
+        EXPECT_EQ(h.logFile(), "before\r\n" + row.logged + "\r\nERROR : " + row.error + "\r\n");
+        EXPECT_EQ(h.triggers.lines, Lines{"before"});
+        EXPECT_EQ(h.debugText().find("s_DataArrival"), std::string::npos);
+        h.triggers.fail = nullptr;
+        h.receive("after");
+        EXPECT_EQ(h.window(kMainWindow), "before" + row.shown + "after");
+    }
     PipelineHarness noLog;
     noLog.c.parts().log.close();
     noLog.process("x\x1BMlost");

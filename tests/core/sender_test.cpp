@@ -82,16 +82,10 @@ TEST(Sender, MarkersAreRewrittenBeforeTheOneWrite) {
 TEST(Sender, LogEchoAndHistoryComeBeforeTheWriteInTheServersColour) {
     SendHarness h;
     h.c.parts().writer.W_Print("\x1B[0;32mgreen ", kMainWindow);
-    std::string logAtSend, windowAtSend, historyAtSend;
-    h.fp.socket.onSend = [&](const std::string&) {
-        logAtSend = h.logFile();
-        windowAtSend = h.window(kMainWindow);
-        historyAtSend = h.history();
-    };
+    std::string atSend;
+    h.fp.socket.onSend = [&](const std::string&) { atSend = h.logFile() + "|" + h.window(kMainWindow) + "|" + h.history(); };
     h.send("look;;");
-    EXPECT_EQ(logAtSend, "look\r\n\r\n");
-    EXPECT_EQ(windowAtSend, "green look\r\n");
-    EXPECT_EQ(historyAtSend, "look\r\n");
+    EXPECT_EQ(atSend, "look\r\n\r\n|green look\r\n|look\r\n");
     EXPECT_EQ(styleAt(h.c.parts().windows.text[kMainWindow], 6).colour, rgb(64, 192, 64));
 
     // A broken sequence ends only the echo.
@@ -101,15 +95,19 @@ TEST(Sender, LogEchoAndHistoryComeBeforeTheWriteInTheServersColour) {
     EXPECT_EQ(h.fp.socket.writes.back(), "a\x1BMb\r\n");
 }
 
+// Disconnected, a text is not even rewritten, and a queue entry or a no-spam
+// text is consumed or recorded all the same.
 TEST(Sender, DisconnectedTextLeavesNoTrace) {
     SendHarness h(/*connected=*/false);
-    EXPECT_EQ(h.send("north;;"), "north;;") << "not even rewritten";
+    EXPECT_EQ(h.send("north;;"), "north;;");
     EXPECT_EQ(h.logFile() + h.window(kMainWindow) + h.history(), "");
     h.queue("lost");
     h.c.Queue_Timer();
+    h.noSpam("x");
     h.fp.socket.connected = true;
+    h.noSpam("x");
     h.c.Queue_Timer();
-    EXPECT_TRUE(h.fp.socket.writes.empty()) << "an entry ticked while disconnected is consumed";
+    EXPECT_TRUE(h.fp.socket.writes.empty());
 }
 
 TEST(Sender, QueueTickPicksAnIntervalAndSendsOneEntryInOrderUpToTwenty) {
@@ -152,12 +150,6 @@ TEST(Sender, NoSpamRefusesRepeatsUntilTheNextTick) {
     h.c.Queue_Timer();  // an empty tick clears the memory too
     h.noSpam("kill rat;;");
     EXPECT_EQ(h.fp.socket.writes.size(), 4u);
-
-    SendHarness off(/*connected=*/false);
-    off.noSpam("x");
-    off.fp.socket.connected = true;
-    off.noSpam("x");
-    EXPECT_TRUE(off.fp.socket.writes.empty()) << "recorded even while disconnected";
 }
 
 // After the server's IAC WILL ECHO a typed line (or a queued one) reaches the
@@ -165,28 +157,40 @@ TEST(Sender, NoSpamRefusesRepeatsUntilTheNextTick) {
 // ECHO or a new connection.
 TEST(Sender, PasswordAfterWillEchoIsSentButNotShownLoggedOrKept) {
     SendHarness h;
-    h.fp.socket.incoming = "Password: " + std::string("\xFF\xFB\x01", 3);
-    h.c.parts().session.s_DataArrival();
-    EXPECT_TRUE(h.c.parts().sender.serverEchoes());
+    h.receive("Password: \xFF\xFB\x01");
     h.c.Text1_Enter("hunter2");
     h.queue("queued2;;");
     h.c.Queue_Timer();
     EXPECT_EQ(h.fp.socket.writes, (Writes{"hunter2\r\n", "queued2\r\n"}));
-    for (const std::string& where : {h.window(kMainWindow), h.logFile(), h.history()}) {
-        EXPECT_EQ(where.find("hunter2"), std::string::npos) << where;
-        EXPECT_EQ(where.find("queued2"), std::string::npos) << where;
-    }
+    EXPECT_EQ(h.logFile(), "Password: \xFF\xFB\x01\r\n\r\n\r\n\r\n\r\n");
+    EXPECT_EQ(h.history(), "Password: \xFF\xFB\x01\r\n\r\n");
     EXPECT_EQ(h.window(kMainWindow), "Password: \r\n\r\n");
 
-    h.fp.socket.incoming = "\xFF\xFC\x01ok";
-    h.c.parts().session.s_DataArrival();
+    h.receive("\xFF\xFC\x01ok");
     h.c.Text1_Enter("look");
     EXPECT_EQ(h.window(kMainWindow), "Password: \r\n\r\noklook\r\n");
 
     // A new connection forgets a WILL ECHO that was never taken back.
-    h.fp.socket.incoming = "\xFF\xFB\x01";
-    h.c.parts().session.s_DataArrival();
+    h.receive("\xFF\xFB\x01");
     h.c.parts().session.s_Connect();
     h.c.Text1_Enter("north");
     EXPECT_NE(h.history().find("north"), std::string::npos);
+}
+
+// A write the socket refuses is told on the debug window; the text is still
+// logged, echoed and kept. The init string of a site is sent straight.
+TEST(Sender, AWriteTheSocketRefusesIsTold) {
+    SendHarness h;
+    h.fp.socket.refuseWrites = true;
+    h.c.Text1_Enter("look;;say hi");
+    EXPECT_NE(h.debugText().find("SendData failed, 14 bytes not sent: look\r\n"), std::string::npos) << h.debugText();
+    EXPECT_EQ(h.logFile() + "|" + h.window(kMainWindow) + "|" + h.history(),
+              "look\r\nsay hi\r\n\r\n|look\r\nsay hi\r\n|look\r\nsay hi\r\n");
+
+    SiteRecord site;
+    site.InitString = "hello#10#there";
+    h.c.parts().bar.Sites = {site};
+    h.c.parts().bar.CB_Connections_Click(0);
+    h.c.parts().session.s_Connect();
+    EXPECT_NE(h.debugText().find("SendData failed, 11 bytes not sent: hello\r\n"), std::string::npos) << h.debugText();
 }

@@ -23,6 +23,11 @@ const std::string ESC = "\x1B";
 
 std::string csi(const std::string& body) { return ESC + "[" + body; }
 
+struct Term : ClientHarness {
+    using ClientHarness::ClientHarness;
+    void print(const std::string& text, int win = kMainWindow) { c.parts().writer.W_Print(text, win); }
+};
+
 }  // namespace
 
 // Negotiation is swallowed and told only in the debug window; telnet's
@@ -50,8 +55,8 @@ TEST(Telnet, NegotiationIsSwallowedOrWaitsWhenCutShort) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
-        ClientHarness h;
-        h.c.parts().writer.W_Print(row.text, kMainWindow);
+        Term h;
+        h.print(row.text);
         EXPECT_EQ(h.window(kMainWindow), row.display);
         EXPECT_EQ(h.debugText(), row.debug);
         EXPECT_EQ(h.state(kMainWindow).Pending, row.pending);
@@ -62,65 +67,57 @@ TEST(Telnet, NegotiationIsSwallowedOrWaitsWhenCutShort) {
 TEST(Telnet, SequenceCutAtEveryPositionIsTheSameAsWhole) {
     const std::string whole = "a" + bytes({255, 251, 1}) + "b" + bytes({255, 249}) + "c" + bytes({255, 255}) +
                               bytes({255, 250, 34}) + "lm" + bytes({255, 240}) + "d" + bytes({255, 254, 3}) + "e";
-    ClientHarness ref;
-    ref.c.parts().writer.W_Print(whole, kMainWindow);
+    Term ref;
+    ref.print(whole);
     ASSERT_EQ(ref.window(kMainWindow), "abc" + bytes({255}) + "de");
     for (std::size_t cut = 0; cut <= whole.size(); ++cut) {
         SCOPED_TRACE(cut);
-        ClientHarness h;
-        h.c.parts().writer.W_Print(whole.substr(0, cut), kMainWindow);
-        h.c.parts().writer.W_Print(whole.substr(cut), kMainWindow);
+        Term h;
+        h.print(whole.substr(0, cut));
+        h.print(whole.substr(cut));
         EXPECT_EQ(h.window(kMainWindow), ref.window(kMainWindow));
         EXPECT_EQ(h.debugText(), ref.debugText());
     }
 }
 
 TEST(Telnet, LinemodeWithoutItsEndIsDroppedPastTheBound) {
-    ClientHarness h;
-    h.c.parts().writer.W_Print(bytes({255, 250, 34}) + std::string(40000, 'p'), kMainWindow);
-    EXPECT_EQ(h.window(kMainWindow), "");
-    h.c.parts().writer.W_Print(std::string(40000, 'p'), kMainWindow);
+    Term h;
+    h.print(bytes({255, 250, 34}) + std::string(40000, 'p'));
+    h.print(std::string(40000, 'p'));
     EXPECT_EQ(h.state(kMainWindow).Pending, "");
     EXPECT_EQ(h.debugText(), "IAC  SB  linemode dropped 80000 bytes of a subnegotiation without its end\r\n");
-    h.c.parts().writer.W_Print("text", kMainWindow);
+    h.print("text");
     EXPECT_EQ(h.window(kMainWindow), "text");
 }
 
+// The answer is logged, kept and echoed like any sent text; the echo's own
+// IAC SB 24 and IAC SE vanish, and NUL "ANSI" NUL stay as text. Asked
+// twice, answered twice, also by a replay in the history view.
 TEST(Telnet, DoTerminalTypeAnswersElevenBytesThroughTheSender) {
-    ClientHarness h;
-    h.c.parts().writer.W_Print("a" + bytes({255, 253, 24}) + "b", kMainWindow);
-
-    ASSERT_EQ(h.fp.socket.writes, std::vector<std::string>{kAnswer});
-    // Logged, kept and echoed like any sent text; the echo's own IAC SB 24
-    // and IAC SE vanish, and NUL "ANSI" NUL stay as text, between a and b.
+    const std::string doTtype = bytes({255, 253, 24}), echo = bytes({0}) + "ANSI" + bytes({0});
+    Term h;
+    h.print("a" + doTtype + "b");
     EXPECT_EQ(h.history(), kAnswer);
-    EXPECT_EQ(h.window(kMainWindow), "a" + bytes({0}) + "ANSI" + bytes({0}) + "b");
     EXPECT_EQ(h.debugText(), "IAC  DO  terminal type \r\nIAC  SB  terminal type  \r\nIAC  EON \r\n");
-
-    // Asked twice, answered twice; no WILL goes ahead of the answer.
-    h.c.parts().writer.W_Print(bytes({255, 253, 24}), kMainWindow);
-    EXPECT_EQ(h.fp.socket.writes, (std::vector<std::string>{kAnswer, kAnswer}));
-
-    // A replay in the history view answers again, echoed to the main window.
-    h.c.parts().writer.W_Print("old" + bytes({255, 253, 24}), kHistT);
-    EXPECT_EQ(h.fp.socket.writes.size(), 3u);
+    h.print(doTtype);
+    h.print("old" + doTtype, kHistT);
+    EXPECT_EQ(h.fp.socket.writes, (std::vector<std::string>{kAnswer, kAnswer, kAnswer}));
     EXPECT_EQ(h.window(kHistT), "old");
-    EXPECT_EQ(h.window(kMainWindow), "a" + bytes({0}) + "ANSI" + bytes({0}) + "b" + bytes({0}) + "ANSI" + bytes({0}) +
-                                         bytes({0}) + "ANSI" + bytes({0}));
+    EXPECT_EQ(h.window(kMainWindow), "a" + echo + "b" + echo + echo);
 
-    ClientHarness off(/*connected=*/false);
-    off.c.parts().writer.W_Print("a" + bytes({255, 253, 24}) + "b", kMainWindow);
+    Term off(/*connected=*/false);
+    off.print("a" + doTtype + "b");
     EXPECT_EQ(off.fp.socket.writes.size() + off.history().size(), 0u);
     EXPECT_EQ(off.window(kMainWindow), "ab");
 }
 
 TEST(Telnet, WontEchoTurnsInkOnForTheWindowBeingWritten) {
-    ClientHarness h;
+    Term h;
     h.state(kMainWindow).Ink = false;
     h.state(kHistT).Ink = false;
-    h.c.parts().writer.W_Print("hidden" + bytes({255, 251, 1}) + "still", kMainWindow);
+    h.print("hidden" + bytes({255, 251, 1}) + "still");
     EXPECT_EQ(h.window(kMainWindow), "") << "WILL echo must change nothing";
-    h.c.parts().writer.W_Print("gone" + bytes({255, 252, 1}) + "shown", kHistT);
+    h.print("gone" + bytes({255, 252, 1}) + "shown", kHistT);
     EXPECT_TRUE(h.state(kHistT).Ink && !h.state(kMainWindow).Ink);
     EXPECT_EQ(h.window(kHistT), "shown");
     EXPECT_EQ(h.debugText(), "IAC  WILL  echo \r\nIAC  WONT  echo \r\n");
@@ -155,10 +152,10 @@ TEST(Ansi, SgrParametersChangeTheWindowState) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.before.substr(1) + " then " + row.seq);
-        ClientHarness h;
-        h.c.parts().writer.W_Print(row.before, kMainWindow);
+        Term h;
+        h.print(row.before);
         ASSERT_EQ(h.debugText(), "");
-        h.c.parts().writer.W_Print(csi(row.seq) + "x" + csi("K"), kMainWindow);
+        h.print(csi(row.seq) + "x" + csi("K"));
         const WindowState& st = h.state(kMainWindow);
         EXPECT_EQ(h.window(kMainWindow), "x");
         EXPECT_EQ(styleAt(h.c.parts().windows.text[kMainWindow], 0).colour, row.shown);
@@ -171,11 +168,10 @@ TEST(Ansi, SgrParametersChangeTheWindowState) {
 }
 
 TEST(Ansi, NewWindowIsBoldUntilTheFirstReset) {
-    ClientHarness h;
-    h.c.parts().writer.W_Print("a" + csi("m") + "b" + csi("0m"), kCustom1);
-    const OutputWindow& w = h.c.parts().windows.text[kCustom1];
-    EXPECT_EQ(styleAt(w, 0).colour, rgb(255, 255, 255));
-    EXPECT_EQ(styleAt(w, 1).colour, rgb(192, 192, 192));
+    Term h;
+    h.print("a" + csi("m") + "b" + csi("0m"), kCustom1);
+    EXPECT_EQ(styleAt(h.c.parts().windows.text[kCustom1], 0).colour, rgb(255, 255, 255));
+    EXPECT_EQ(styleAt(h.c.parts().windows.text[kCustom1], 1).colour, rgb(192, 192, 192));
 }
 
 TEST(Ansi, FinalsOtherThanSgr) {
@@ -187,9 +183,9 @@ TEST(Ansi, FinalsOtherThanSgr) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.seq.substr(1));
-        ClientHarness h;
-        h.c.parts().writer.W_Print("old", kMainWindow);
-        h.c.parts().writer.W_Print("mid" + row.seq + "new", kMainWindow);
+        Term h;
+        h.print("old");
+        h.print("mid" + row.seq + "new");
         EXPECT_EQ(h.window(kMainWindow), row.clears ? "new" : "oldmidnew");
         EXPECT_EQ(h.debugText(), row.supported ? "" : "ANSI not supported " + row.seq + "\r\n");
     }

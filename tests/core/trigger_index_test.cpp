@@ -127,7 +127,7 @@ TriggerRecords randomTable(Random& r, int& nextId) {
 
 TEST(TriggerIndex, FiresWhatAWalkOfEveryRecordFiresOnRandomTablesAndTexts) {
     Random r{std::mt19937(20261123), {}, 4};
-    int compared = 0, fired = 0;
+    int fired = 0;
     std::set<std::pair<std::size_t, std::size_t>> windows;  // length, stride
     for (int round = 0; round < 300; ++round) {
         FakePlatform fp;
@@ -178,11 +178,9 @@ TEST(TriggerIndex, FiresWhatAWalkOfEveryRecordFiresOnRandomTablesAndTexts) {
             ASSERT_EQ(gotError, wantError) << "round " << round << " chunk " << chunk;
             ASSERT_EQ(got, want) << "round " << round << " chunk " << chunk;
             ASSERT_EQ(flags.value, plainFlags.value);
-            ++compared;
         }
         fired += static_cast<int>(got.size());
     }
-    EXPECT_EQ(compared, 6000);
     EXPECT_GT(fired, 10000);  // the tables do fire, often
     windows.erase({0, 1});  // no text of 4 bytes or more
     EXPECT_EQ(windows.size(), 8u);  // every shortest text from 4 to 11 bytes
