@@ -82,7 +82,9 @@ std::unique_ptr<MainForm> MainForm::createOn(std::unique_ptr<QtPlatform> platfor
 void MainForm::listenTo(QtSocket& socket) {
     socket_ = &socket;
     gate_.setAfterHandlers([this] {
-        if (socket_) socket_->readLeftovers();
+        if (!socket_) return;
+        socket_->flushWrites();
+        socket_->readLeftovers();
     });
     connect(&socket, &QtSocket::connected, this, &MainForm::s_Connect);
     connect(&socket, &QtSocket::dataArrival, this, &MainForm::s_DataArrival);
