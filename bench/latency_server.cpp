@@ -7,7 +7,10 @@
 // lines sent in the same write. Prints the figures in milliseconds and
 // closes the connection, which ends the client.
 //
-//   kelpa-latency-server [--probes N] [--warmup N] [--flood-lines N] -- CLIENT [ARGS...]
+// With --samples FILE every time is also written there, one "quiet NS" or
+// "flood NS" a line, so that runs can be pooled.
+//
+//   kelpa-latency-server [--probes N] [--warmup N] [--flood-lines N] [--samples FILE] -- CLIENT [ARGS...]
 #include <arpa/inet.h>
 #include <fcntl.h>
 #include <netinet/in.h>
@@ -130,15 +133,18 @@ void report(const char* name, Figures f) {
 
 int main(int argc, char** argv) {
     int probes = 200, warmup = 20, floodCount = 50;
+    const char* samples = nullptr;
     int i = 1;
     for (; i < argc && std::strcmp(argv[i], "--") != 0; ++i) {
         if (i + 1 >= argc) break;
         if (!std::strcmp(argv[i], "--probes")) probes = std::atoi(argv[++i]);
         else if (!std::strcmp(argv[i], "--warmup")) warmup = std::atoi(argv[++i]);
         else if (!std::strcmp(argv[i], "--flood-lines")) floodCount = std::atoi(argv[++i]);
+        else if (!std::strcmp(argv[i], "--samples")) samples = argv[++i];
     }
     if (i + 1 >= argc) {
-        std::fprintf(stderr, "usage: %s [--probes N] [--warmup N] [--flood-lines N] -- CLIENT [ARGS...]\n", argv[0]);
+        std::fprintf(stderr, "usage: %s [--probes N] [--warmup N] [--flood-lines N] [--samples FILE] -- CLIENT [ARGS...]\n",
+                     argv[0]);
         return 2;
     }
     char** client = argv + i + 1;
@@ -214,6 +220,13 @@ int main(int argc, char** argv) {
     }
     close(fd);
 
+    if (samples) {
+        if (FILE* f = std::fopen(samples, "a")) {
+            for (long long ns : quiet.ns) std::fprintf(f, "quiet %lld\n", ns);
+            for (long long ns : flood.ns) std::fprintf(f, "flood %lld\n", ns);
+            std::fclose(f);
+        }
+    }
     std::printf("probes=%d\nflood_lines=%d\n", probes, floodCount);
     report("quiet", quiet);
     report("flood", flood);
