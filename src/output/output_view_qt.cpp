@@ -6,10 +6,62 @@
 #include <QKeyEvent>
 #include <QPainter>
 #include <QScrollBar>
+#include <QStyle>
+#include <QStyleOptionSlider>
 
 #include "toolkit/widget_kit_qt.h"
 
 namespace kelpa::qt {
+
+namespace {
+
+// Repaints only when what it shows changes. A long text that follows its end
+// changes the range and the value at every line, but the handle stays put at
+// the bottom, and each repaint of it cost up to half a millisecond, which a
+// line from the server could have to wait behind.
+class SteadyScrollBar : public QScrollBar {
+public:
+    using QScrollBar::QScrollBar;
+
+protected:
+    void sliderChange(SliderChange change) override {
+        if (change == SliderOrientationChange) return QScrollBar::sliderChange(change);
+        // A new line sets the range before it moves the value: the look is
+        // compared once they are both done.
+        if (checkPosted_) return;
+        checkPosted_ = true;
+        QMetaObject::invokeMethod(
+            this,
+            [this] {
+                checkPosted_ = false;
+                if (!(look() == shown_)) update();
+            },
+            Qt::QueuedConnection);
+    }
+    void paintEvent(QPaintEvent* e) override {
+        shown_ = look();
+        QScrollBar::paintEvent(e);
+    }
+
+private:
+    // What range, value and steps change: the handle, and the arrows, which
+    // are drawn greyed at either end.
+    struct Look {
+        QRect handle;
+        bool atMinimum = false, atMaximum = false;
+        bool operator==(const Look&) const = default;
+    };
+    Look look() const {
+        QStyleOptionSlider opt;
+        initStyleOption(&opt);
+        return {style()->subControlRect(QStyle::CC_ScrollBar, &opt, QStyle::SC_ScrollBarSlider, this),
+                value() == minimum(), value() == maximum()};
+    }
+    Look shown_;
+    bool checkPosted_ = false;
+};
+
+}  // namespace
 
 OutputView::OutputView(const OutputWindow& model, const WindowInfo& info, QWidget* parent)
     : QAbstractScrollArea(parent), model_(model), background_(qColor(info.background)),
@@ -17,6 +69,7 @@ OutputView::OutputView(const OutputWindow& model, const WindowInfo& info, QWidge
       // control's own colour is black as well.
       plainColour_(Qt::black), font_(monospaceFont(info.pointSize)) {
     setObjectName(QString::fromLatin1(info.controlName));
+    setVerticalScrollBar(new SteadyScrollBar(Qt::Vertical, this));
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     setFocusPolicy(Qt::ClickFocus);

@@ -31,7 +31,8 @@ namespace {
 constexpr int kFrameMs = 17;
 }  // namespace
 
-MainForm::MainForm(Platform& platform, QWidget* parent) : QWidget(parent), client_(platform) {
+MainForm::MainForm(Platform& platform, QWidget* parent)
+    : QWidget(parent), client_(platform), pacer_(kFrameMs) {
     setObjectName(QStringLiteral("MainForm"));
     setWindowTitle(QStringLiteral("Kelpa"));
     setWindowIcon(kelpaIcon());
@@ -52,7 +53,7 @@ MainForm::MainForm(Platform& platform, QWidget* parent) : QWidget(parent), clien
     applyLayout();
 
     refresh_.setSingleShot(true);
-    refresh_.setInterval(kFrameMs);
+    clock_.start();
     connect(&refresh_, &QTimer::timeout, this, &MainForm::syncFromCore);
 
     guarded("Form_Load", [&] { client_.Form_Load(); });
@@ -82,7 +83,9 @@ std::unique_ptr<MainForm> MainForm::createOn(std::unique_ptr<QtPlatform> platfor
 void MainForm::listenTo(QtSocket& socket) {
     socket_ = &socket;
     gate_.setAfterHandlers([this] {
-        if (socket_) socket_->readLeftovers();
+        if (!socket_) return;
+        socket_->flushWrites();
+        socket_->readLeftovers();
     });
     connect(&socket, &QtSocket::connected, this, &MainForm::s_Connect);
     connect(&socket, &QtSocket::dataArrival, this, &MainForm::s_DataArrival);
@@ -124,11 +127,12 @@ bool MainForm::fromOutside(EventGate::Key key, const char* handler, std::functio
 void MainForm::guardedCall(const char* handler, const std::function<void()>& call) { guarded(handler, call); }
 
 void MainForm::scheduleRefresh() {
-    if (!refresh_.isActive()) refresh_.start();
+    if (!refresh_.isActive()) refresh_.start(static_cast<int>(pacer_.delayMs(clock_.elapsed())));
 }
 
 void MainForm::syncFromCore() {
     refresh_.stop();
+    pacer_.synced(clock_.elapsed());
     for (OutputView* v : views_) v->sync();
     syncStatus();
     syncConnectionBar();

@@ -4,6 +4,7 @@
 // all mirrors, so that a flood of text repaints at most once per frame.
 #pragma once
 
+#include <QElapsedTimer>
 #include <QTimer>
 #include <QWidget>
 
@@ -17,6 +18,7 @@
 
 #include "shell/client.h"
 #include "shell/event_gate.h"
+#include "shell/frame_pacer.h"
 #include "shell/form_layout.h"
 #include "status/status_panel_qt.h"
 
@@ -122,6 +124,8 @@ private:
     QtSocket* socket_ = nullptr;
 
     QTimer refresh_;
+    QElapsedTimer clock_;
+    FramePacer pacer_;
     QTimer* as_timer_ = nullptr;
     QTimer* Timer3_ = nullptr;
     QTimer* Queue_ = nullptr;

@@ -14,6 +14,9 @@ QtSocket::QtSocket(QObject* parent) : QObject(parent) {
     // kernel and slows the sender down, instead of piling up in memory.
     socket_.setReadBufferSize(kChunk);
     QObject::connect(&socket_, &QTcpSocket::connected, this, [this] {
+        // Answers and typed lines are a few bytes each: they leave at once,
+        // not when the server has acknowledged the one before.
+        socket_.setSocketOption(QAbstractSocket::LowDelayOption, 1);
         open_ = true;
         emit connected();
     });
@@ -99,7 +102,17 @@ int QtSocket::portNumber(const std::string& text) {
 }
 
 bool QtSocket::sendData(const std::string& bytes) {
-    return socket_.write(bytes.data(), static_cast<qint64>(bytes.size())) == static_cast<qint64>(bytes.size());
+    const bool all =
+        socket_.write(bytes.data(), static_cast<qint64>(bytes.size())) == static_cast<qint64>(bytes.size());
+    writesWait_ = writesWait_ || socket_.bytesToWrite() > 0;
+    return all;
+}
+
+void QtSocket::flushWrites() {
+    if (!writesWait_) return;
+    writesWait_ = false;
+    // What the kernel does not take now goes out as the socket drains.
+    socket_.flush();
 }
 
 void QtSocket::onDisconnected() {

@@ -21,6 +21,10 @@ public:
     int state() const override { return open_ ? kConnected : 0; }
     std::string getData() override;
     bool sendData(const std::string& bytes) override;
+    // Hands what sendData buffered to the kernel now rather than at the
+    // event loop's next turn, which may come after a repaint: called once
+    // a handler is over, so that a chunk's answers leave in one write.
+    void flushWrites();
 
     // The window took a data event but runs it later (a handler is busy):
     // the server's close waits until the bytes have been read.
@@ -61,6 +65,7 @@ private:
     bool closing_ = false;
     bool restPosted_ = false;
     bool dataWaits_ = false;
+    bool writesWait_ = false;
 };
 
 }  // namespace kelpa::qt

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "shell/event_gate.h"
+#include "shell/frame_pacer.h"
 
 namespace kelpa::test {
 namespace {
@@ -57,6 +58,16 @@ TEST(EventGate, AWaitingEventThatOpensABoxLetsTheNextOnesWaitBehindIt) {
     });
     EXPECT_EQ(seen, (std::vector<std::string>{"data opens a box", "box closes", "close", "queue tick", "data again"}));
     EXPECT_FALSE(gate.busy());
+}
+
+// A change after a quiet frame is shown at once; changes within a frame of
+// the last repaint wait for the rest of that frame, never longer.
+TEST(FramePacer, RepaintsAtOnceAfterAQuietFrameAndAtMostOncePerFrame) {
+    FramePacer pacer(17);
+    EXPECT_EQ(pacer.delayMs(5), 0) << "never painted";
+    pacer.synced(100);
+    const std::pair<long long, long long> rows[] = {{100, 17}, {105, 12}, {116, 1}, {117, 0}, {500, 0}, {90, 17}};
+    for (const auto& [now, delay] : rows) EXPECT_EQ(pacer.delayMs(now), delay) << now;
 }
 
 }  // namespace

@@ -134,5 +134,27 @@ TEST(OutputView, AFloodOfChunksRepaintsAtMostOncePerFrame) {
     EXPECT_EQ(t->lineText(t->lineCount() - 2), "chunk 199");
 }
 
+// A long text that follows its end leaves the scroll bar's handle at the
+// bottom: new lines repaint the text but not the bar, until the handle moves.
+TEST(OutputView, TheScrollBarRepaintsOnlyWhenItsHandleMoves) {
+    FormFixture f;
+    Client& c = f.form().client();
+    qt::OutputView* t = f.form().outputWindow(kMainWindow);
+    for (int i = 0; i < 3000; ++i) c.parts().writer.W_Print("line " + std::to_string(i) + "\r\n", kMainWindow);
+    f.form().syncFromCore();
+    QTest::qWait(50);
+    PaintCounter bar, text;
+    t->verticalScrollBar()->installEventFilter(&bar);
+    t->viewport()->installEventFilter(&text);
+    c.parts().writer.W_Print("one more\r\n", kMainWindow);
+    f.form().syncFromCore();
+    QTest::qWait(50);
+    EXPECT_GE(text.paints, 1);
+    EXPECT_EQ(bar.paints, 0);
+    t->verticalScrollBar()->setValue(0);
+    QTest::qWait(50);
+    EXPECT_GE(bar.paints, 1);
+}
+
 }  // namespace
 }  // namespace kelpa::test
