@@ -19,7 +19,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
-#include <sstream>
 #include <string>
 
 namespace {
@@ -45,10 +44,12 @@ int main(int argc, char** argv) {
         if (!std::strcmp(argv[i], "--rate")) bytesPerNs = std::atof(argv[i + 1]) / 1000.0;
         if (!std::strcmp(argv[i], "--lines-out")) linesOut = argv[i + 1];
     }
-    std::ifstream in(argv[1], std::ios::binary);
-    std::stringstream ss;
-    ss << in.rdbuf();
-    const std::string data = ss.str();
+    // Read in one piece: a stream of hundreds of megabytes must be ready
+    // well within the bench's wait for the port, on a busy machine too.
+    std::ifstream in(argv[1], std::ios::binary | std::ios::ate);
+    std::string data(static_cast<std::size_t>(std::max<std::streamoff>(in.tellg(), 0)), '\0');
+    in.seekg(0);
+    in.read(data.data(), static_cast<std::streamsize>(data.size()));
 
     const int lfd = socket(AF_INET, SOCK_STREAM, 0);
     sockaddr_in addr{};
