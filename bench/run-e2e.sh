@@ -20,7 +20,7 @@ floor() {
   wait "$pid" 2>/dev/null || true
 }
 
-value() { sed -n "s/^$1=//p" "$2"; }
+value() { sed -n "s|^$1=||p" "$2"; }
 
 median() { sort -g | awk '{ v[NR] = $1 } END { print (NR % 2) ? v[(NR + 1) / 2] : (v[NR / 2] + v[NR / 2 + 1]) / 2 }'; }
 
