@@ -1,12 +1,26 @@
 // kelpa-floor-client PORT OUT: the floor of the end-to-end bench. A bare Qt
 // client that reads the socket and appends what it reads to a file, and
-// nothing else; it reports bytes, seconds and MB/s when the server closes.
+// nothing else; it reports bytes, seconds, MB/s and the CPU time it took
+// (user and system, from the connection on) when the server closes.
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QTcpSocket>
 
+#include <sys/resource.h>
+
 #include <cstdio>
+
+namespace {
+
+double cpuSeconds() {
+    rusage ru{};
+    getrusage(RUSAGE_SELF, &ru);
+    return static_cast<double>(ru.ru_utime.tv_sec + ru.ru_stime.tv_sec) +
+           static_cast<double>(ru.ru_utime.tv_usec + ru.ru_stime.tv_usec) / 1e6;
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
@@ -19,7 +33,11 @@ int main(int argc, char** argv) {
     QTcpSocket socket;
     QElapsedTimer clock;
     qint64 bytes = 0;
-    QObject::connect(&socket, &QTcpSocket::connected, [&] { clock.start(); });
+    double cpuAtStart = 0;
+    QObject::connect(&socket, &QTcpSocket::connected, [&] {
+        clock.start();
+        cpuAtStart = cpuSeconds();
+    });
     QObject::connect(&socket, &QTcpSocket::readyRead, [&] {
         const QByteArray b = socket.readAll();
         bytes += b.size();
@@ -31,7 +49,9 @@ int main(int argc, char** argv) {
         out.write(b);
         out.flush();
         const double s = clock.nsecsElapsed() / 1e9;
-        std::printf("floor: bytes=%lld seconds=%.3f MB/s=%.1f\n", bytes, s, bytes / 1e6 / s);
+        const double cpu = cpuSeconds() - cpuAtStart;
+        std::printf("floor: bytes=%lld seconds=%.3f cpu_ns_per_byte=%.2f MB/s=%.1f\n", bytes, s, cpu * 1e9 / bytes,
+                    bytes / 1e6 / s);
         app.quit();
     });
     socket.connectToHost(QStringLiteral("127.0.0.1"), static_cast<quint16>(std::atoi(argv[1])));

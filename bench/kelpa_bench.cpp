@@ -4,7 +4,7 @@
 // would feel: the rate, the peak memory, the longest stall of the event
 // loop, the repaints, and whether every counted piece arrived.
 //
-//   kelpa-bench STREAM [--typing SECONDS] [--server PATH] [--triggers N]
+//   kelpa-bench STREAM [--typing SECONDS] [--rate MBPS] [--server PATH] [--triggers N]
 //
 // STREAM comes from kelpa-streamgen, with STREAM.counts beside it. With
 // --typing the server repeats the stream for SECONDS while a line is typed
@@ -48,6 +48,19 @@ namespace {
 void perfControl(const char* command) {
     static const char* fd = std::getenv("KELPA_PERF_CTL_FD");
     if (fd && write(std::atoi(fd), command, std::strlen(command)) < 0) std::perror("perf control");
+}
+
+double cpuSeconds() {
+    rusage ru{};
+    getrusage(RUSAGE_SELF, &ru);
+    return static_cast<double>(ru.ru_utime.tv_sec + ru.ru_stime.tv_sec) +
+           static_cast<double>(ru.ru_utime.tv_usec + ru.ru_stime.tv_usec) / 1e6;
+}
+
+long long threadCpuNs() {
+    timespec ts;
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &ts);
+    return ts.tv_sec * 1000000000LL + ts.tv_nsec;
 }
 
 long long nowNs() {
@@ -114,15 +127,18 @@ void writeTriggers(const QString& folder, int n) {
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
     if (argc < 2) {
-        std::fprintf(stderr, "usage: %s STREAM [--typing SECONDS] [--server PATH]\n", argv[0]);
+        std::fprintf(stderr, "usage: %s STREAM [--typing SECONDS] [--rate MBPS] [--server PATH] [--triggers N]\n",
+                     argv[0]);
         return 2;
     }
     const std::string stream = argv[1];
     double typingSeconds = 0;
+    QString rate;
     int triggers = 0;
     QString serverPath = QCoreApplication::applicationDirPath() + "/kelpa-stream-server";
     for (int i = 2; i + 1 < argc; i += 2) {
         if (!std::strcmp(argv[i], "--typing")) typingSeconds = std::atof(argv[i + 1]);
+        if (!std::strcmp(argv[i], "--rate")) rate = QString::fromLatin1(argv[i + 1]);
         if (!std::strcmp(argv[i], "--server")) serverPath = QString::fromLocal8Bit(argv[i + 1]);
         if (!std::strcmp(argv[i], "--triggers")) triggers = std::atoi(argv[i + 1]);
     }
@@ -138,9 +154,10 @@ int main(int argc, char** argv) {
     QStringList serverArgs{QString::fromStdString(stream)};
     if (typingSeconds > 0)
         serverArgs << "--repeat-seconds" << QString::number(typingSeconds) << "--lines-out" << linesOut;
+    if (!rate.isEmpty()) serverArgs << "--rate" << rate;
     server.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     server.start(serverPath, serverArgs);
-    if (!server.waitForReadyRead(5000)) {
+    if (!server.waitForReadyRead(30000)) {
         std::fprintf(stderr, "the server did not start\n");
         return 1;
     }
@@ -162,15 +179,23 @@ int main(int argc, char** argv) {
     form->outputWindow(kMainWindow)->viewport()->installEventFilter(&painted);
 
     // The probe: a 1 ms timer; a late tick is a stall of the event loop.
-    long long lastTick = 0, longestStall = 0;
+    // The CPU time the thread used between two ticks is the part of a stall
+    // that is the program's own work, not the time other processes on a
+    // busy machine held the processor.
+    long long lastTick = 0, longestStall = 0, lastCpu = 0, longestBusy = 0;
     bool flooding = false;
     QTimer probe;
     probe.setTimerType(Qt::PreciseTimer);
     probe.setInterval(1);
     QObject::connect(&probe, &QTimer::timeout, [&] {
         const long long t = nowNs();
-        if (flooding && lastTick) longestStall = std::max(longestStall, t - lastTick);
+        const long long cpu = threadCpuNs();
+        if (flooding && lastTick) {
+            longestStall = std::max(longestStall, t - lastTick);
+            longestBusy = std::max(longestBusy, cpu - lastCpu);
+        }
         lastTick = t;
+        lastCpu = cpu;
     });
     probe.start();
 
@@ -188,10 +213,12 @@ int main(int argc, char** argv) {
     });
 
     long long t0 = 0, t1 = 0, paintsAtStart = 0;
+    double cpu0 = 0, cpu1 = 0;
     std::uint64_t panelAtStart = 0;
     qt::QtSocket& socket = form->qtPlatform()->socket;
     QObject::connect(&socket, &qt::QtSocket::connected, [&] {
         t0 = nowNs();
+        cpu0 = cpuSeconds();
         perfControl("enable\n");
         flooding = true;
         lastTick = 0;
@@ -205,6 +232,7 @@ int main(int argc, char** argv) {
         form->syncFromCore();
         form->outputWindow(kMainWindow)->viewport()->repaint();
         t1 = nowNs();
+        cpu1 = cpuSeconds();
         perfControl("disable\n");
         flooding = false;
         QTimer::singleShot(0, &app, &QCoreApplication::quit);
@@ -257,12 +285,15 @@ int main(int argc, char** argv) {
     std::printf("mode=%s\ntriggers=%d\n", repeated ? "typing" : "flood", triggers);
     if (triggers > 0) std::printf("fired=%s\n", client.parts().variables.S_ExpandVars("%HITS").c_str());
     std::printf("bytes=%lld\nseconds=%.3f\nMB/s=%.1f\n", received, seconds, received / 1e6 / seconds);
+    // The program's own CPU time a byte (user and system): a figure that
+    // other work on the machine disturbs less than the rate.
+    std::printf("cpu_ns_per_byte=%.2f\n", (cpu1 - cpu0) * 1e9 / static_cast<double>(received));
     // The history's file is memory too, held by the kernel for the program.
     const double historyFileMB = static_cast<double>(form->qtPlatform()->history.bytes()) / 1048576.0;
     std::printf("peak_rss_MB=%.1f\nhistory_file_MB=%.1f\n", ru.ru_maxrss / 1024.0, historyFileMB);
     std::printf("peak_memory_MB=%.1f\n", ru.ru_maxrss / 1024.0 + historyFileMB);
     std::printf("memory_limit_MB=%.1f\n", 60 + 1.5 * received / 1048576.0);
-    std::printf("longest_stall_ms=%.2f\n", longestStall / 1e6);
+    std::printf("longest_stall_ms=%.2f\nlongest_busy_stall_ms=%.2f\n", longestStall / 1e6, longestBusy / 1e6);
     std::printf("repaints=%lld\nrepaints_per_s=%.1f\n", paints, paints / seconds);
     std::printf("repaints_within_2ms=%lld\n", painted.close);
     const double panelPaints = static_cast<double>(form->statusPanel().repaints - panelAtStart);

@@ -1,8 +1,9 @@
-// kelpa-stream-server FILE [--repeat-seconds S] [--lines-out OUT]: the
-// sending side of the end-to-end benches, in a process of its own. Listens
-// on a free loopback port (printed as "PORT n"), takes one connection,
-// writes FILE as fast as the socket takes it (again and again for S
-// seconds, if given), then closes. Lines received meanwhile that read
+// kelpa-stream-server FILE [--repeat-seconds S] [--lines-out OUT] [--rate MBPS]:
+// the sending side of the end-to-end benches, in a process of its own.
+// Listens on a free loopback port (printed as "PORT n"), takes one
+// connection, writes FILE as fast as the socket takes it, or at MBPS
+// (10^6 bytes a second) with --rate (again and again for S seconds, if
+// given), then closes. Lines received meanwhile that read
 // "t<n> <monotonic ns>" are written to OUT with their delay.
 #include <arpa/inet.h>
 #include <fcntl.h>
@@ -12,12 +13,12 @@
 #include <time.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
-#include <sstream>
 #include <string>
 
 namespace {
@@ -32,19 +33,23 @@ long long nowNs() {
 
 int main(int argc, char** argv) {
     if (argc < 2) {
-        std::fprintf(stderr, "usage: %s FILE [--repeat-seconds S] [--lines-out OUT]\n", argv[0]);
+        std::fprintf(stderr, "usage: %s FILE [--repeat-seconds S] [--lines-out OUT] [--rate MBPS]\n", argv[0]);
         return 2;
     }
     double repeatSeconds = 0;
     const char* linesOut = nullptr;
+    double bytesPerNs = 0;  // 0: as fast as the socket takes it
     for (int i = 2; i + 1 < argc; i += 2) {
         if (!std::strcmp(argv[i], "--repeat-seconds")) repeatSeconds = std::atof(argv[i + 1]);
+        if (!std::strcmp(argv[i], "--rate")) bytesPerNs = std::atof(argv[i + 1]) / 1000.0;
         if (!std::strcmp(argv[i], "--lines-out")) linesOut = argv[i + 1];
     }
-    std::ifstream in(argv[1], std::ios::binary);
-    std::stringstream ss;
-    ss << in.rdbuf();
-    const std::string data = ss.str();
+    // Read in one piece: a stream of hundreds of megabytes must be ready
+    // well within the bench's wait for the port, on a busy machine too.
+    std::ifstream in(argv[1], std::ios::binary | std::ios::ate);
+    std::string data(static_cast<std::size_t>(std::max<std::streamoff>(in.tellg(), 0)), '\0');
+    in.seekg(0);
+    in.read(data.data(), static_cast<std::streamsize>(data.size()));
 
     const int lfd = socket(AF_INET, SOCK_STREAM, 0);
     sockaddr_in addr{};
@@ -85,8 +90,15 @@ int main(int argc, char** argv) {
         }
     };
     while (more) {
-        pollfd p{fd, POLLIN | POLLOUT, 0};
-        if (poll(&p, 1, 1000) < 0 && errno != EINTR) break;
+        // Paced: write what the rate allows by now, in pieces of at most
+        // 16 KB, and otherwise wait a millisecond for the clock.
+        std::size_t allowed = data.size() - pos;
+        if (bytesPerNs > 0) {
+            const double due = bytesPerNs * static_cast<double>(nowNs() - start) - static_cast<double>(sent);
+            allowed = std::min(allowed, due > 0 ? std::min<std::size_t>(static_cast<std::size_t>(due), 16384) : 0);
+        }
+        pollfd p{fd, static_cast<short>(allowed > 0 ? POLLIN | POLLOUT : POLLIN), 0};
+        if (poll(&p, 1, allowed > 0 ? 1000 : 1) < 0 && errno != EINTR) break;
         if (p.revents & POLLIN) {
             char buf[4096];
             const ssize_t n = read(fd, buf, sizeof buf);
@@ -94,7 +106,7 @@ int main(int argc, char** argv) {
             if (n > 0) take(buf, n);
         }
         if (p.revents & POLLOUT) {
-            const ssize_t n = write(fd, data.data() + pos, data.size() - pos);
+            const ssize_t n = write(fd, data.data() + pos, allowed);
             if (n < 0 && errno != EAGAIN && errno != EINTR) break;
             if (n > 0) {
                 pos += static_cast<std::size_t>(n);

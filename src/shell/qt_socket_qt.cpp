@@ -2,7 +2,11 @@
 
 #include <QTimer>
 
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+
 #include <algorithm>
+#include <cerrno>
 
 #include "common/numbers.h"
 #include "common/text.h"
@@ -10,9 +14,10 @@
 namespace kelpa::qt {
 
 QtSocket::QtSocket(QObject* parent) : QObject(parent) {
-    // Qt reads no further ahead than one chunk: a flood then waits in the
-    // kernel and slows the sender down, instead of piling up in memory.
-    socket_.setReadBufferSize(kChunk);
+    // Qt reads little ahead: a flood waits in the kernel and slows the
+    // sender down instead of piling up in memory, and reaches the core
+    // with one copy.
+    socket_.setReadBufferSize(kQtBuffer);
     QObject::connect(&socket_, &QTcpSocket::connected, this, [this] {
         // Answers and typed lines are a few bytes each: they leave at once,
         // not when the server has acknowledged the one before.
@@ -51,15 +56,36 @@ void QtSocket::close() {
 
 std::string QtSocket::getData() {
     // At most one chunk per event: a flood then leaves the event loop
-    // turning between chunks, and the chunks reuse memory instead of
-    // taking megabytes of fresh pages at a time. The rest comes with a
-    // posted event of its own.
+    // turning between chunks. What Qt holds comes first, then what waits
+    // in the kernel. Bytes left in Qt's buffer come with a posted event of
+    // their own; bytes left in the kernel keep the descriptor readable, so
+    // Qt signals them again.
     dataWaits_ = false;
     std::string data(static_cast<std::size_t>(std::min(socket_.bytesAvailable(), kChunk)), '\0');
     const qint64 n = socket_.read(data.data(), static_cast<qint64>(data.size()));
     data.resize(n > 0 ? static_cast<std::size_t>(n) : 0);
+    if (socket_.bytesAvailable() == 0) readWaiting(data);
     if (socket_.bytesAvailable() > 0 || closing_) postRest();
     return data;
+}
+
+void QtSocket::readWaiting(std::string& data) {
+    // Only on a live connection: once Qt has seen the end, the descriptor
+    // is gone and its last bytes are in Qt's buffer.
+    if (socket_.state() != QAbstractSocket::ConnectedState) return;
+    const auto fd = static_cast<int>(socket_.socketDescriptor());
+    int waiting = 0;
+    if (fd < 0 || ::ioctl(fd, FIONREAD, &waiting) != 0 || waiting <= 0) return;
+    const std::size_t have = data.size();
+    const std::size_t want = std::min(static_cast<std::size_t>(waiting), static_cast<std::size_t>(kChunk) - have);
+    if (want == 0) return;
+    data.resize(have + want);
+    ssize_t n;
+    do n = ::recv(fd, data.data() + have, want, MSG_DONTWAIT);
+    while (n < 0 && errno == EINTR);
+    // The end of the stream and errors are left for Qt to find on its
+    // next read of the descriptor, after these bytes.
+    data.resize(have + (n > 0 ? static_cast<std::size_t>(n) : 0));
 }
 
 void QtSocket::postRest() {

@@ -12,8 +12,14 @@ namespace kelpa::qt {
 class QtSocket : public QObject, public Socket {
     Q_OBJECT
 public:
-    // The most one data event hands to the core.
-    static constexpr qint64 kChunk = 64 * 1024;
+    // The most one data event hands to the core: large enough that a flood
+    // costs few turns of the event loop, small enough that the road's
+    // passes over it stay in the cache and one turn within a millisecond
+    // or two.
+    static constexpr qint64 kChunk = 256 * 1024;
+    // What Qt itself reads ahead. The rest waits in the kernel and is read
+    // straight into the chunk, without passing through Qt's buffer.
+    static constexpr qint64 kQtBuffer = 4 * 1024;
     explicit QtSocket(QObject* parent = nullptr);
 
     void connect(const std::string& host, const std::string& port) override;
@@ -54,6 +60,8 @@ private:
     void onError(QAbstractSocket::SocketError error);
     void fail(int number, const QString& description);
     void postRest();
+    // Appends to data what waits in the kernel, up to the chunk's size.
+    void readWaiting(std::string& data);
     void finishClose();
 
     QTcpSocket socket_;
