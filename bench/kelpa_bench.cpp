@@ -115,11 +115,14 @@ std::string triggerPattern(int i) {
     const std::string head = std::string(kWords[k % 32]) + " " + kWords[(k / 32 + 7 * k + 1) % 32] + " ";
     const std::string third = kWords[(3 * k + 5) % 32];
     if (i % 20 == 0) return head + third;
+    // The (i % 20)-th of the letters that begin no word after the stem,
+    // capitals last, so that the near misses of a phrase are all different.
     const std::string stem = third.substr(0, third.size() - 1);
-    for (int j = 0;; ++j) {
-        const std::string miss = stem + static_cast<char>('a' + (i % 20 + j) % 26);
-        if (!startsAWord(miss)) return head + miss;
-    }
+    int left = i % 20;
+    for (const char* letters : {"abcdefghijklmnopqrstuvwxyz", "ABCDEFGHIJKLMNOPQRSTUVWXYZ"})
+        for (const char* c = letters; *c; ++c)
+            if (!startsAWord(stem + *c) && --left == 0) return head + stem + *c;
+    return head + stem + "?";
 }
 
 void writeTriggers(const QString& folder, int n) {
