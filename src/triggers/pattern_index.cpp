@@ -139,6 +139,7 @@ void PatternIndex::buildFilter(const std::vector<std::string>& texts, unsigned f
     buckets_.clear();
     places_.clear();
     textSlots_.clear();
+    textFilter_.clear();
     textBytes_.clear();
     textBegin_.assign(1, 0);
     std::size_t shortest = std::numeric_limits<std::size_t>::max();
@@ -205,6 +206,9 @@ void PatternIndex::buildFilter(const std::vector<std::string>& texts, unsigned f
         buckets_[i] = {key, static_cast<std::uint32_t>(k), static_cast<std::uint32_t>(end)};
         k = end;
     }
+    // Four texts a word: about eight bits of 64 set, so a place where no
+    // text stands passes about one time in 60.
+    textFilter_.assign(std::size_t{1} << std::min(kMaxWordBits, log2Ceil(longTexts / 4)), 0);
     const unsigned textBits = std::max(1u, log2Ceil(longTexts + longTexts / 2));
     textShift_ = 64 - textBits;
     textSlots_.assign(std::size_t{1} << textBits, TextSlot{});
@@ -215,7 +219,9 @@ void PatternIndex::buildFilter(const std::vector<std::string>& texts, unsigned f
         const auto* data = reinterpret_cast<const unsigned char*>(t.data());
         TextSlot slot{headOf(data, t.size()), tailOf(data, t.size()), textBegin_[id],
                       static_cast<std::uint32_t>(t.size()), static_cast<std::int32_t>(id)};
-        std::size_t i = textHash(slot.head, slot.tail, slot.length) >> textShift_;
+        const std::uint64_t h = textHash(slot.head, slot.tail, slot.length);
+        textFilter_[filterWord(h, textFilter_.size() - 1)] |= filterBits(h);
+        std::size_t i = h >> textShift_;
         while (textSlots_[i].length != 0) i = (i + 1) & textMask;
         textSlots_[i] = slot;
     }
@@ -414,7 +420,9 @@ void PatternIndex::verify(const unsigned char* text, std::size_t size, std::size
         if (place.offset > at || place.length > size - (at - place.offset)) continue;
         const std::size_t start = at - place.offset;
         const std::uint64_t head = headOf(text + start, place.length), tail = tailOf(text + start, place.length);
-        for (std::size_t i = textHash(head, tail, place.length) >> textShift_; textSlots_[i].length != 0;
+        const std::uint64_t h = textHash(head, tail, place.length);
+        if (!filterPasses(textFilter_[filterWord(h, textFilter_.size() - 1)], h)) continue;
+        for (std::size_t i = h >> textShift_; textSlots_[i].length != 0;
              i = (i + 1) & textMask) {
             const TextSlot& t = textSlots_[i];
             if (t.head != head || t.tail != tail || t.length != place.length) continue;

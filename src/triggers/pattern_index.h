@@ -130,6 +130,8 @@ private:
     // in a second open table, by its first and last 8 bytes and length:
     // texts that share a window (near misses of one another, or phrases
     // with the same end) cost one lookup a place, not one comparison each.
+    // A bitset of the texts' hashes, small enough to stay in the first-level
+    // cache, turns away most places before the table is read.
     struct Place {
         std::uint32_t offset;  // of the window in the text
         std::uint32_t length;
@@ -151,6 +153,7 @@ private:
     unsigned bucketShift_ = 64;
     std::vector<Bucket> buckets_;
     std::vector<Place> places_;
+    std::vector<std::uint64_t> textFilter_;
     unsigned textShift_ = 64;
     std::vector<TextSlot> textSlots_;
     std::vector<std::uint32_t> textBegin_;   // per text id, into textBytes_
