@@ -10,8 +10,9 @@
 // --typing the server repeats the stream for SECONDS while a line is typed
 // into the command line every 100 ms; the delays until the server has each
 // line are reported. With --triggers the program folder gets N trigger
-// files: one in twenty a three-word phrase of the stream's words (about 2%
-// of lines fire), the others near misses that share its first two words.
+// files: one in twenty a three-word phrase of the stream's words, the others
+// near misses that differ from it in the last letter only. A flood also
+// checks that the day log holds the whole stream, byte for byte.
 #include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
@@ -33,6 +34,7 @@
 #include <fstream>
 #include <map>
 #include <sstream>
+#include <string_view>
 #include <vector>
 
 #include "output/output_view_qt.h"
@@ -109,19 +111,76 @@ const char* const kWords[] = {"the",   "dragon", "sword", "gleams", "north", "yo
                               "glowing", "runes", "guard", "shouts", "gold",  "coins", "lie",    "on",
                               "floor", "tavern", "keeper", "smiles", "warmly", "east",  "west",   "stairs"};
 
+// Whether a text can stand where a word of the stream begins: a whole word
+// or the start of one (the last word of a line is cut at the line's width).
+bool startsAWord(const std::string& s) {
+    for (const char* w : kWords)
+        if (std::string_view(w).starts_with(s)) return true;
+    return false;
+}
+
+// Trigger i: in each block of twenty, the first a three-word phrase of the
+// stream, the others the same phrase with the last letter changed so that
+// it begins no word: such a text never occurs, yet it shares all but its
+// last byte with one that does.
+std::string triggerPattern(int i) {
+    const int k = i / 20;
+    const std::string head = std::string(kWords[k % 32]) + " " + kWords[(k / 32 + 7 * k + 1) % 32] + " ";
+    const std::string third = kWords[(3 * k + 5) % 32];
+    if (i % 20 == 0) return head + third;
+    // The (i % 20)-th of the letters that begin no word after the stem,
+    // capitals last, so that the near misses of a phrase are all different.
+    const std::string stem = third.substr(0, third.size() - 1);
+    int left = i % 20;
+    for (const char* letters : {"abcdefghijklmnopqrstuvwxyz", "ABCDEFGHIJKLMNOPQRSTUVWXYZ"})
+        for (const char* c = letters; *c; ++c)
+            if (!startsAWord(stem + *c) && --left == 0) return head + stem + *c;
+    return head + stem + "?";
+}
+
 void writeTriggers(const QString& folder, int n) {
     QDir(folder).mkpath(QStringLiteral("triggers"));
     for (int i = 0; i < n; ++i) {
-        const int k = i / 20;
-        std::string pattern = std::string(kWords[k % 32]) + " " + kWords[(k / 32 + 7 * k + 1) % 32] + " ";
-        const std::string third = kWords[(3 * k + 5) % 32];
-        pattern += i % 20 == 0 ? third : third.substr(0, third.size() - 1) + static_cast<char>('a' + i % 20);
         QFile f(folder + QStringLiteral("/triggers/t%1.trigger").arg(i, 5, 10, QLatin1Char('0')));
         f.open(QIODevice::WriteOnly);
-        f.write(QByteArray::fromStdString("pattern1=" + pattern + "\r\naction=#math hits + %hits 1\r\n"));
+        f.write(QByteArray::fromStdString("pattern1=" + triggerPattern(i) + "\r\naction=#math hits + %hits 1\r\n"));
     }
 }
 
+std::string readFile(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::stringstream ss;
+    ss << in.rdbuf();
+    return ss.str();
+}
+
+// The day log is every write followed by CR LF: the received chunks, as the
+// stream cut them, and the texts sent (here only the terminal type answer,
+// which goes out while its chunk is shown, so ahead of that chunk). Walks
+// the log against the stream; returns the offset in the log of the first
+// byte that is neither the stream's next byte, nor a write's CR LF, nor a
+// sent answer, or -1 when the whole stream is there and nothing else.
+long long logMismatch(const std::string& log, const std::string& stream, const std::string& answer,
+                      long long& chunkEnds) {
+    std::size_t l = 0, s = 0;
+    chunkEnds = 0;
+    const std::string answered = answer + "\r\n";
+    auto at = [](const std::string& text, std::size_t p, std::string_view what) {
+        return text.compare(p, what.size(), what) == 0;
+    };
+    while (l < log.size()) {
+        if (s < stream.size() && log[l] == stream[s] && !(at(log, l, answered) && !at(stream, s, answer))) {
+            ++l, ++s;
+        } else if (at(log, l, "\r\n")) {
+            l += 2, ++chunkEnds;
+        } else if (at(log, l, answered)) {
+            l += answered.size();
+        } else {
+            return static_cast<long long>(l);
+        }
+    }
+    return s == stream.size() ? -1 : static_cast<long long>(l);
+}
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -265,14 +324,8 @@ int main(int argc, char** argv) {
     const std::string history = client.parts().history.text();
     const std::string answer("\xFF\xFA\x18\x00" "ANSI" "\x00\xFF\xF0", 11);
     const long long answers = countOf(history, answer);
-    std::string log;
-    {
-        std::ifstream in(folder.filePath(QString::fromStdString(client.parts().log.currentPath())).toStdString(),
-                         std::ios::binary);
-        std::stringstream ss;
-        ss << in.rdbuf();
-        log = ss.str();
-    }
+    const std::string log =
+        readFile(folder.filePath(QString::fromStdString(client.parts().log.currentPath())).toStdString());
     const long long received =
         static_cast<long long>(history.size()) - typedBytes - answers * static_cast<long long>(answer.size());
     // Status frames leave the stream before the history.
@@ -309,7 +362,25 @@ int main(int argc, char** argv) {
                     counts.at("line_ends"));
         std::printf("log: ESC %lld of %lld\n", countOf(log, "\x1b"), counts.at("sgr"));
         std::printf("counts_match=%s\n", ok ? "yes" : "NO");
-        return ok ? 0 : 3;
+        // What the log should hold: the stream without its status frames.
+        std::string sent = readFile(stream);
+        std::string text;
+        text.reserve(sent.size());
+        for (std::size_t p = 0; p < sent.size(); ++p) {
+            if (sent[p] == '\x18') {
+                const std::size_t end = sent.find('\x1A', p);
+                if (end != std::string::npos) {
+                    p = end;
+                    continue;
+                }
+            }
+            text += sent[p];
+        }
+        long long chunkEnds = 0;
+        const long long bad = logMismatch(log, text, answer, chunkEnds);
+        std::printf("log_chunks=%lld\nlog_holds_stream=%s\n", chunkEnds, bad < 0 ? "yes" : "NO");
+        if (bad >= 0) std::printf("log_first_mismatch=%lld\n", bad);
+        return ok && bad < 0 ? 0 : 3;
     }
     std::vector<long long> delays;
     std::ifstream lines(linesOut.toStdString());

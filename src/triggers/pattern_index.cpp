@@ -4,6 +4,7 @@
 #include <bit>
 #include <cstring>
 #include <limits>
+#include <tuple>
 #include <unordered_map>
 
 namespace kelpa {
@@ -42,6 +43,22 @@ bool filterPasses(std::uint64_t word, std::uint64_t h) {
 std::uint64_t filterBits(std::uint64_t h) {
     return std::uint64_t{1} << (h >> (64 - kMaxWordBits - 6) & 63) |
            std::uint64_t{1} << (h >> (64 - kMaxWordBits - 12) & 63);
+}
+
+// The first and the last bytes of a text, up to 8 each, as words, and a
+// hash of both with the length: enough to tell apart texts that share a
+// window, without reading the whole text.
+std::uint64_t headOf(const unsigned char* text, std::size_t length) {
+    if (length >= 8) return load64(text);
+    unsigned char bytes[8] = {};
+    std::memcpy(bytes, text, length);
+    return load64(bytes);
+}
+std::uint64_t tailOf(const unsigned char* text, std::size_t length) {
+    return length >= 8 ? load64(text + length - 8) : headOf(text, length);
+}
+std::uint64_t textHash(std::uint64_t head, std::uint64_t tail, std::size_t length) {
+    return ((head * kMultiplier) ^ tail ^ length) * 0xC2B2AE3D27D4EB4Fu;
 }
 
 unsigned log2Ceil(std::size_t n) { return n <= 1 ? 0u : static_cast<unsigned>(std::bit_width(n - 1)); }
@@ -119,7 +136,10 @@ void PatternIndex::buildFilter(const std::vector<std::string>& texts, unsigned f
     keyLen_ = 0;
     stride_ = 1;
     filter_.clear();
-    slots_.clear();
+    buckets_.clear();
+    places_.clear();
+    textSlots_.clear();
+    textFilter_.clear();
     textBytes_.clear();
     textBegin_.assign(1, 0);
     std::size_t shortest = std::numeric_limits<std::size_t>::max();
@@ -139,37 +159,71 @@ void PatternIndex::buildFilter(const std::vector<std::string>& texts, unsigned f
     unsigned char bytes[8] = {};
     std::memset(bytes, 0xff, keyLen_);
     keyMask_ = load64(bytes);
+    std::vector<std::pair<std::uint64_t, Place>> keyed;
+    std::size_t longTexts = 0;
+    for (const std::string& t : texts) {
+        if (t.size() < kLongText) continue;
+        ++longTexts;
+        for (std::size_t j = 0; j < stride_; ++j) {
+            const auto offset = static_cast<std::uint32_t>(t.size() - keyLen_ - j);
+            unsigned char window[8] = {};
+            std::memcpy(window, t.data() + offset, keyLen_);
+            keyed.push_back({load64(window), {offset, static_cast<std::uint32_t>(t.size())}});
+        }
+    }
+    std::sort(keyed.begin(), keyed.end(), [](const auto& a, const auto& b) {
+        return std::tie(a.first, a.second.offset, a.second.length) < std::tie(b.first, b.second.offset, b.second.length);
+    });
+    keyed.erase(std::unique(keyed.begin(), keyed.end(),
+                            [](const auto& a, const auto& b) {
+                                return a.first == b.first && a.second.offset == b.second.offset &&
+                                       a.second.length == b.second.length;
+                            }),
+                keyed.end());
+    places_.reserve(keyed.size());
+    for (const auto& k : keyed) places_.push_back(k.second);
     std::size_t keys = 0;
-    for (const std::string& t : texts) keys += t.size() >= kLongText ? stride_ : 0;
+    for (std::size_t k = 0; k < keyed.size(); ++k) keys += k == 0 || keyed[k].first != keyed[k - 1].first;
+
     // One or two keys a word, so about four bits of 64 set: a window that
     // is no key passes about one time in 250.
     const unsigned wordBits =
         std::clamp(filterWordsLog2 ? filterWordsLog2 : log2Ceil(keys / 2), filterWordsLog2 ? 1u : 4u, kMaxWordBits);
     filter_.assign(std::size_t{1} << wordBits, 0);
-    // A table at most two thirds full; a key's entries lie along its probe.
-    const unsigned slotBits = std::max(1u, log2Ceil(keys + keys / 2));
-    slotShift_ = 64 - slotBits;
-    slots_.assign(std::size_t{1} << slotBits, Slot{});
-    const std::size_t slotMask = slots_.size() - 1;
+    // Both tables at most two thirds full.
+    const unsigned bucketBits = std::max(1u, log2Ceil(keys + keys / 2));
+    bucketShift_ = 64 - bucketBits;
+    buckets_.assign(std::size_t{1} << bucketBits, Bucket{});
+    const std::size_t bucketMask = buckets_.size() - 1;
+    for (std::size_t k = 0; k < keyed.size();) {
+        const std::uint64_t key = keyed[k].first;
+        std::size_t end = k + 1;
+        while (end < keyed.size() && keyed[end].first == key) ++end;
+        const std::uint64_t h = key * kMultiplier;
+        filter_[filterWord(h, filter_.size() - 1)] |= filterBits(h);
+        std::size_t i = h >> bucketShift_;
+        while (buckets_[i].end != 0) i = (i + 1) & bucketMask;
+        buckets_[i] = {key, static_cast<std::uint32_t>(k), static_cast<std::uint32_t>(end)};
+        k = end;
+    }
+    // Four texts a word: about eight bits of 64 set, so a place where no
+    // text stands passes about one time in 60.
+    textFilter_.assign(std::size_t{1} << std::min(kMaxWordBits, log2Ceil(longTexts / 4)), 0);
+    const unsigned textBits = std::max(1u, log2Ceil(longTexts + longTexts / 2));
+    textShift_ = 64 - textBits;
+    textSlots_.assign(std::size_t{1} << textBits, TextSlot{});
+    const std::size_t textMask = textSlots_.size() - 1;
     for (std::size_t id = 0; id < texts.size(); ++id) {
         const std::string& t = texts[id];
         if (t.size() < kLongText) continue;
-        Slot entry;
-        entry.text = static_cast<std::int32_t>(id);
-        entry.begin = textBegin_[id];
-        entry.length = static_cast<std::uint32_t>(t.size());
-        if (t.size() >= 8) entry.last8 = load64(reinterpret_cast<const unsigned char*>(t.data() + t.size() - 8));
-        for (std::size_t j = 0; j < stride_; ++j) {
-            entry.offset = static_cast<std::uint32_t>(t.size() - keyLen_ - j);
-            unsigned char window[8] = {};
-            std::memcpy(window, t.data() + entry.offset, keyLen_);
-            entry.key = load64(window);
-            const std::uint64_t h = entry.key * kMultiplier;
-            filter_[filterWord(h, filter_.size() - 1)] |= filterBits(h);
-            std::size_t i = h >> slotShift_;
-            while (slots_[i].length != 0) i = (i + 1) & slotMask;
-            slots_[i] = entry;
-        }
+        const auto* data = reinterpret_cast<const unsigned char*>(t.data());
+        TextSlot slot{headOf(data, t.size()), tailOf(data, t.size()), textBegin_[id],
+                      static_cast<std::uint32_t>(t.size()), static_cast<std::int32_t>(id)};
+        const std::uint64_t h = textHash(slot.head, slot.tail, slot.length);
+        textFilter_[filterWord(h, textFilter_.size() - 1)] |= filterBits(h);
+        std::size_t i = h >> textShift_;
+        while (textSlots_[i].length != 0) i = (i + 1) & textMask;
+        textSlots_[i] = slot;
     }
 }
 
@@ -351,15 +405,32 @@ void PatternIndex::scanLong(std::string_view text, Report&& report) {
 template <class Report>
 void PatternIndex::verify(const unsigned char* text, std::size_t size, std::size_t at, std::uint64_t key,
                           std::uint64_t hash, Report& report) {
-    const std::size_t slotMask = slots_.size() - 1;
-    for (std::size_t i = hash >> slotShift_; slots_[i].length != 0; i = (i + 1) & slotMask) {
-        const Slot& e = slots_[i];
-        // It must start and end inside the text; the last 8 bytes, kept in
-        // the slot, turn most near misses away without reading the text.
-        if (e.key != key || e.offset > at || e.length > size - (at - e.offset)) continue;
-        const std::size_t start = at - e.offset;
-        if (e.length >= 8 && load64(text + start + e.length - 8) != e.last8) continue;
-        if (std::memcmp(text + start, textBytes_.data() + e.begin, e.length) == 0) report(e.text, start, start + e.length);
+    const std::size_t bucketMask = buckets_.size() - 1;
+    std::size_t i = hash >> bucketShift_;
+    while (buckets_[i].key != key) {
+        if (buckets_[i].end == 0) return;
+        i = (i + 1) & bucketMask;
+    }
+    const Bucket& b = buckets_[i];
+    if (b.end == 0) return;
+    const std::size_t textMask = textSlots_.size() - 1;
+    for (std::uint32_t r = b.begin; r < b.end; ++r) {
+        const Place place = places_[r];
+        // The text must start and end inside the one searched.
+        if (place.offset > at || place.length > size - (at - place.offset)) continue;
+        const std::size_t start = at - place.offset;
+        const std::uint64_t head = headOf(text + start, place.length), tail = tailOf(text + start, place.length);
+        const std::uint64_t h = textHash(head, tail, place.length);
+        if (!filterPasses(textFilter_[filterWord(h, textFilter_.size() - 1)], h)) continue;
+        for (std::size_t i = h >> textShift_; textSlots_[i].length != 0;
+             i = (i + 1) & textMask) {
+            const TextSlot& t = textSlots_[i];
+            if (t.head != head || t.tail != tail || t.length != place.length) continue;
+            if (t.length <= 16 || std::memcmp(text + start, textBytes_.data() + t.begin, t.length) == 0) {
+                report(t.text, start, start + t.length);
+                break;  // texts are distinct: no other one stands here
+            }
+        }
     }
 }
 

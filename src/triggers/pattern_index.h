@@ -123,22 +123,39 @@ private:
     // is a window of keyLen_ bytes, as they lie in memory, in a 64-bit word
     // with the other bytes masked off; each text has one at each of the
     // last stride_ offsets where a window fits. A key's hash picks one word
-    // of the bitset and two bits in it; both must be set. The slots of the
-    // open table hold one key and text each.
-    struct Slot {
+    // of the bitset and two bits in it; both must be set. A window that
+    // passes finds its key's bucket in an open table, which lists each
+    // place (offset in the text, length) where the key stands in some
+    // text. For each, the text that would stand there is looked up whole
+    // in a second open table, by its first and last 8 bytes and length:
+    // texts that share a window (near misses of one another, or phrases
+    // with the same end) cost one lookup a place, not one comparison each.
+    // A bitset of the texts' hashes, small enough to stay in the first-level
+    // cache, turns away most places before the table is read.
+    struct Place {
+        std::uint32_t offset;  // of the window in the text
+        std::uint32_t length;
+    };
+    struct Bucket {
         std::uint64_t key = 0;
-        std::uint64_t last8 = 0;  // the text's last 8 bytes, if it has 8
+        std::uint32_t begin = 0, end = 0;  // into places_; end 0: a free bucket
+    };
+    struct TextSlot {
+        std::uint64_t head = 0, tail = 0;  // first and last bytes, up to 8 each
+        std::uint32_t begin = 0;           // into textBytes_
+        std::uint32_t length = 0;          // 0: a free slot
         std::int32_t text = -1;
-        std::uint32_t offset = 0;  // of the window in the text
-        std::uint32_t begin = 0;   // into textBytes_
-        std::uint32_t length = 0;  // 0: a free slot
     };
     std::size_t keyLen_ = 0;  // 4 to 8; 0 without long texts
     std::size_t stride_ = 1;
     std::uint64_t keyMask_ = 0;
     std::vector<std::uint64_t> filter_;
-    unsigned slotShift_ = 64;
-    std::vector<Slot> slots_;
+    unsigned bucketShift_ = 64;
+    std::vector<Bucket> buckets_;
+    std::vector<Place> places_;
+    std::vector<std::uint64_t> textFilter_;
+    unsigned textShift_ = 64;
+    std::vector<TextSlot> textSlots_;
     std::vector<std::uint32_t> textBegin_;   // per text id, into textBytes_
     std::string textBytes_;
 
