@@ -47,6 +47,16 @@ public:
     void setInfo1(int n, std::string_view value);
     void setInfo2(int n, std::string_view value);
 
+    // The same, gathered: under a flood of frames most values are overtaken
+    // within one read. A cell keeps only its last text and its change
+    // handling runs once, at flushItems(), ending as the one-by-one calls
+    // would. The texts are views into the caller's buffer, which must stay
+    // untouched until flushItems(). The other changing calls flush first;
+    // the readers see gathered items only after it.
+    void queueInfo1(int n, std::string_view value);
+    void queueInfo2(int n, std::string_view value);
+    void flushItems();
+
     // Timer3: cells marked changed turn grey again.
     void Timer3_Timer();
     // Label9, at the foot of the Dbg page, names the cell under the mouse.
@@ -81,6 +91,8 @@ public:
 
 private:
     void Info1_Change(int index);
+    void markChanged(int index);
+    void setPair(std::size_t bar, double current, double maximum);
     // The number of a cell: Val of its caption, rounded half to even.
     double number(int item) const;
     void setBar(int bar, double width, std::uint32_t colour);
@@ -105,6 +117,18 @@ private:
     std::string label9_;
     bool dbgVisible_ = false;
     Changes changes_;
+
+    // Gathered items: the last text of each cell, and for each pair's bar
+    // the maximum as it stood at the bar's last trigger (a number when the
+    // maximum was a caption then, a gathered text otherwise).
+    std::array<std::string_view, kInfo1Count> queued1_{};
+    std::uint64_t queued1Mask_ = 0;
+    std::array<std::string_view, kInfo2Count> queued2_{};
+    unsigned queued2Mask_ = 0;
+    std::array<std::string_view, 5> queuedMaxText_{};
+    std::array<double, 5> queuedMaxNumber_{};
+    unsigned queuedMaxIsText_ = 0;
+    unsigned queuedBars_ = 0;
 };
 
 }  // namespace kelpa
