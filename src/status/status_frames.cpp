@@ -140,18 +140,38 @@ void StatusFrames::S_ExtractFrames(std::string& data) {
 bool StatusFrames::frameInPlace(const char* base, std::size_t& r, std::size_t n) {
     itemEnds_.clear();
     std::size_t i = r;
-    for (;;) {
-        i = nextOf(base, i, n, kItemEnd, kFrameEnd);
-        if (i == n) return false;
-        if (base[i] == kFrameEnd) break;
-        itemEnds_.push_back(i++);
+    std::size_t end = n;
+#if defined(__SSE2__)
+    // Item ends by the block: a frame's items are a few bytes each.
+    const __m128i itemEnd = _mm_set1_epi8(kItemEnd);
+    const __m128i frameEnd = _mm_set1_epi8(kFrameEnd);
+    for (; i + 16 <= n; i += 16) {
+        const __m128i x = _mm_loadu_si128(reinterpret_cast<const __m128i*>(base + i));
+        auto items = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(x, itemEnd)));
+        const auto ends = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(x, frameEnd)));
+        if (ends) items &= (1u << std::countr_zero(ends)) - 1;
+        for (; items != 0; items &= items - 1) itemEnds_.push_back(i + static_cast<std::size_t>(std::countr_zero(items)));
+        if (ends) {
+            end = i + static_cast<std::size_t>(std::countr_zero(ends));
+            break;
+        }
     }
+    if (end == n)
+#endif
+        for (; i < n; ++i) {
+            if (base[i] == kItemEnd) itemEnds_.push_back(i);
+            if (base[i] == kFrameEnd) {
+                end = i;
+                break;
+            }
+        }
+    if (end == n) return false;
     std::size_t start = r;
     for (const std::size_t e : itemEnds_) {
         applyItem(std::string_view(base + start, e - start));
         start = e + 1;
     }
-    r = i + 1;
+    r = end + 1;
     return true;
 }
 
@@ -204,9 +224,12 @@ void StatusFrames::applyItem(std::string_view item) {
     // The usual item, "1,8,value": a kind, a number of one or two digits.
     if (item.size() >= 4 && (item[0] == '1' || item[0] == '2') && item[1] == ',' && item[2] >= '0' &&
         item[2] <= '9') {
-        std::size_t i = 3;
-        int n = item[2] - '0';
-        if (item[i] >= '0' && item[i] <= '9') n = n * 10 + (item[i++] - '0');
+        // One digit or two, chosen without a branch: the numbers mix.
+        const int first = item[2] - '0';
+        const int second = item[3] - '0';
+        const bool two = static_cast<unsigned>(second) < 10;
+        const int n = two ? first * 10 + second : first;
+        const std::size_t i = two ? 4 : 3;
         if (i < item.size() && item[i] == ',') {
             const std::string_view value = item.substr(i + 1);
             if (n >= 64) return;

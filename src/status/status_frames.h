@@ -49,7 +49,7 @@ private:
     // behind it; false, and nothing done, when the chunk ends first.
     bool frameInPlace(const char* base, std::size_t& r, std::size_t n);
     // Gathers the item in the panel when it can.
-    void applyItem(std::string_view item);
+    [[gnu::always_inline]] inline void applyItem(std::string_view item);
 
     StatusModel& panel_;
     DebugChannel& debug_;

@@ -29,15 +29,6 @@ long long wholeNumber(double v) {
     return static_cast<long long>(v);
 }
 
-// Captions are a few bytes: compared in place, without a library call.
-bool sameText(std::string_view a, std::string_view b) {
-    if (a.size() != b.size()) return false;
-    if (b.size() > 16) return a == b;
-    for (std::size_t i = 0; i < b.size(); ++i)
-        if (a[i] != b[i]) return false;
-    return true;
-}
-
 }  // namespace
 
 std::string PositionName(long long n) {
@@ -85,7 +76,7 @@ void StatusModel::setInfo1(int n, std::string_view value) {
     if (n < 0 || n >= kInfo1Count) return;
     flushItems();
     std::string& caption = info1_[static_cast<std::size_t>(n)];
-    if (sameText(caption, value)) return;
+    if (sameCaption(caption, value)) return;
     caption.assign(value);
     numbers_[static_cast<std::size_t>(n)] = statusNumber(caption);
     changes_.info1.set(static_cast<std::size_t>(n));
@@ -99,15 +90,7 @@ void StatusModel::setInfo2(int n, std::string_view value) {
     changes_.info2.set(static_cast<std::size_t>(n));
 }
 
-void StatusModel::queueInfo1(int n, std::string_view value) {
-    if (n < 0 || n >= kInfo1Count) return;
-    const std::uint64_t bit = std::uint64_t{1} << n;
-    const auto k = static_cast<std::size_t>(n);
-    std::string_view& last = queued1_[k];
-    if (sameText((queued1Mask_ & bit) ? last : std::string_view(info1_[k]), value)) return;
-    last = value;
-    queued1Mask_ |= bit;
-    if (n < 8 || n > 16) return;
+void StatusModel::queuePair(int n) {
     // A pair's handling reads its maximum as it is at this change.
     const auto bar = static_cast<std::size_t>((n - 8) / 2);
     const int maximum = (n & ~1) - 1;

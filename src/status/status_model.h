@@ -53,7 +53,16 @@ public:
     // would. The texts are views into the caller's buffer, which must stay
     // untouched until flushItems(). The other changing calls flush first;
     // the readers see gathered items only after it.
-    void queueInfo1(int n, std::string_view value);
+    [[gnu::always_inline]] void queueInfo1(int n, std::string_view value) {
+        if (n < 0 || n >= kInfo1Count) return;
+        const std::uint64_t bit = std::uint64_t{1} << n;
+        const auto k = static_cast<std::size_t>(n);
+        std::string_view& last = queued1_[k];
+        if (sameCaption((queued1Mask_ & bit) ? last : std::string_view(info1_[k]), value)) return;
+        last = value;
+        queued1Mask_ |= bit;
+        if (n >= 8 && n <= 16) queuePair(n);
+    }
     void queueInfo2(int n, std::string_view value);
     void flushItems();
 
@@ -92,6 +101,16 @@ public:
 private:
     void Info1_Change(int index);
     void markChanged(int index);
+    void queuePair(int n);
+    // Captions are a few bytes: compared in place, every byte, without a
+    // branch on each (new values differ anywhere).
+    static bool sameCaption(std::string_view a, std::string_view b) {
+        if (a.size() != b.size()) return false;
+        if (b.size() > 16) return a == b;
+        unsigned diff = 0;
+        for (std::size_t i = 0; i < b.size(); ++i) diff |= static_cast<unsigned char>(a[i] ^ b[i]);
+        return diff == 0;
+    }
     void setPair(std::size_t bar, double current, double maximum);
     // The number of a cell: Val of its caption, rounded half to even.
     double number(int item) const;
