@@ -138,38 +138,16 @@ void StatusFrames::S_ExtractFrames(std::string& data) {
 }
 
 bool StatusFrames::frameInPlace(const char* base, std::size_t& r, std::size_t n) {
-    itemEnds_.clear();
-    std::size_t i = r;
-    std::size_t end = n;
-#if defined(__SSE2__)
-    // Item ends by the block: a frame's items are a few bytes each.
-    const __m128i itemEnd = _mm_set1_epi8(kItemEnd);
-    const __m128i frameEnd = _mm_set1_epi8(kFrameEnd);
-    for (; i + 16 <= n; i += 16) {
-        const __m128i x = _mm_loadu_si128(reinterpret_cast<const __m128i*>(base + i));
-        auto items = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(x, itemEnd)));
-        const auto ends = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(x, frameEnd)));
-        if (ends) items &= (1u << std::countr_zero(ends)) - 1;
-        for (; items != 0; items &= items - 1) itemEnds_.push_back(i + static_cast<std::size_t>(std::countr_zero(items)));
-        if (ends) {
-            end = i + static_cast<std::size_t>(std::countr_zero(ends));
-            break;
-        }
-    }
-    if (end == n)
-#endif
-        for (; i < n; ++i) {
-            if (base[i] == kItemEnd) itemEnds_.push_back(i);
-            if (base[i] == kFrameEnd) {
-                end = i;
-                break;
-            }
-        }
+    // The end first: a frame's items count only once its 26 has come. Both
+    // scans cover a few dozen bytes, which beats keeping a list of ends.
+    const std::size_t end = nextOf(base, r, n, kFrameEnd, kFrameEnd);
     if (end == n) return false;
     std::size_t start = r;
-    for (const std::size_t e : itemEnds_) {
-        applyItem(std::string_view(base + start, e - start));
-        start = e + 1;
+    for (;;) {
+        const std::size_t i = nextOf(base, start, end, kItemEnd, kItemEnd);
+        if (i == end) break;
+        applyItem(std::string_view(base + start, i - start));
+        start = i + 1;
     }
     r = end + 1;
     return true;

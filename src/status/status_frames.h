@@ -60,7 +60,6 @@ private:
     // The text of the chunk, moved together once its items are applied
     // (they are read where they lie).
     std::vector<std::pair<std::size_t, std::size_t>> kept_;
-    std::vector<std::size_t> itemEnds_;
 };
 
 }  // namespace kelpa
