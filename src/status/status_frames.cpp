@@ -18,39 +18,42 @@ constexpr char kFrameStart = 24;
 constexpr char kItemEnd = 25;
 constexpr char kFrameEnd = 26;
 
-// The first byte at or after `i` that is a frame start or an IAC; `n` if none.
-std::size_t nextMark(const char* base, std::size_t i, std::size_t n) {
+// The first byte at or after `i` that is `a` or `b`; `n` if none.
+std::size_t nextOf(const char* base, std::size_t i, std::size_t n, char a, char b) {
 #if defined(__SSE2__)
-    const __m128i start = _mm_set1_epi8(kFrameStart);
-    const __m128i iac = _mm_set1_epi8(kIac);
+    const __m128i va = _mm_set1_epi8(a);
+    const __m128i vb = _mm_set1_epi8(b);
     for (; i + 16 <= n; i += 16) {
         const __m128i x = _mm_loadu_si128(reinterpret_cast<const __m128i*>(base + i));
-        const int hits = _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi8(x, start), _mm_cmpeq_epi8(x, iac)));
+        const int hits = _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi8(x, va), _mm_cmpeq_epi8(x, vb)));
         if (hits) return i + static_cast<std::size_t>(std::countr_zero(static_cast<unsigned>(hits)));
     }
 #endif
-    while (i < n && base[i] != kFrameStart && base[i] != kIac) ++i;
+    while (i < n && base[i] != a && base[i] != b) ++i;
     return i;
 }
 
 }  // namespace
 
-// One pass over the chunk: text bytes move down over the frames taken out,
-// and nothing moves while no frame has been met.
+// One pass over the chunk that only notes what stays; the text moves down
+// over the frames at the end, once the gathered items have been applied.
 void StatusFrames::S_ExtractFrames(std::string& data) {
     char* const base = data.data();
     const std::size_t n = data.size();
     std::size_t r = 0;
-    std::size_t w = 0;
+    kept_.clear();
     auto text = [&](std::size_t to) {
-        if (w != r) std::memmove(base + w, base + r, to - r);
-        w += to - r;
+        if (to == r) return;
+        if (!kept_.empty() && kept_.back().second == r)
+            kept_.back().second = to;
+        else
+            kept_.emplace_back(r, to);
         r = to;
     };
     while (r < n) {
         switch (state_) {
             case State::Text: {
-                const std::size_t i = nextMark(base, r, n);
+                const std::size_t i = nextOf(base, r, n, kFrameStart, kIac);
                 text(i);
                 if (i == n) break;
                 if (base[i] == kFrameStart) {
@@ -106,16 +109,13 @@ void StatusFrames::S_ExtractFrames(std::string& data) {
                 break;
             }
             case State::Frame: {
-                // Only the new bytes are searched for the frame's end.
-                const void* end = std::memchr(base + r, kFrameEnd, n - r);
-                const std::size_t e = end ? static_cast<std::size_t>(static_cast<const char*>(end) - base) : n;
-                if (end && pending_.empty()) {
-                    // A frame whole in this chunk is read where it lies.
-                    S_SplitFrame(std::string_view(base + r, e - r));
-                    r = e + 1;
+                if (pending_.empty() && frameInPlace(base, r, n)) {
                     state_ = State::Text;
                     break;
                 }
+                // Only the new bytes are searched for the frame's end.
+                const void* end = std::memchr(base + r, kFrameEnd, n - r);
+                const std::size_t e = end ? static_cast<std::size_t>(static_cast<const char*>(end) - base) : n;
                 keep(std::string_view(base + r, e - r));
                 r = e;
                 if (end) {
@@ -127,7 +127,30 @@ void StatusFrames::S_ExtractFrames(std::string& data) {
             }
         }
     }
+    panel_.flushItems();
+    if (kept_.size() == 1 && kept_[0].first == 0 && kept_[0].second == n) return;
+    std::size_t w = 0;
+    for (const auto& [from, to] : kept_) {
+        if (from != w) std::memmove(base + w, base + from, to - from);
+        w += to - from;
+    }
     data.resize(w);
+}
+
+bool StatusFrames::frameInPlace(const char* base, std::size_t& r, std::size_t n) {
+    // The end first: a frame's items count only once its 26 has come. Both
+    // scans cover a few dozen bytes, which beats keeping a list of ends.
+    const std::size_t end = nextOf(base, r, n, kFrameEnd, kFrameEnd);
+    if (end == n) return false;
+    std::size_t start = r;
+    for (;;) {
+        const std::size_t i = nextOf(base, start, end, kItemEnd, kItemEnd);
+        if (i == end) break;
+        applyItem(std::string_view(base + start, i - start));
+        start = i + 1;
+    }
+    r = end + 1;
+    return true;
 }
 
 void StatusFrames::keep(std::string_view bytes) {
@@ -163,26 +186,35 @@ void StatusFrames::S_SplitFrame(std::string_view frame) {
     std::size_t start = 0;
     for (std::size_t i = 0; i < n; ++i) {
         if (p[i] != kItemEnd) continue;
-        S_ApplyStatusItem(std::string_view(p + start, i - start));
+        applyItem(std::string_view(p + start, i - start));
         start = i + 1;
     }
+    panel_.flushItems();
 }
 
 void StatusFrames::S_ApplyStatusItem(std::string_view item) {
+    applyItem(item);
+    panel_.flushItems();
+}
+
+void StatusFrames::applyItem(std::string_view item) {
     if (debug_.enabled) debug_.DebugLog("Interpreting " + std::string(item));
     // The usual item, "1,8,value": a kind, a number of one or two digits.
     if (item.size() >= 4 && (item[0] == '1' || item[0] == '2') && item[1] == ',' && item[2] >= '0' &&
         item[2] <= '9') {
-        std::size_t i = 3;
-        int n = item[2] - '0';
-        if (item[i] >= '0' && item[i] <= '9') n = n * 10 + (item[i++] - '0');
+        // One digit or two, chosen without a branch: the numbers mix.
+        const int first = item[2] - '0';
+        const int second = item[3] - '0';
+        const bool two = static_cast<unsigned>(second) < 10;
+        const int n = two ? first * 10 + second : first;
+        const std::size_t i = two ? 4 : 3;
         if (i < item.size() && item[i] == ',') {
             const std::string_view value = item.substr(i + 1);
             if (n >= 64) return;
             if (item[0] == '1')
-                panel_.setInfo1(n, value);
+                panel_.queueInfo1(n, value);
             else
-                panel_.setInfo2(n, value);
+                panel_.queueInfo2(n, value);
             return;
         }
     }

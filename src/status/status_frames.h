@@ -8,6 +8,8 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "output/debug_channel.h"
 #include "status/frame_extractor.h"
@@ -25,8 +27,11 @@ public:
 
     StatusFrames(StatusModel& panel, DebugChannel& debug) : panel_(panel), debug_(debug) {}
 
-    // Linear in the bytes of `data`, however the frames fall.
+    // Linear in the bytes of `data`, however the frames fall. The items of
+    // the chunk's frames are gathered and reach the panel together before
+    // it returns, ending as if applied one by one.
     void S_ExtractFrames(std::string& data) override;
+    // These two reach the panel before they return.
     void S_SplitFrame(std::string_view frame);
     void S_ApplyStatusItem(std::string_view item);
 
@@ -40,6 +45,11 @@ private:
     // Appends frame bytes, up to the bound.
     void keep(std::string_view bytes);
     void endFrame();
+    // A frame whose 26 is in the chunk is read where it lies and `r` moves
+    // behind it; false, and nothing done, when the chunk ends first.
+    bool frameInPlace(const char* base, std::size_t& r, std::size_t n);
+    // Gathers the item in the panel when it can.
+    [[gnu::always_inline]] inline void applyItem(std::string_view item);
 
     StatusModel& panel_;
     DebugChannel& debug_;
@@ -47,6 +57,9 @@ private:
     std::size_t subBytes_ = 0;
     std::string pending_;
     std::size_t dropped_ = 0;
+    // The text of the chunk, moved together once its items are applied
+    // (they are read where they lie).
+    std::vector<std::pair<std::size_t, std::size_t>> kept_;
 };
 
 }  // namespace kelpa

@@ -1,5 +1,6 @@
 #include "status/status_model.h"
 
+#include <bit>
 #include <cmath>
 
 #include "common/text.h"
@@ -26,15 +27,6 @@ long long wholeNumber(double v) {
     if (v >= kLimit) return static_cast<long long>(kLimit);
     if (v <= -kLimit) return -static_cast<long long>(kLimit);
     return static_cast<long long>(v);
-}
-
-// Captions are a few bytes: compared in place, without a library call.
-bool sameText(const std::string& a, std::string_view b) {
-    if (a.size() != b.size()) return false;
-    if (b.size() > 16) return std::string_view(a) == b;
-    for (std::size_t i = 0; i < b.size(); ++i)
-        if (a[i] != b[i]) return false;
-    return true;
 }
 
 }  // namespace
@@ -70,6 +62,7 @@ StatusModel::StatusModel() {
 }
 
 void StatusModel::startUp() {
+    flushItems();
     for (int i = 0; i < kInfo1Count; ++i) {
         info1_[static_cast<std::size_t>(i)].clear();
         numbers_[static_cast<std::size_t>(i)] = 0;
@@ -81,8 +74,9 @@ void StatusModel::startUp() {
 
 void StatusModel::setInfo1(int n, std::string_view value) {
     if (n < 0 || n >= kInfo1Count) return;
+    flushItems();
     std::string& caption = info1_[static_cast<std::size_t>(n)];
-    if (sameText(caption, value)) return;
+    if (sameCaption(caption, value)) return;
     caption.assign(value);
     numbers_[static_cast<std::size_t>(n)] = statusNumber(caption);
     changes_.info1.set(static_cast<std::size_t>(n));
@@ -91,11 +85,67 @@ void StatusModel::setInfo1(int n, std::string_view value) {
 
 void StatusModel::setInfo2(int n, std::string_view value) {
     if (n < 0 || n >= kInfo2Count) return;
+    flushItems();
     info2_[static_cast<std::size_t>(n)].assign(value);
     changes_.info2.set(static_cast<std::size_t>(n));
 }
 
+void StatusModel::queuePair(int n) {
+    // A pair's handling reads its maximum as it is at this change.
+    const auto bar = static_cast<std::size_t>((n - 8) / 2);
+    const int maximum = (n & ~1) - 1;
+    const unsigned barBit = 1u << bar;
+    queuedBars_ |= barBit;
+    if (queued1Mask_ & (std::uint64_t{1} << maximum)) {
+        queuedMaxText_[bar] = queued1_[static_cast<std::size_t>(maximum)];
+        queuedMaxIsText_ |= barBit;
+    } else {
+        queuedMaxNumber_[bar] = numbers_[static_cast<std::size_t>(maximum)];
+        queuedMaxIsText_ &= ~barBit;
+    }
+}
+
+void StatusModel::queueInfo2(int n, std::string_view value) {
+    if (n < 0 || n >= kInfo2Count) return;
+    queued2_[static_cast<std::size_t>(n)] = value;
+    queued2Mask_ |= 1u << n;
+}
+
+void StatusModel::flushItems() {
+    if ((queued1Mask_ | queued2Mask_) == 0) return;
+    // The maxima first: a gathered text is read before any caption moves.
+    for (unsigned bars = queuedBars_; bars != 0; bars &= bars - 1) {
+        const auto bar = static_cast<std::size_t>(std::countr_zero(bars));
+        if (queuedMaxIsText_ & (1u << bar)) queuedMaxNumber_[bar] = statusNumber(queuedMaxText_[bar]);
+    }
+    for (std::uint64_t cells = queued1Mask_; cells != 0; cells &= cells - 1) {
+        const int n = std::countr_zero(cells);
+        const auto k = static_cast<std::size_t>(n);
+        info1_[k].assign(queued1_[k]);
+        numbers_[k] = statusNumber(info1_[k]);
+        changes_.info1.set(k);
+        if (n >= 8 && n <= 16)
+            markChanged(n);
+        else
+            Info1_Change(n);
+    }
+    for (unsigned bars = queuedBars_; bars != 0; bars &= bars - 1) {
+        const auto bar = static_cast<std::size_t>(std::countr_zero(bars));
+        setPair(bar, numbers_[bar * 2 + 8], queuedMaxNumber_[bar]);
+    }
+    for (unsigned cells = queued2Mask_; cells != 0; cells &= cells - 1) {
+        const auto k = static_cast<std::size_t>(std::countr_zero(cells));
+        info2_[k].assign(queued2_[k]);
+        changes_.info2.set(k);
+    }
+    queued1Mask_ = 0;
+    queued2Mask_ = 0;
+    queuedBars_ = 0;
+    queuedMaxIsText_ = 0;
+}
+
 void StatusModel::Timer3_Timer() {
+    flushItems();
     for (int i = 0; i < kInfo1Count; ++i) {
         const auto k = static_cast<std::size_t>(i);
         if (itemChanged_[k] && back_[k] != kGrey) {
@@ -107,6 +157,7 @@ void StatusModel::Timer3_Timer() {
 
 void StatusModel::Info1_MouseMove(int index) {
     if (index < 0 || index >= kInfo1Count) return;
+    flushItems();
     std::string text = decimal(index) + "=" + info1_[static_cast<std::size_t>(index)];
     if (text == label9_) return;
     label9_ = std::move(text);
@@ -119,6 +170,7 @@ void StatusModel::Label11_DblClick() {
 }
 
 StatusModel::Changes StatusModel::takeChanges() {
+    flushItems();
     Changes c = changes_;
     changes_ = Changes{};
     return c;
@@ -152,20 +204,27 @@ void StatusModel::setXInfo(int n, std::string text) {
     changes_.xinfo.set(static_cast<std::size_t>(n));
 }
 
-void StatusModel::Info1_Change(int index) {
+void StatusModel::markChanged(int index) {
     back_[static_cast<std::size_t>(index)] = kChanged;
     itemChanged_[static_cast<std::size_t>(index)] = true;
     changes_.info1.set(static_cast<std::size_t>(index));
+}
+
+void StatusModel::setPair(std::size_t bar, double current, double maximum) {
+    pairCurrent_[bar] = current;
+    pairMaximum_[bar] = maximum;
+    pairPending_.set(bar);
+    changes_.bars.set(bar);
+}
+
+void StatusModel::Info1_Change(int index) {
+    markChanged(index);
 
     if (index >= 8 && index <= 16) {
         // Items 8 and 9 work on bar 0 with the pair 8/7, and so on: a
         // maximum alone never redraws its own bar.
         const int current = index & ~1;
-        const auto bar = static_cast<std::size_t>((index - 8) / 2);
-        pairCurrent_[bar] = number(current);
-        pairMaximum_[bar] = number(current - 1);
-        pairPending_.set(bar);
-        changes_.bars.set(bar);
+        setPair(static_cast<std::size_t>((index - 8) / 2), number(current), number(current - 1));
         return;
     }
     if (index >= 48 && index <= 51) {

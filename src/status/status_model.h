@@ -47,6 +47,25 @@ public:
     void setInfo1(int n, std::string_view value);
     void setInfo2(int n, std::string_view value);
 
+    // The same, gathered: under a flood of frames most values are overtaken
+    // within one read. A cell keeps only its last text and its change
+    // handling runs once, at flushItems(), ending as the one-by-one calls
+    // would. The texts are views into the caller's buffer, which must stay
+    // untouched until flushItems(). The other changing calls flush first;
+    // the readers see gathered items only after it.
+    [[gnu::always_inline]] void queueInfo1(int n, std::string_view value) {
+        if (n < 0 || n >= kInfo1Count) return;
+        const std::uint64_t bit = std::uint64_t{1} << n;
+        const auto k = static_cast<std::size_t>(n);
+        std::string_view& last = queued1_[k];
+        if (sameCaption((queued1Mask_ & bit) ? last : std::string_view(info1_[k]), value)) return;
+        last = value;
+        queued1Mask_ |= bit;
+        if (n >= 8 && n <= 16) queuePair(n);
+    }
+    void queueInfo2(int n, std::string_view value);
+    void flushItems();
+
     // Timer3: cells marked changed turn grey again.
     void Timer3_Timer();
     // Label9, at the foot of the Dbg page, names the cell under the mouse.
@@ -81,6 +100,18 @@ public:
 
 private:
     void Info1_Change(int index);
+    void markChanged(int index);
+    void queuePair(int n);
+    // Captions are a few bytes: compared in place, every byte, without a
+    // branch on each (new values differ anywhere).
+    static bool sameCaption(std::string_view a, std::string_view b) {
+        if (a.size() != b.size()) return false;
+        if (b.size() > 16) return a == b;
+        unsigned diff = 0;
+        for (std::size_t i = 0; i < b.size(); ++i) diff |= static_cast<unsigned char>(a[i] ^ b[i]);
+        return diff == 0;
+    }
+    void setPair(std::size_t bar, double current, double maximum);
     // The number of a cell: Val of its caption, rounded half to even.
     double number(int item) const;
     void setBar(int bar, double width, std::uint32_t colour);
@@ -105,6 +136,18 @@ private:
     std::string label9_;
     bool dbgVisible_ = false;
     Changes changes_;
+
+    // Gathered items: the last text of each cell, and for each pair's bar
+    // the maximum as it stood at the bar's last trigger (a number when the
+    // maximum was a caption then, a gathered text otherwise).
+    std::array<std::string_view, kInfo1Count> queued1_{};
+    std::uint64_t queued1Mask_ = 0;
+    std::array<std::string_view, kInfo2Count> queued2_{};
+    unsigned queued2Mask_ = 0;
+    std::array<std::string_view, 5> queuedMaxText_{};
+    std::array<double, 5> queuedMaxNumber_{};
+    unsigned queuedMaxIsText_ = 0;
+    unsigned queuedBars_ = 0;
 };
 
 }  // namespace kelpa
