@@ -128,17 +128,6 @@ void PatternIndex::build(const TriggerRecords* const (&tables)[kTables], int fla
     seenStamp_.assign(texts.size(), 0);
     seenEpoch_ = 0;
     seen_.clear();
-    // The shortest filtered text sets the window and its step. When only a
-    // few texts keep them short, those few walk the automaton instead and
-    // the rest get the widest window and step: far fewer windows tested, and
-    // far fewer passing by chance.
-    longFrom_ = kLongText;
-    std::size_t few = 0, wide = 0;
-    for (const std::string& text : texts) {
-        few += text.size() >= kLongText && text.size() < kWideText;
-        wide += text.size() >= kWideText;
-    }
-    if (few > 0 && wide > 0 && few * fewShort_ <= wide) longFrom_ = kWideText;
     buildAutomaton(texts, denseBudget_);
     buildFilter(texts, filterWordsLog2_);
 }
@@ -157,7 +146,7 @@ void PatternIndex::buildFilter(const std::vector<std::string>& texts, unsigned f
     for (std::size_t id = 0; id < texts.size(); ++id) {
         textBytes_ += texts[id];
         textBegin_.push_back(static_cast<std::uint32_t>(textBytes_.size()));
-        if (texts[id].size() >= longFrom_) shortest = std::min(shortest, texts[id].size());
+        if (texts[id].size() >= kLongText) shortest = std::min(shortest, texts[id].size());
     }
     if (shortest == std::numeric_limits<std::size_t>::max()) return;
 
@@ -173,7 +162,7 @@ void PatternIndex::buildFilter(const std::vector<std::string>& texts, unsigned f
     std::vector<std::pair<std::uint64_t, Place>> keyed;
     std::size_t longTexts = 0;
     for (const std::string& t : texts) {
-        if (t.size() < longFrom_) continue;
+        if (t.size() < kLongText) continue;
         ++longTexts;
         for (std::size_t j = 0; j < stride_; ++j) {
             const auto offset = static_cast<std::uint32_t>(t.size() - keyLen_ - j);
@@ -226,7 +215,7 @@ void PatternIndex::buildFilter(const std::vector<std::string>& texts, unsigned f
     const std::size_t textMask = textSlots_.size() - 1;
     for (std::size_t id = 0; id < texts.size(); ++id) {
         const std::string& t = texts[id];
-        if (t.size() < longFrom_) continue;
+        if (t.size() < kLongText) continue;
         const auto* data = reinterpret_cast<const unsigned char*>(t.data());
         TextSlot slot{headOf(data, t.size()), tailOf(data, t.size()), textBegin_[id],
                       static_cast<std::uint32_t>(t.size()), static_cast<std::int32_t>(id)};
@@ -242,7 +231,7 @@ void PatternIndex::buildAutomaton(const std::vector<std::string>& texts, std::si
     std::vector<TrieNode> trie(1);
     bool used[256] = {};
     for (std::size_t id = 0; id < texts.size(); ++id) {
-        if (texts[id].size() >= longFrom_) continue;
+        if (texts[id].size() >= kLongText) continue;
         std::int32_t s = 0;
         for (char ch : texts[id]) {
             const auto c = static_cast<unsigned char>(ch);

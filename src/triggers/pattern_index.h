@@ -9,8 +9,7 @@
 // compared. The work per window does not depend on the byte before, so it
 // runs at the processor's width instead of one memory latency a byte, and
 // it barely grows with the number of texts. Shorter texts go into a small
-// Aho-Corasick automaton, walked only when there are some, and so do the few
-// texts that alone would keep the window short and its step small. Each occurring
+// Aho-Corasick automaton, walked only when there are some. Each occurring
 // text counts towards the groups that hold it, and a group whose distinct
 // texts have all been counted holds. A record is a candidate when one of its
 // tested groups holds, or when a group holds without any search (empty,
@@ -35,18 +34,14 @@ class PatternIndex {
 public:
     static constexpr int kTables = 2;
     static constexpr std::size_t kDenseBudget = std::size_t{4} << 20;
-    // Texts this long or longer go through the window filter, unless a
-    // few longer ones join the automaton (see longFrom_).
+    // Texts this long or longer go through the window filter.
     static constexpr std::size_t kLongText = 4;
-    // The window length and step reached when the shortest filtered text
-    // has this many bytes.
-    static constexpr std::size_t kWideText = 11;
 
     struct Candidate {
         std::int32_t record;
         bool patternsHold;
     };
-    // A place where a text of the window filter occurs.
+    // A place where a text of kLongText bytes or more occurs.
     struct Found {
         std::uint32_t start, end;
         std::int32_t text;
@@ -76,11 +71,6 @@ private:
     std::size_t denseBudget_ = kDenseBudget;
     // log2 of the bitset's 64-bit words; 0 sizes it by the number of texts.
     unsigned filterWordsLog2_ = 0;
-    // Texts of kLongText bytes or more but shorter than kWideText join the
-    // automaton when there are at most one for every this many longer ones.
-    std::size_t fewShort_ = 16;
-    // Texts shorter than this go to the automaton, the rest to the filter.
-    std::size_t longFrom_ = kLongText;
 
     struct Node {
         std::int32_t fail = 0;
