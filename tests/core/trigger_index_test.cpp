@@ -102,7 +102,10 @@ struct Random {
     // Random bytes with pattern texts planted, some cut or changed.
     std::string chunk() {
         std::string s;
-        for (int k = below(5); k > 0; --k) s += below(2) || pool.empty() ? text(8) : pattern();
+        for (int k = below(5); k > 0; --k)
+            s += below(2) || pool.empty() ? text(8)
+                 : below(4)               ? pattern()
+                                          : pool[static_cast<std::size_t>(below(static_cast<int>(pool.size())))];
         return s;
     }
 };
