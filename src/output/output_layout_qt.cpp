@@ -12,7 +12,9 @@ constexpr int kTabWidth = 8;
 
 class LineBuilder {
 public:
-    explicit LineBuilder(std::vector<LaidLine>& out) : out_(out) { out_.emplace_back(); }
+    explicit LineBuilder(std::vector<LaidLine>& out) : out_(out) {
+        if (out_.empty()) out_.emplace_back();
+    }
 
     void setStyle(const QColor& colour, bool underline) {
         colour_ = colour;
@@ -55,9 +57,15 @@ QChar displayChar(unsigned char byte, bool graphics) {
 
 std::vector<LaidLine> layoutLines(const OutputWindow& model, const QColor& plainColour) {
     std::vector<LaidLine> lines;
+    layoutMore(lines, model, 0, plainColour);
+    return lines;
+}
+
+void layoutMore(std::vector<LaidLine>& lines, const OutputWindow& model, std::size_t from,
+                const QColor& plainColour) {
     LineBuilder b(lines);
     const std::string_view text = model.text();
-    model.forEachRun([&](const OutputWindow::Run& run) {
+    model.forEachRunFrom(from, [&](const OutputWindow::Run& run) {
         const TextStyle& s = run.style;
         b.setStyle(s.plain ? plainColour : qColor(s.colour), s.underline);
         for (std::size_t i = run.begin; i < run.end; ++i) {
@@ -70,7 +78,6 @@ std::vector<LaidLine> layoutLines(const OutputWindow& model, const QColor& plain
                 b.add(c);
         }
     });
-    return lines;
 }
 
 }  // namespace kelpa::qt

@@ -30,6 +30,11 @@ struct LaidLine {
 // text colour, for runs marked plain.
 std::vector<LaidLine> layoutLines(const OutputWindow& model, const QColor& plainColour);
 
+// Lays out the model's text from position `from` on behind `lines`, the
+// layout of the text before it: the last line may grow, new lines follow.
+void layoutMore(std::vector<LaidLine>& lines, const OutputWindow& model, std::size_t from,
+                const QColor& plainColour);
+
 // The character the user sees for one byte, or a null QChar for a byte
 // that draws nothing.
 QChar displayChar(unsigned char byte, bool graphics);

@@ -109,18 +109,28 @@ int OutputView::visibleRows() const { return qMax(1, viewport()->height() / line
 
 void OutputView::ensureLaidOut() {
     if (model_.revision() != laidRevision_) {
-        lines_ = layoutLines(model_, plainColour_);
+        int changed = 0;
+        if (lines_.empty() || model_.reshapes() != laidReshapes_ || model_.cutTotal() != laidCut_ ||
+            model_.size() < laidSize_) {
+            lines_ = layoutLines(model_, plainColour_);
+        } else {
+            changed = static_cast<int>(lines_.size()) - 1;
+            layoutMore(lines_, model_, laidSize_, plainColour_);
+        }
         laidRevision_ = model_.revision();
+        laidSize_ = model_.size();
+        laidCut_ = model_.cutTotal();
+        laidReshapes_ = model_.reshapes();
         // New text moves the caret to the end, which drops a selection.
         anchor_ = caret_ = Pos{};
         selecting_ = false;
-        wrap();
+        wrapFrom(wrappedColumns_ == columns() ? changed : 0);
         updateScrollRange(true);
     } else if (wrappedColumns_ != columns()) {
         QScrollBar* bar = verticalScrollBar();
         const bool atEnd = bar->value() >= bar->maximum();
         const int topLine = rows_.empty() ? 0 : rows_[static_cast<std::size_t>(qMin<int>(bar->value(), static_cast<int>(rows_.size()) - 1))].line;
-        wrap();
+        wrapFrom(0);
         updateScrollRange(atEnd);
         if (!atEnd) {
             int row = 0;
@@ -130,11 +140,11 @@ void OutputView::ensureLaidOut() {
     }
 }
 
-void OutputView::wrap() {
+void OutputView::wrapFrom(int line) {
     const int cols = columns();
     wrappedColumns_ = cols;
-    rows_.clear();
-    for (int i = 0; i < static_cast<int>(lines_.size()); ++i) {
+    while (!rows_.empty() && rows_.back().line >= line) rows_.pop_back();
+    for (int i = line; i < static_cast<int>(lines_.size()); ++i) {
         const int len = static_cast<int>(lines_[static_cast<std::size_t>(i)].text.size());
         int start = 0;
         do {
@@ -194,7 +204,9 @@ void OutputView::paintRow(QPainter& p, const Row& row, int y) {
             p.setFont(f);
         }
         p.setPen(s.colour);
-        p.drawText(QPoint((a - row.start) * charWidth_, y + ascent_), line.text.mid(a, b - a));
+        // A view of the line's characters, not a copy.
+        p.drawText(QPoint((a - row.start) * charWidth_, y + ascent_),
+                   QString::fromRawData(line.text.constData() + a, b - a));
     }
 }
 

@@ -1,6 +1,6 @@
 // Paints one output window of the core. The view holds no text of its own:
-// it lays out the model again when the model's revision or the view's width
-// changed, draws only the rows in sight, and follows the end of the text.
+// it lays out what the model gained since it last looked (all of it after a
+// cut), wraps again what that changed or all when the width changed, draws only the rows in sight, and follows the end of the text.
 #pragma once
 
 #include <QAbstractScrollArea>
@@ -53,7 +53,8 @@ private:
     };
 
     void ensureLaidOut();
-    void wrap();
+    // Rewraps the lines from `line` on; the rows before it stay.
+    void wrapFrom(int line);
     void updateScrollRange(bool toEnd);
     int visibleRows() const;
     Pos posAt(const QPoint& p) const;
@@ -69,6 +70,11 @@ private:
     int ascent_ = 12;
 
     std::uint64_t laidRevision_ = ~std::uint64_t{0};
+    // What the layout covers: new text behind it is laid out on its own; a
+    // cut or a reshape lays out everything again.
+    std::size_t laidSize_ = 0;
+    std::uint64_t laidCut_ = 0;
+    std::uint64_t laidReshapes_ = ~std::uint64_t{0};
     int wrappedColumns_ = -1;
     std::vector<LaidLine> lines_;
     std::vector<Row> rows_;

@@ -29,6 +29,8 @@ void OutputWindow::clear() {
     off_ = 0;
     runs_.clear();
     head_ = 0;
+    cutTotal_ = 0;
+    ++reshapes_;
     ++revision_;
 }
 
@@ -39,12 +41,10 @@ void OutputWindow::cutAfterFirst(std::size_t count) {
     const TextStyle firstStyle = runs_[head_].style;
     buf_[newFirst] = buf_[off_];
     off_ = newFirst;
+    cutTotal_ += count;
     // The run that holds the character behind the cut; those before it lie
     // wholly in the cut.
-    const auto behind = std::upper_bound(runs_.begin() + static_cast<std::ptrdiff_t>(head_), runs_.end(),
-                                         newFirst + 1,
-                                         [](std::size_t at, const Entry& r) { return at < r.start; });
-    const std::size_t j = static_cast<std::size_t>(behind - runs_.begin()) - 1;
+    const std::size_t j = runAt(newFirst + 1);
     if (newFirst + 1 >= end_) {
         // Only the first character is left.
         runs_.resize(head_ + 1);
@@ -60,6 +60,13 @@ void OutputWindow::cutAfterFirst(std::size_t count) {
     }
     ++revision_;
     compact();
+}
+
+std::size_t OutputWindow::runAt(std::size_t at) const {
+    const auto behind = std::upper_bound(runs_.begin() + static_cast<std::ptrdiff_t>(head_), runs_.end(), at,
+                                         [](std::size_t a, const Entry& r) { return a < r.start; });
+    const auto i = static_cast<std::size_t>(behind - runs_.begin());
+    return i > head_ ? i - 1 : head_;
 }
 
 void OutputWindow::compact() {
@@ -88,6 +95,7 @@ void OutputWindow::flattenToPlain() {
     }
     runs_.swap(merged);
     head_ = 0;
+    ++reshapes_;
     ++revision_;
 }
 

@@ -5,6 +5,7 @@
 // now and then, at an amortised constant cost per byte.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -70,7 +71,27 @@ public:
             if (e > b) f(Run{b - off_, e - off_, runs_[i].style});
         }
     }
+    // Calls f(run) for the runs from text position `from` on, the first
+    // one clipped to start there; finds it by binary search.
+    template <typename F>
+    void forEachRunFrom(std::size_t from, F&& f) const {
+        const std::size_t at = off_ + from;
+        if (at >= end_) return;
+        for (std::size_t i = runAt(at); i < runs_.size(); ++i) {
+            std::size_t b = std::max(runs_[i].start, at);
+            std::size_t e = i + 1 < runs_.size() ? runs_[i + 1].start : end_;
+            if (e > b) f(Run{b - off_, e - off_, runs_[i].style});
+        }
+    }
     std::size_t runCount() const { return runs_.size() - head_; }
+
+    // What a view needs to follow the text without laying all of it out
+    // again: bytes cut off the front since the last reshape, and a count of
+    // reshapes (clearing, restyling), after which nothing laid out holds.
+    // Text position p is byte p + cutTotal() of all text since the reshape,
+    // except the first character, which a cut keeps.
+    std::uint64_t cutTotal() const { return cutTotal_; }
+    std::uint64_t reshapes() const { return reshapes_; }
 
     // Changes with every modification; lets a view skip unchanged windows.
     std::uint64_t revision() const { return revision_; }
@@ -81,6 +102,7 @@ private:
         TextStyle style;
     };
     void compact();
+    std::size_t runAt(std::size_t at) const;
     void shiftToFront();
     void grow(std::size_t more);
 
@@ -95,6 +117,8 @@ private:
     std::vector<Entry> runs_;
     std::size_t head_ = 0;
     std::uint64_t revision_ = 0;
+    std::uint64_t cutTotal_ = 0;
+    std::uint64_t reshapes_ = 0;
 };
 
 }  // namespace kelpa

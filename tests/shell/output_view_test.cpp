@@ -3,6 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <QElapsedTimer>
+#include <QImage>
+
+#include <random>
 #include <QScrollBar>
 
 #include "form_fixture.h"
@@ -84,6 +87,41 @@ TEST(OutputView, LongLinesWrapAtTheViewsWidthAndNewTextBringsTheViewToTheEnd) {
     c.parts().writer.W_Print("more\r\n", kMainWindow);
     f.form().syncFromCore();
     EXPECT_EQ(bar->value(), bar->maximum());
+}
+
+TEST(OutputView, TextLaidOutPieceByPieceDrawsAsALayoutFromScratch) {
+    // Pieces of every kind of byte and style, cuts at a limit, a restyle and
+    // a resize; whenever the view looks, it must draw what a new view of the
+    // same text draws.
+    std::mt19937 rng(16);
+    OutputWindow seen, same;
+    const WindowInfo& info = windowInfo(kMainWindow);
+    qt::OutputView view(seen, info);
+    view.resize(240, 160);
+    view.show();
+    const std::string alphabet = "ab \t\t\r\n\n\xC9\xCD\xBA\xE9\x80\x07";
+    const std::uint32_t colours[] = {rgb(255, 0, 0), rgb(0, 255, 0), rgb(192, 192, 192)};
+    auto both = [&](auto&& op) { op(seen); op(same); };
+    for (int step = 0; step < 400; ++step) {
+        const TextStyle s{colours[rng() % 3], rng() % 4 == 0, rng() % 5 == 0, rng() % 2 == 0};
+        std::string bytes(rng() % 12, ' ');
+        for (char& c : bytes) c = alphabet[rng() % alphabet.size()];
+        if (rng() % 8 == 0) bytes.append(rng() % 70, 'x');
+        both([&](OutputWindow& w) { w.append(bytes, s); });
+        if (seen.size() > 500) both([n = seen.size() - 400](OutputWindow& w) { w.cutAfterFirst(n); });
+        if (step == 150) both([](OutputWindow& w) { w.flattenToPlain(); });
+        if (step == 250) view.resize(330, 160);
+        if (rng() % 3 != 0) continue;
+        view.sync();
+        qt::OutputView fresh(same, info);
+        fresh.resize(view.size());
+        fresh.show();
+        QCoreApplication::processEvents();
+        ASSERT_EQ(view.lineCount(), fresh.lineCount()) << "step " << step;
+        for (int i = 0; i < view.lineCount(); ++i) ASSERT_EQ(view.lineText(i), fresh.lineText(i)) << "step " << step;
+        ASSERT_EQ(view.rowCount(), fresh.rowCount()) << "step " << step;
+        ASSERT_EQ(view.viewport()->grab().toImage(), fresh.viewport()->grab().toImage()) << "step " << step;
+    }
 }
 
 TEST(OutputView, ASelectionCopiesTheTextAcrossLines) {
