@@ -90,21 +90,6 @@ void StatusModel::setInfo2(int n, std::string_view value) {
     changes_.info2.set(static_cast<std::size_t>(n));
 }
 
-void StatusModel::queuePair(int n) {
-    // A pair's handling reads its maximum as it is at this change.
-    const auto bar = static_cast<std::size_t>((n - 8) / 2);
-    const int maximum = (n & ~1) - 1;
-    const unsigned barBit = 1u << bar;
-    queuedBars_ |= barBit;
-    if (queued1Mask_ & (std::uint64_t{1} << maximum)) {
-        queuedMaxText_[bar] = queued1_[static_cast<std::size_t>(maximum)];
-        queuedMaxIsText_ |= barBit;
-    } else {
-        queuedMaxNumber_[bar] = numbers_[static_cast<std::size_t>(maximum)];
-        queuedMaxIsText_ &= ~barBit;
-    }
-}
-
 void StatusModel::queueInfo2(int n, std::string_view value) {
     if (n < 0 || n >= kInfo2Count) return;
     queued2_[static_cast<std::size_t>(n)] = value;

@@ -6,6 +6,7 @@
 #include <array>
 #include <bitset>
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -101,15 +102,44 @@ public:
 private:
     void Info1_Change(int index);
     void markChanged(int index);
-    void queuePair(int n);
-    // Captions are a few bytes: compared in place, every byte, without a
-    // branch on each (new values differ anywhere).
+    [[gnu::always_inline]] void queuePair(int n) {
+        // A pair's handling reads its maximum as it is at this change.
+        const auto bar = static_cast<std::size_t>((n - 8) / 2);
+        const int maximum = (n & ~1) - 1;
+        const unsigned barBit = 1u << bar;
+        queuedBars_ |= barBit;
+        if (queued1Mask_ & (std::uint64_t{1} << maximum)) {
+            queuedMaxText_[bar] = queued1_[static_cast<std::size_t>(maximum)];
+            queuedMaxIsText_ |= barBit;
+        } else {
+            queuedMaxNumber_[bar] = numbers_[static_cast<std::size_t>(maximum)];
+            queuedMaxIsText_ &= ~barBit;
+        }
+    }
+    // Captions are a few bytes: compared in place with two loads from each
+    // end that overlap as the length needs, no loop (new values differ
+    // anywhere and their lengths vary, so a loop's exit mispredicts).
     static bool sameCaption(std::string_view a, std::string_view b) {
-        if (a.size() != b.size()) return false;
-        if (b.size() > 16) return a == b;
-        unsigned diff = 0;
-        for (std::size_t i = 0; i < b.size(); ++i) diff |= static_cast<unsigned char>(a[i] ^ b[i]);
-        return diff == 0;
+        const std::size_t n = b.size();
+        if (a.size() != n) return false;
+        const char* x = a.data();
+        const char* y = b.data();
+        if (n >= 8) {
+            if (n > 16) return a == b;
+            return ((load<std::uint64_t>(x) ^ load<std::uint64_t>(y)) |
+                    (load<std::uint64_t>(x + n - 8) ^ load<std::uint64_t>(y + n - 8))) == 0;
+        }
+        if (n >= 4)
+            return ((load<std::uint32_t>(x) ^ load<std::uint32_t>(y)) |
+                    (load<std::uint32_t>(x + n - 4) ^ load<std::uint32_t>(y + n - 4))) == 0;
+        if (n == 0) return true;
+        return ((x[0] ^ y[0]) | (x[n / 2] ^ y[n / 2]) | (x[n - 1] ^ y[n - 1])) == 0;
+    }
+    template <typename T>
+    static T load(const char* p) {
+        T v;
+        std::memcpy(&v, p, sizeof v);
+        return v;
     }
     void setPair(std::size_t bar, double current, double maximum);
     // The number of a cell: Val of its caption, rounded half to even.

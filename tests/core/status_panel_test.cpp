@@ -166,3 +166,22 @@ TEST(StatusPanel, QuickNumbersAgreeWithVal) {
         EXPECT_TRUE(quick == plain || (std::isnan(quick) && std::isnan(plain))) << s;
     }
 }
+
+// A caption that differs from the old one in one byte is a change, wherever
+// that byte lies and whatever the length; the same caption is none.
+TEST(StatusPanel, OneByteDifferenceIsAChangeAtEveryLength) {
+    Panel p;
+    for (std::size_t len = 1; len <= 20; ++len) {
+        for (std::size_t at = 0; at < len; ++at) {
+            const std::string old(len, 'a');
+            std::string now = old;
+            now[at] = 'b';
+            p.m.setInfo1(23, old);
+            p.m.takeChanges();
+            p.m.setInfo1(23, now);
+            EXPECT_TRUE(p.m.takeChanges().info1.test(23)) << len << " bytes, byte " << at;
+            p.m.setInfo1(23, now);
+            EXPECT_FALSE(p.m.takeChanges().any()) << len << " bytes, byte " << at;
+        }
+    }
+}
