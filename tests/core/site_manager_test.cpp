@@ -109,8 +109,9 @@ TEST(SiteManager, DeleteKeepsTheLastSiteAndSelectsTheEntryInTheDeletedPlace) {
         s.m.CMD_SiteDelete_Click();
         EXPECT_EQ(s.m.items, r.left) << r.sites << " sites, " << r.selected << " selected";
         EXPECT_EQ(s.m.listIndex, r.selectedAfter) << r.sites << " sites, " << r.selected << " selected";
-        if (r.selectedAfter >= 0)
+        if (r.selectedAfter >= 0) {
             EXPECT_EQ(s.m.boxes.SiteName, r.left[static_cast<std::size_t>(r.selectedAfter)]);
+        }
         EXPECT_EQ(s.book(), formatSites(book)) << "Delete does not touch the file";
     }
 }
