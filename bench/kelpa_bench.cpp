@@ -37,38 +37,22 @@
 #include <string_view>
 #include <vector>
 
+#include "bench_form.h"
 #include "output/output_view_qt.h"
 #include "shell/main_form_qt.h"
 #include "shell/qt_platform_qt.h"
 
 using namespace kelpa;
+using bench::nowNs;
+using bench::perfControl;
 
 namespace {
-
-// With `perf record -D -1 --control fd:N` and KELPA_PERF_CTL_FD=N, perf
-// samples the timed stretch only, not the start-up or the checks after it.
-void perfControl(const char* command) {
-    static const char* fd = std::getenv("KELPA_PERF_CTL_FD");
-    if (fd && write(std::atoi(fd), command, std::strlen(command)) < 0) std::perror("perf control");
-}
 
 double cpuSeconds() {
     rusage ru{};
     getrusage(RUSAGE_SELF, &ru);
     return static_cast<double>(ru.ru_utime.tv_sec + ru.ru_stime.tv_sec) +
            static_cast<double>(ru.ru_utime.tv_usec + ru.ru_stime.tv_usec) / 1e6;
-}
-
-long long threadCpuNs() {
-    timespec ts;
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &ts);
-    return ts.tv_sec * 1000000000LL + ts.tv_nsec;
-}
-
-long long nowNs() {
-    timespec ts;
-    clock_gettime(CLOCK_MONOTONIC, &ts);
-    return ts.tv_sec * 1000000000LL + ts.tv_nsec;
 }
 
 std::map<std::string, long long> readCounts(const std::string& path) {
@@ -248,7 +232,7 @@ int main(int argc, char** argv) {
     probe.setInterval(1);
     QObject::connect(&probe, &QTimer::timeout, [&] {
         const long long t = nowNs();
-        const long long cpu = threadCpuNs();
+        const long long cpu = nowNs(CLOCK_THREAD_CPUTIME_ID);
         if (flooding && lastTick) {
             longestStall = std::max(longestStall, t - lastTick);
             longestBusy = std::max(longestBusy, cpu - lastCpu);
@@ -302,13 +286,7 @@ int main(int argc, char** argv) {
     });
     client.parts().bar.Site = "127.0.0.1";
     client.parts().bar.PPort = port.toStdString();
-    // A player's window is on the screen before a flood comes: the form
-    // paints itself once (every control, the fonts) before the connection,
-    // so that its first appearance is not counted as a stall of the flood.
-    QElapsedTimer settle;
-    settle.start();
-    while (painted.paints == 0 && settle.elapsed() < 2000) app.processEvents(QEventLoop::AllEvents, 10);
-    app.processEvents();
+    bench::waitForFirstPaint(form->outputWindow(kMainWindow)->viewport());
     client.parts().session.CMD_CONNECT_Click();
     if (app.exec() != 0 || t1 == 0) return 1;
 

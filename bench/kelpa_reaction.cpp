@@ -22,35 +22,16 @@
 #include <string>
 #include <time.h>
 
+#include "bench_form.h"
 #include "output/output_view_qt.h"
 #include "shell/main_form_qt.h"
 #include "shell/qt_platform_qt.h"
 
 using namespace kelpa;
+using bench::nowNs;
+using bench::perfControl;
 
 namespace {
-
-// With `perf record -D -1 --control fd:N` and KELPA_PERF_CTL_FD=N, perf
-// samples the connection only, not the start-up.
-void perfControl(const char* command) {
-    static const char* fd = std::getenv("KELPA_PERF_CTL_FD");
-    if (fd && write(std::atoi(fd), command, std::strlen(command)) < 0) std::perror("perf control");
-}
-
-class FirstPaint : public QObject {
-public:
-    bool seen = false;
-    bool eventFilter(QObject*, QEvent* e) override {
-        if (e->type() == QEvent::Paint) seen = true;
-        return false;
-    }
-};
-
-long long nowNs(clockid_t clock = CLOCK_MONOTONIC) {
-    timespec ts;
-    clock_gettime(clock, &ts);
-    return ts.tv_sec * 1000000000LL + ts.tv_nsec;
-}
 
 class TimedApplication : public QApplication {
 public:
@@ -106,8 +87,6 @@ int main(int argc, char** argv) {
     auto form = qt::MainForm::createOn(std::make_unique<qt::QtPlatform>(folder.path().toStdString()));
     Client& client = form->client();
     form->show();
-    FirstPaint painted;
-    form->outputWindow(kMainWindow)->viewport()->installEventFilter(&painted);
 
     qt::QtSocket& socket = form->qtPlatform()->socket;
     QObject::connect(&socket, &qt::QtSocket::connected, [] { perfControl("enable\n"); });
@@ -121,11 +100,7 @@ int main(int argc, char** argv) {
     });
     client.parts().bar.Site = "127.0.0.1";
     client.parts().bar.PPort = port.toStdString();
-    // The window is on the screen before the first probe comes.
-    QElapsedTimer settle;
-    settle.start();
-    while (!painted.seen && settle.elapsed() < 2000) app.processEvents(QEventLoop::AllEvents, 10);
-    app.processEvents();
+    bench::waitForFirstPaint(form->outputWindow(kMainWindow)->viewport());
     client.parts().session.CMD_CONNECT_Click();
     const int r = app.exec();
     for (const auto& [what, s] : app.slow)
