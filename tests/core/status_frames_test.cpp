@@ -12,6 +12,8 @@ using kelpa::test::ClientHarness;
 namespace {
 
 const std::string F24 = bytes({24}), I25 = bytes({25}), F26 = bytes({26});
+const std::string kLine =
+    "The orc swings at you and misses. You parry the blow and strike back; the orc staggers and falls.\r\n";
 
 std::string frame(std::initializer_list<std::string> items) {
     std::string f = F24;
@@ -43,6 +45,10 @@ TEST(StatusFrames, TextAroundFramesClosesUp) {
         {"no second comma takes the number", {frame({"1,8"})}, "", "8", ""},
         {"slot out of range", {frame({"1,57,1", "1,-1,2"})}, "", "", ""},
         {"empty value blanks", {frame({"1,8,4"}) + frame({"1,8,"})}, "", "", ""},
+        {"lines of every length move down whole",
+         {frame({"1,8,1"}) + kLine.substr(0, 15) + frame({"1,8,2"}) + kLine.substr(15, 16) + frame({"1,12,3"}) +
+          kLine.substr(31, 17) + frame({}) + kLine.substr(48, 33) + frame({}) + kLine.substr(81)},
+         kLine, "2", "3"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
