@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
 #include <random>
 #include <tuple>
 
@@ -57,7 +56,6 @@ TEST(StatusPanel, BarWidthsAndLadderColours) {
         {"item 21 at 100", {{21, "100"}}, 10, 1620, rgb(192, 0, 192)},
         {"huge current is held at the widest bar", {{7, "1"}, {8, "1e300"}}, 0, StatusModel::kWidestBar, blue},
         {"overflowing current", {{7, "1"}, {8, "9e999"}}, 0, StatusModel::kWidestBar, blue},
-        {"huge percentage", {{48, "123456789012"}}, 6, StatusModel::kWidestBar, red},
         {"huge negative item 20", {{20, "-1e300"}}, 5, StatusModel::kWidestBar, green},
     };
     for (const auto& [name, items, bar, width, colour] : rows) {
@@ -83,13 +81,10 @@ TEST(StatusPanel, DerivedWords) {
         {"item 52 has no change handling at start", {}, 5, ""},
         {"age joins text", {{24, "19"}, {25, "abc"}}, 0, "19Y abcM"},
         {"height 71", {{26, "71"}}, 1, "5'11\""},
-        {"height 12", {{26, "12"}}, 1, "1'0\""},
         {"height negative truncates", {{26, "-13"}}, 1, "-1'-1\""},
         {"height beyond 64 bits", {{26, "1e300"}}, 1, "766666666666666666'8\""},
         {"alignment neutral", {{28, "1"}}, 2, "Neutral"},
-        {"alignment evil", {{28, "7"}}, 2, "Evil"},
         {"roleplay on", {{22, "2"}}, 3, "<RP>"},
-        {"position of 53", {{53, "9"}}, 4, "Fighting"},
         {"position of 52", {{52, "15"}}, 5, "Jumping"},
         {"position past the table", {{52, "16"}}, 5, "Unknown"},
         {"negative position", {{53, "-1"}}, 4, "Unknown"},
@@ -111,10 +106,8 @@ TEST(StatusPanel, ChangedCellsFlashUntilTheNextTick) {
     p.m.setInfo1(23, "x");
     EXPECT_EQ(p.m.Info1Back(23), StatusModel::kChanged);
     EXPECT_EQ(p.m.XInfo(0), "Y M") << "item 23 only flashes";
-    auto changes = p.m.takeChanges();
-    EXPECT_TRUE(changes.info1.test(23));
-    EXPECT_FALSE(changes.xinfo.any());
-    EXPECT_FALSE(changes.bars.any());
+    const auto c = p.m.takeChanges();
+    EXPECT_EQ(std::make_tuple(c.info1.test(23), c.xinfo.any(), c.bars.any()), std::make_tuple(true, false, false));
 
     p.m.Timer3_Timer();
     EXPECT_EQ(p.m.Info1Back(23), StatusModel::kGrey);
@@ -158,10 +151,9 @@ TEST(StatusPanel, OneByteDifferenceIsAChangeAtEveryLength) {
     Panel p;
     for (std::size_t len = 1; len <= 20; ++len) {
         for (std::size_t at = 0; at < len; ++at) {
-            const std::string old(len, 'a');
-            std::string now = old;
+            std::string now(len, 'a');
             now[at] = 'b';
-            p.m.setInfo1(23, old);
+            p.m.setInfo1(23, std::string(len, 'a'));
             p.m.takeChanges();
             p.m.setInfo1(23, now);
             EXPECT_TRUE(p.m.takeChanges().info1.test(23)) << len << " bytes, byte " << at;
