@@ -19,16 +19,16 @@ std::string linesText(int n) {
 std::string shownPage(const ClientHarness& h) {
     std::string t = h.window(kHistT);
     if (t.size() >= 2 && t.compare(t.size() - 2, 2, "\r\n") == 0) t.resize(t.size() - 2);
-    const std::size_t lastBegin = t.rfind("\r\n");
-    return t.empty() ? "" : t.substr(0, t.find("\r\n")) + " " + t.substr(lastBegin == t.npos ? 0 : lastBegin + 2);
+    const std::size_t last = t.rfind("\r\n");
+    return t.empty() ? "" : t.substr(0, t.find("\r\n")) + " " + t.substr(last == t.npos ? 0 : last + 2);
 }
 
 // O opens the page; H E U D u d are Home, End, Page Up, Page Down, Up and
 // Down; x is any other key.
 void press(Client& c, char key) {
     HistoryPager& p = c.historyViews().pager;
-    const int codes[] = {HistoryPager::kHome, HistoryPager::kEnd, HistoryPager::kPageUp, HistoryPager::kPageDown,
-                         HistoryPager::kUp,   HistoryPager::kDown, 65};
+    using P = HistoryPager;
+    const int codes[] = {P::kHome, P::kEnd, P::kPageUp, P::kPageDown, P::kUp, P::kDown, 65};
     if (key == 'O')
         p.SSTab2_Click(1);
     else

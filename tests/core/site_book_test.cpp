@@ -47,7 +47,8 @@ TEST(SiteBook, WriterProducesTheBlockLayoutAndRecordsComeBack) {
         expected[0].Description = readBack;
         const std::string crlf = formatSites(book);
         // A lone CR or LF ends lines too.
-        for (const char* end : {"\r\n", "\n", "\r"}) EXPECT_EQ(parse(replaceAll(crlf, "\r\n", end)), expected) << desc;
+        for (const char* end : {"\r\n", "\n", "\r"})
+            EXPECT_EQ(parse(replaceAll(crlf, "\r\n", end)), expected) << desc;
     }
 }
 

@@ -14,6 +14,8 @@ using kelpa::test::MemoryFileSystem;
 
 namespace {
 
+using Book = std::vector<SiteRecord>;
+
 SiteRecord site(std::string name, std::int32_t port = 4000) {
     return SiteRecord{name, "s" + name, name + ".org", "alt." + name, port, port + 1, "#10#", "about " + name};
 }
@@ -54,7 +56,7 @@ TEST(SiteManager, AddOrModifyIsDecidedByTheExactName) {
     // An empty book gets its first entry; the init string loses its outer blanks only.
     s.m.boxes = {" Mud ", " m ", "mud.org", "", " 23x", "5e1", "  #10#look  ", "a\r\nb"};
     EXPECT_EQ(s.m.CMD_SiteAdd_Click(), "");
-    EXPECT_EQ(s.m.Sites, std::vector<SiteRecord>({{" Mud ", " m ", "mud.org", "", 23, 50, "#10#look", "a\r\nb"}}));
+    EXPECT_EQ(s.m.Sites, (Book{{" Mud ", " m ", "mud.org", "", 23, 50, "#10#look", "a\r\nb"}}));
     EXPECT_EQ(s.m.items, std::vector<std::string>{" Mud "});
     EXPECT_EQ(s.m.listIndex, -1);
     EXPECT_EQ(s.m.boxes.SiteName, " Mud ") << "the boxes keep their text";
@@ -63,7 +65,7 @@ TEST(SiteManager, AddOrModifyIsDecidedByTheExactName) {
     s.m.boxes.Dport = "4000";
     EXPECT_EQ(s.m.CMD_SiteAdd_Click(), "");
     // The same name changes the entry; blanks only: nothing sent on connecting.
-    EXPECT_EQ(s.m.Sites, std::vector<SiteRecord>({{" Mud ", " m ", "mud.org", "", 4000, 50, "", "a\r\nb"}}));
+    EXPECT_EQ(s.m.Sites, (Book{{" Mud ", " m ", "mud.org", "", 4000, 50, "", "a\r\nb"}}));
 
     for (const std::string name : {" mud ", "Mud"}) {
         s.m.boxes.SiteName = name;

@@ -28,8 +28,8 @@ TEST(StatusPanel, BarWidthsAndLadderColours) {
     const std::uint32_t red = rgb(192, 0, 0), yellow = rgb(192, 192, 0), green = rgb(0, 192, 0),
                         cyan = rgb(0, 160, 192), blue = rgb(0, 0, 255);
     // The items set, then the bar read, its width and its colour.
-    using BarRow = std::tuple<const char*, std::vector<std::pair<int, const char*>>, int, long long, std::uint32_t>;
-    const std::vector<BarRow> rows = {
+    using Items = std::vector<std::pair<int, const char*>>;
+    const std::vector<std::tuple<const char*, Items, int, long long, std::uint32_t>> rows = {
         {"empty panel", {}, 0, 0, red},
         {"empty panel, bar 5 full", {}, 5, 1815, green},
         {"empty panel, percentage", {}, 6, 0, blue},
@@ -56,6 +56,7 @@ TEST(StatusPanel, BarWidthsAndLadderColours) {
         {"item 21 at 100", {{21, "100"}}, 10, 1620, rgb(192, 0, 192)},
         {"huge current is held at the widest bar", {{7, "1"}, {8, "1e300"}}, 0, StatusModel::kWidestBar, blue},
         {"overflowing current", {{7, "1"}, {8, "9e999"}}, 0, StatusModel::kWidestBar, blue},
+        {"huge percentage", {{48, "123456789012"}}, 6, StatusModel::kWidestBar, red},
         {"huge negative item 20", {{20, "-1e300"}}, 5, StatusModel::kWidestBar, green},
     };
     for (const auto& [name, items, bar, width, colour] : rows) {
@@ -107,7 +108,8 @@ TEST(StatusPanel, ChangedCellsFlashUntilTheNextTick) {
     EXPECT_EQ(p.m.Info1Back(23), StatusModel::kChanged);
     EXPECT_EQ(p.m.XInfo(0), "Y M") << "item 23 only flashes";
     const auto c = p.m.takeChanges();
-    EXPECT_EQ(std::make_tuple(c.info1.test(23), c.xinfo.any(), c.bars.any()), std::make_tuple(true, false, false));
+    EXPECT_EQ(std::make_tuple(c.info1.test(23), c.xinfo.any(), c.bars.any()),
+              std::make_tuple(true, false, false));
 
     p.m.Timer3_Timer();
     EXPECT_EQ(p.m.Info1Back(23), StatusModel::kGrey);

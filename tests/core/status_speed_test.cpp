@@ -83,7 +83,7 @@ Stream randomStream(std::mt19937& rng, int frames) {
             s.bytes += item + '\x19';
             s.items.back().push_back(item);
         }
-        if (pick(5) == 0) s.bytes += "tail";  // behind the last 25: dropped
+        if (pick(5) == 0) s.bytes += "1,20,9";  // behind the last 25: dropped
         s.bytes += '\x1A';
         s.frameAt.push_back(s.bytes.size());
     }

@@ -64,8 +64,8 @@ struct WireForm {
                       const std::string& init = "")
         : server(std::move(greetings)) {
         for (const auto& [path, text] : files) p.folder.write(path, text);
-        p.folder.write("CONN.ZIG", "SITE=Local\r\nSSNA=loc\r\nSDNS=127.0.0.1\r\nSDNA=\r\nSDP_=" + server.port() +
-                                       "\r\nSAP_=0\r\nSTRI=" + init + "\r\nSDSC=\r\ntest\r\n#\r\n");
+        const std::string site = "SITE=Local\r\nSSNA=loc\r\nSDNS=127.0.0.1\r\nSDNA=\r\nSDP_=" + server.port();
+        p.folder.write("CONN.ZIG", site + "\r\nSAP_=0\r\nSTRI=" + init + "\r\nSDSC=\r\ntest\r\n#\r\n");
         form = std::make_unique<qt::MainForm>(p.platform);
         form->listenTo(p.socket);
         text1 = form->findChild<QLineEdit*>("Text1");

@@ -45,7 +45,8 @@ TEST(MessageBox, TextSentWhileTheBoxIsUpIsShownLoggedAndMatchedWhenItClosesWitho
     EXPECT_EQ(sentInBox, "");
 
     // The server sends nothing more; the waiting bytes are read by themselves.
-    ASSERT_TRUE(t.until([&] { return t.server.received.back() == "wave back\r\n"; })) << t.server.received.back();
+    const auto last = [&t] { return t.server.received.back(); };
+    ASSERT_TRUE(t.until([&] { return last() == "wave back\r\n"; })) << last();
     EXPECT_EQ(t.window(), "The guard says hello.\r\nThe guard waves.\r\nwave back\r\n");
     EXPECT_EQ(t.log(), "The guard says hello.\r\n\r\nThe guard waves.\r\n\r\nwave back\r\n\r\n");
 }
