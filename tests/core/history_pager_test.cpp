@@ -16,56 +16,47 @@ std::string linesText(int n) {
 }
 
 // What HistT shows, as its first and last line ("" for an empty page).
-std::pair<std::string, std::string> shownPage(const ClientHarness& h) {
+std::string shownPage(const ClientHarness& h) {
     std::string t = h.window(kHistT);
-    if (t.empty()) return {"", ""};
     if (t.size() >= 2 && t.compare(t.size() - 2, 2, "\r\n") == 0) t.resize(t.size() - 2);
-    const std::size_t firstEnd = t.find("\r\n");
-    const std::size_t lastBegin = t.rfind("\r\n");
-    return {t.substr(0, firstEnd), lastBegin == std::string::npos ? t : t.substr(lastBegin + 2)};
+    const std::size_t last = t.rfind("\r\n");
+    return t.empty() ? "" : t.substr(0, t.find("\r\n")) + " " + t.substr(last == t.npos ? 0 : last + 2);
 }
 
+// O opens the page; H E U D u d are Home, End, Page Up, Page Down, Up and
+// Down; x is any other key.
 void press(Client& c, char key) {
     HistoryPager& p = c.historyViews().pager;
-    switch (key) {
-        case 'O': p.SSTab2_Click(1); break;
-        case 'H': p.HistT_KeyDown(HistoryPager::kHome); break;
-        case 'E': p.HistT_KeyDown(HistoryPager::kEnd); break;
-        case 'U': p.HistT_KeyDown(HistoryPager::kPageUp); break;
-        case 'D': p.HistT_KeyDown(HistoryPager::kPageDown); break;
-        case 'u': p.HistT_KeyDown(HistoryPager::kUp); break;
-        case 'd': p.HistT_KeyDown(HistoryPager::kDown); break;
-        case 'x': p.HistT_KeyDown(65); break;  // any other key
-        default: FAIL() << key;
-    }
+    using P = HistoryPager;
+    const int codes[] = {P::kHome, P::kEnd, P::kPageUp, P::kPageDown, P::kUp, P::kDown, 65};
+    if (key == 'O')
+        p.SSTab2_Click(1);
+    else
+        p.HistT_KeyDown(codes[std::string_view("HEUDudx").find(key)]);
 }
 
 TEST(HistoryPager, KeySequencesShowTheExpectedPage) {
     struct Row {
         int lines;
-        const char* keys;  // O opens the page; H E U D u d x are the keys
-        const char* first;
-        const char* last;
+        const char* keys;
+        const char* shown;  // first and last line
     };
     const Row rows[] = {
-        {0, "O", "", ""},         {0, "HEUDudx", "", ""},    {1, "O", "l1", "l1"},
-        {1, "Od", "", ""},        {1, "OU", "l1", "l1"},     {27, "O", "l1", "l27"},
-        {27, "E", "l1", "l27"},   {27, "OU", "l1", "l27"},   {27, "HD", "", ""},
-        {27, "Hd", "l2", "l27"},  {28, "O", "l1", "l28"},    {28, "HD", "l28", "l28"},
-        {28, "Ed", "l2", "l28"},  {29, "O", "l2", "l29"},    {29, "HD", "l28", "l29"},
-        {29, "HDD", "l28", "l29"}, {29, "OU", "l1", "l28"},  {100, "O", "l73", "l100"},
-        {100, "OU", "l46", "l73"}, {100, "OUU", "l19", "l46"}, {100, "OUUU", "l1", "l28"},
-        {100, "H", "l1", "l28"},  {100, "HD", "l28", "l55"}, {100, "HDD", "l55", "l82"},
-        {100, "HDDD", "l82", "l100"}, {100, "HDDDD", "l82", "l100"}, {100, "Hu", "l1", "l28"}, {100, "Hd", "l2", "l29"},
-        {100, "Hdu", "l1", "l28"}, {100, "Ed", "l74", "l100"}, {100, "EdE", "l73", "l100"},
-        {100, "Ou", "l72", "l99"}, {100, "HDx", "l28", "l55"},
+        {0, "O", ""},            {0, "HEUDudx", ""},      {1, "O", "l1 l1"},       {1, "Od", ""},
+        {1, "OU", "l1 l1"},      {27, "O", "l1 l27"},     {27, "E", "l1 l27"},     {27, "OU", "l1 l27"},
+        {27, "HD", ""},          {27, "Hd", "l2 l27"},    {28, "O", "l1 l28"},     {28, "HD", "l28 l28"},
+        {28, "Ed", "l2 l28"},    {29, "O", "l2 l29"},     {29, "HD", "l28 l29"},   {29, "HDD", "l28 l29"},
+        {29, "OU", "l1 l28"},    {100, "O", "l73 l100"},  {100, "OU", "l46 l73"},  {100, "OUU", "l19 l46"},
+        {100, "OUUU", "l1 l28"}, {100, "H", "l1 l28"},    {100, "HD", "l28 l55"},  {100, "HDD", "l55 l82"},
+        {100, "HDDD", "l82 l100"}, {100, "HDDDD", "l82 l100"}, {100, "Hu", "l1 l28"}, {100, "Hd", "l2 l29"},
+        {100, "Hdu", "l1 l28"},  {100, "Ed", "l74 l100"}, {100, "EdE", "l73 l100"}, {100, "Ou", "l72 l99"},
+        {100, "HDx", "l28 l55"},
     };
     for (const Row& r : rows) {
         ClientHarness h;
         h.c.parts().history.append(linesText(r.lines));
         for (const char* k = r.keys; *k; ++k) press(h.c, *k);
-        EXPECT_EQ(shownPage(h), std::make_pair(std::string(r.first), std::string(r.last)))
-            << r.lines << " lines, keys " << r.keys;
+        EXPECT_EQ(shownPage(h), r.shown) << r.lines << " lines, keys " << r.keys;
     }
 }
 
@@ -73,45 +64,35 @@ TEST(HistoryPager, KeysThatDoNothingLeaveThePageAsItWas) {
     ClientHarness h;
     h.c.parts().history.append(linesText(40));
     press(h.c, 'H');
-    const auto before = h.c.parts().windows.text[kHistT].revision();
+    const auto revision = [&h] { return h.c.parts().windows.text[kHistT].revision(); };
+    const auto before = revision();
     for (char k : {'u', 'U', 'x'}) press(h.c, k);  // at the top: not even a redraw
-    EXPECT_EQ(h.c.parts().windows.text[kHistT].revision(), before);
+    EXPECT_EQ(revision(), before);
     // New text moves the place to the end without a redraw; Up counts from there.
     h.c.parts().history.append("new line\r\nprompt> ");
     EXPECT_EQ(h.c.parts().history.HistoryPos, h.c.parts().history.size());
-    EXPECT_EQ(h.c.parts().windows.text[kHistT].revision(), before);
+    EXPECT_EQ(revision(), before);
     press(h.c, 'u');
-    EXPECT_EQ(shownPage(h), std::make_pair(std::string("prompt> "), std::string("prompt> ")));
+    EXPECT_EQ(shownPage(h), "prompt>  prompt> ");
     press(h.c, 'E');  // redraws the last page even when there
-    EXPECT_EQ(shownPage(h), std::make_pair(std::string("l15"), std::string("prompt> ")));
+    EXPECT_EQ(shownPage(h), "l15 prompt> ");
 }
 
 TEST(HistoryPager, NextPageGoesOnInTheColourThePageBeforeEnded) {
     ClientHarness h;
-    std::string text = linesText(27);
-    text += "\x1b[0;31mred\r\n";  // line 28 turns red
-    text += linesText(30);
-    h.c.parts().history.append(text);
+    h.c.parts().history.append(linesText(27) + "\x1b[0;31mred\r\n" + linesText(30));  // line 28 turns red
     press(h.c, 'H');
     press(h.c, 'D');  // begins with line 28, in red already
-    ASSERT_EQ(shownPage(h).first, "red");
+    ASSERT_EQ(shownPage(h).substr(0, 4), "red ");
     press(h.c, 'D');  // begins with "l27" of the second block: no colour of its own
     EXPECT_EQ(styleAt(h.c.parts().windows.text[kHistT], 0).colour, rgb(128, 0, 0) + rgb(64, 64, 64));
 }
 
 // The plain reading of the two searches, over the whole text at once.
-struct PlainPager {
-    const std::string& s;
-    std::size_t back(std::size_t p) const {
-        if (p < 3) return 0;
-        const std::size_t at = s.substr(0, p - 1).rfind("\r\n");
-        return at == std::string::npos ? 0 : at + 1;
-    }
-    std::size_t forward(std::size_t p) const {
-        const std::size_t at = s.find("\r\n", p);
-        return at == std::string::npos ? 0 : at + 1;
-    }
-};
+std::size_t plainBack(const std::string& s, std::size_t p) {
+    const std::size_t at = p < 3 ? s.npos : s.substr(0, p - 1).rfind("\r\n");
+    return at == s.npos ? 0 : at + 1;
+}
 
 TEST(HistoryPager, SearchesAgreeWithThePlainReadingAcrossBlocks) {
     std::mt19937 rng(14);
@@ -126,7 +107,6 @@ TEST(HistoryPager, SearchesAgreeWithThePlainReadingAcrossBlocks) {
         }
         h.c.parts().history.append(s);
         const HistoryPager& pager = h.c.historyViews().pager;
-        const PlainPager plain{s};
         std::vector<std::size_t> probes;
         for (int i = 0; i < 300; ++i) probes.push_back(s.empty() ? 0 : rng() % (s.size() + 1));
         // Places where a line break falls across two reads of 4 KB.
@@ -136,8 +116,9 @@ TEST(HistoryPager, SearchesAgreeWithThePlainReadingAcrossBlocks) {
                 if (c >= d) probes.push_back(c - d);
             }
         for (std::size_t p : probes) {
-            ASSERT_EQ(pager.searchBack(p), plain.back(p)) << "round " << round << " at " << p;
-            ASSERT_EQ(pager.searchForward(p), plain.forward(p)) << "round " << round << " at " << p;
+            ASSERT_EQ(pager.searchBack(p), plainBack(s, p)) << "round " << round << " at " << p;
+            // npos + 1 is 0: no line end ahead.
+            ASSERT_EQ(pager.searchForward(p), s.find("\r\n", p) + 1) << "round " << round << " at " << p;
         }
     }
 }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <optional>
+#include <tuple>
 
 #include "command/words.h"
 #include "sites/site_manager.h"
@@ -12,6 +13,8 @@ using namespace kelpa;
 using kelpa::test::MemoryFileSystem;
 
 namespace {
+
+using Book = std::vector<SiteRecord>;
 
 SiteRecord site(std::string name, std::int32_t port = 4000) {
     return SiteRecord{name, "s" + name, name + ".org", "alt." + name, port, port + 1, "#10#", "about " + name};
@@ -50,14 +53,10 @@ TEST(SiteManager, PortBoxesReadTheNumberAtTheirHeadAndRefuseWhatLeaves32Bits) {
 
 TEST(SiteManager, AddOrModifyIsDecidedByTheExactName) {
     Manager s;
-    EXPECT_TRUE(s.m.items.empty());
-    EXPECT_EQ(s.m.listIndex, -1);
-
     // An empty book gets its first entry; the init string loses its outer blanks only.
     s.m.boxes = {" Mud ", " m ", "mud.org", "", " 23x", "5e1", "  #10#look  ", "a\r\nb"};
     EXPECT_EQ(s.m.CMD_SiteAdd_Click(), "");
-    ASSERT_EQ(s.m.Sites.size(), 1u);
-    EXPECT_EQ(s.m.Sites[0], (SiteRecord{" Mud ", " m ", "mud.org", "", 23, 50, "#10#look", "a\r\nb"}));
+    EXPECT_EQ(s.m.Sites, (Book{{" Mud ", " m ", "mud.org", "", 23, 50, "#10#look", "a\r\nb"}}));
     EXPECT_EQ(s.m.items, std::vector<std::string>{" Mud "});
     EXPECT_EQ(s.m.listIndex, -1);
     EXPECT_EQ(s.m.boxes.SiteName, " Mud ") << "the boxes keep their text";
@@ -65,9 +64,8 @@ TEST(SiteManager, AddOrModifyIsDecidedByTheExactName) {
     s.m.boxes.STRI = "    ";
     s.m.boxes.Dport = "4000";
     EXPECT_EQ(s.m.CMD_SiteAdd_Click(), "");
-    ASSERT_EQ(s.m.Sites.size(), 1u) << "the same name changes the entry";
-    EXPECT_EQ(s.m.Sites[0].DefaultPort, 4000);
-    EXPECT_EQ(s.m.Sites[0].InitString, "") << "blanks only: nothing sent on connecting";
+    // The same name changes the entry; blanks only: nothing sent on connecting.
+    EXPECT_EQ(s.m.Sites, (Book{{" Mud ", " m ", "mud.org", "", 4000, 50, "", "a\r\nb"}}));
 
     for (const std::string name : {" mud ", "Mud"}) {
         s.m.boxes.SiteName = name;
@@ -78,8 +76,7 @@ TEST(SiteManager, AddOrModifyIsDecidedByTheExactName) {
 }
 
 TEST(SiteManager, ClickShowsTheFirstEntryOfThatNameWithItsMarks) {
-    SiteRecord twin = site("A", 7000);
-    Manager s({site("A"), site("B"), twin});
+    Manager s({site("A"), site("B"), site("A", 7000)});
     s.m.SitesList_Click(2);
     EXPECT_EQ(s.m.listIndex, 2);
     EXPECT_EQ(s.m.boxes, (SiteBoxes{"A", "sA", "A.org", "alt.A", "4000", "4001", "#10#", "about A"}));
@@ -88,30 +85,25 @@ TEST(SiteManager, ClickShowsTheFirstEntryOfThatNameWithItsMarks) {
 }
 
 TEST(SiteManager, DeleteKeepsTheLastSiteAndSelectsTheEntryInTheDeletedPlace) {
-    struct Row {
-        int sites;
-        int selected;
-        std::vector<std::string> left;
-        int selectedAfter;
+    // Sites in the book, the one selected, then the entries left, the
+    // selection and the name in the boxes.
+    const std::tuple<int, int, const char*> rows[] = {
+        {1, 0, "0 | 0 0"},    // the last site stays
+        {2, -1, "0 1 | -1 "},  // nothing selected: nothing deleted
+        {2, 1, "0 | 0 0"},    // the last entry: the new last is selected
+        {3, 1, "0 2 | 1 2"},  // the next one takes the place
+        {3, 0, "1 2 | 0 1"},
     };
-    const std::vector<Row> rows = {
-        {1, 0, {"0"}, 0},             // the last site stays
-        {2, -1, {"0", "1"}, -1},      // nothing selected: nothing deleted
-        {2, 1, {"0"}, 0},             // the last entry: the new last is selected
-        {3, 1, {"0", "2"}, 1},        // the next one takes the place
-        {3, 0, {"1", "2"}, 0},
-    };
-    for (const Row& r : rows) {
+    for (const auto& [sites, selected, after] : rows) {
         std::vector<SiteRecord> book;
-        for (int i = 0; i < r.sites; ++i) book.push_back(site(std::to_string(i)));
+        for (int i = 0; i < sites; ++i) book.push_back(site(std::to_string(i)));
         Manager s(book);
-        if (r.selected >= 0) s.m.SitesList_Click(r.selected);
+        if (selected >= 0) s.m.SitesList_Click(selected);
         s.m.CMD_SiteDelete_Click();
-        EXPECT_EQ(s.m.items, r.left) << r.sites << " sites, " << r.selected << " selected";
-        EXPECT_EQ(s.m.listIndex, r.selectedAfter) << r.sites << " sites, " << r.selected << " selected";
-        if (r.selectedAfter >= 0) {
-            EXPECT_EQ(s.m.boxes.SiteName, r.left[static_cast<std::size_t>(r.selectedAfter)]);
-        }
+        std::string left;
+        for (const std::string& item : s.m.items) left += item + " ";
+        EXPECT_EQ(left + "| " + std::to_string(s.m.listIndex) + " " + s.m.boxes.SiteName, after)
+            << sites << " sites, " << selected << " selected";
         EXPECT_EQ(s.book(), formatSites(book)) << "Delete does not touch the file";
     }
 }

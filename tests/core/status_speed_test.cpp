@@ -21,15 +21,14 @@ namespace {
 // and the text behind the first comma.
 void applyPlain(StatusModel& m, std::string_view item) {
     const double kind = statusNumber(item);
-    if (kind != 1 && kind != 2) return;
     const std::string_view rest = item.size() > 2 ? item.substr(2) : std::string_view();
     const double n = statusNumber(rest);
-    const std::size_t comma = rest.find(',');
-    const std::string_view value = comma == std::string_view::npos ? rest : rest.substr(comma + 1);
-    if (!(n >= 0 && n < 64)) return;
+    const std::string_view value = rest.substr(rest.find(',') + 1);  // npos + 1 is 0: all of it
+    if (!(n >= 0 && n < 64))
+        return;
     if (kind == 1)
         m.setInfo1(static_cast<int>(n), value);
-    else
+    else if (kind == 2)
         m.setInfo2(static_cast<int>(n), value);
 }
 
@@ -54,22 +53,25 @@ struct Stream {
 };
 
 // Cells with change handling of their own, the pairs above all; values
-// that repeat, plain numbers, signs, words, fractions, long texts.
+// that repeat, plain numbers, signs, words, fractions, long texts, a 24.
+// Between frames, text with telnet's DO 24 or a stray 25 and 26 in it.
 Stream randomStream(std::mt19937& rng, int frames) {
     static const int kCells[] = {7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 20, 21, 22, 24, 25,
                                  26, 28, 29, 48, 49, 50, 51, 52, 53, 0, 56, 57, 63};
     static const char* const kOdd[] = {"", "-3", "abc", "2.5", "&H1F", "7 2", "99999999999999999999", "x,y",
-                                       "123456789012345678"};
+                                       "123456789012345678", "\x18q"};
     static const char* const kItems[] = {"3,8,1", "1,64,1", "1,-1,2", " 1,8,4", "1,8", "2", "1.0,12,6", "x"};
     Stream s;
     auto pick = [&](std::size_t n) { return static_cast<std::size_t>(rng() % n); };
     for (int f = 0; f < frames; ++f) {
-        const std::string text = pick(4) == 0 ? std::string("\xFF\xFD\x18", 3) : "line " + std::to_string(f) + "\r\n";
+        const std::string text = pick(4) == 0   ? std::string("\xFF\xFD\x18", 3)
+                                 : pick(6) == 0 ? "a\x19\x1A" "b\r\n"
+                                                : "line " + std::to_string(f) + "\r\n";
         s.bytes += text;
         s.text += text;
         s.bytes += '\x18';
         s.items.emplace_back();
-        for (std::size_t i = 0, count = 1 + pick(8); i < count; ++i) {
+        for (std::size_t i = 0, count = pick(8); i < count; ++i) {
             std::string item;
             if (pick(12) == 0) {
                 item = kItems[pick(std::size(kItems))];
@@ -81,7 +83,7 @@ Stream randomStream(std::mt19937& rng, int frames) {
             s.bytes += item + '\x19';
             s.items.back().push_back(item);
         }
-        if (pick(5) == 0) s.bytes += "tail";  // behind the last 25: dropped
+        if (pick(5) == 0) s.bytes += "1,20,9";  // behind the last 25: dropped
         s.bytes += '\x1A';
         s.frameAt.push_back(s.bytes.size());
     }

@@ -1,13 +1,19 @@
-// A scripted server on the loopback interface, and the real socket with a
-// clock, a host and a folder of the test's own.
+// A scripted server on the loopback interface, the real socket with a
+// clock, a host and a folder of the test's own, and the main form on both.
 #pragma once
 
+#include <QLineEdit>
+#include <QPushButton>
 #include <QTcpServer>
 #include <QTcpSocket>
+#include <QTest>
 
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "shell/main_form_qt.h"
 #include "shell/qt_socket_qt.h"
 #include "support/fakes.h"
 
@@ -48,5 +54,39 @@ private:
 };
 
 using WirePlatform = PlatformWith<qt::QtSocket>;
+
+// The main form on the real socket. Its site book holds one site, "loc",
+// that points at the server and sends `init` on connecting; `files` are in
+// the folder before the form loads.
+struct WireForm {
+    explicit WireForm(std::vector<std::string> greetings = {},
+                      const std::vector<std::pair<std::string, std::string>>& files = {},
+                      const std::string& init = "")
+        : server(std::move(greetings)) {
+        for (const auto& [path, text] : files) p.folder.write(path, text);
+        const std::string site = "SITE=Local\r\nSSNA=loc\r\nSDNS=127.0.0.1\r\nSDNA=\r\nSDP_=" + server.port();
+        p.folder.write("CONN.ZIG", site + "\r\nSAP_=0\r\nSTRI=" + init + "\r\nSDSC=\r\ntest\r\n#\r\n");
+        form = std::make_unique<qt::MainForm>(p.platform);
+        form->listenTo(p.socket);
+        text1 = form->findChild<QLineEdit*>("Text1");
+        connectButton = form->findChild<QPushButton*>("CMD_CONNECT");
+        disconnectButton = form->findChild<QPushButton*>("CMD_DISCONNECT");
+    }
+    template <typename Condition>
+    static bool until(Condition done) { return QTest::qWaitFor(done, 5000); }
+    void connect() { form->client().CMD_CONNECT_Click(); }
+    bool connected() const { return server.current && p.socket.state() == Socket::kConnected; }
+    const Client& c() const { return form->client(); }
+    std::string window() const { return std::string(c().window(kMainWindow).text()); }
+    bool shows(const std::string& text) const { return window().find(text) != std::string::npos; }
+    std::string log() const { return p.folder.read("logs/loc/H.20261123.txt"); }
+
+    ScriptedServer server;
+    WirePlatform p;
+    std::unique_ptr<qt::MainForm> form;
+    QLineEdit* text1 = nullptr;
+    QPushButton* connectButton = nullptr;
+    QPushButton* disconnectButton = nullptr;
+};
 
 }  // namespace kelpa::test
