@@ -61,12 +61,14 @@ Stream randomStream(std::mt19937& rng, int frames) {
     static const char* const kOdd[] = {"", "-3", "abc", "2.5", "&H1F", "7 2", "99999999999999999999", "x,y",
                                        "123456789012345678", "\x18q"};
     static const char* const kItems[] = {"3,8,1", "1,64,1", "1,-1,2", " 1,8,4", "1,8", "2", "1.0,12,6", "x"};
+    // Lines of every length, so that text moves down in pieces of all sizes.
+    static const std::string kWords = "the orc swings at you and misses, you parry and strike back hard";
     Stream s;
     auto pick = [&](std::size_t n) { return static_cast<std::size_t>(rng() % n); };
     for (int f = 0; f < frames; ++f) {
         const std::string text = pick(4) == 0   ? std::string("\xFF\xFD\x18", 3)
                                  : pick(6) == 0 ? "a\x19\x1A" "b\r\n"
-                                                : "line " + std::to_string(f) + "\r\n";
+                                                : "line " + std::to_string(f) + kWords.substr(pick(60)) + "\r\n";
         s.bytes += text;
         s.text += text;
         s.bytes += '\x18';
