@@ -4,7 +4,9 @@
 # from the committed corpus.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-bash scripts/install-deps.sh
+bash scripts/install-deps.sh locales
+# The number tests also run under a German locale, which writes 1,5.
+locale -a 2>/dev/null | grep -qiE '^de_DE\.utf-?8$' || localedef -i de_DE -f UTF-8 de_DE.UTF-8
 export QT_QPA_PLATFORM=offscreen
 jobs=${KELPA_JOBS:-2}
 fuzz_seconds=${KELPA_FUZZ_SECONDS:-60}
