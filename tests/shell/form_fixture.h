@@ -79,6 +79,10 @@ struct FormFixture {
         doubleClick(control<QListWidget>(list), row);
         form().syncFromCore();
     }
+    void retype(const char* box, const QString& text) {
+        control<QLineEdit>(box)->selectAll();
+        QTest::keyClicks(control(box), text);
+    }
     void enter(const char* box, const QString& line) {
         QTest::keyClicks(control(box), line);
         QTest::keyClick(control(box), Qt::Key_Return);

@@ -23,8 +23,7 @@ TEST(ConnectionBar, PickingASiteFillsTheBoxesAndConnectUsesWhatTheBoxesHold) {
     QTest::keyClick(f.control("CB_Connections"), Qt::Key_Down);
     f.form().syncFromCore();
     EXPECT_EQ(f.text("Site") + " " + f.text("SPort"), "beta.example 0");
-    f.control<QLineEdit>("PPort")->selectAll();
-    QTest::keyClicks(f.control("PPort"), "6001");
+    f.retype("PPort", "6001");
     f.click("CMD_CONNECT");
     EXPECT_EQ(f.fake.socket.connects, std::vector<std::string>{"beta.example:6001"});
     EXPECT_TRUE(!f.control("CMD_CONNECT")->isEnabled() && f.control("CMD_DISCONNECT")->isEnabled());

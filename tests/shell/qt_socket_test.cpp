@@ -1,6 +1,6 @@
-// The real platform: the socket adapter, and the whole window over it,
-// against a real server on the loopback interface; the port box, and the
-// lock that tells another running Kelpa of the same user.
+// The real platform: the socket adapter against a real server on the
+// loopback interface, the port box, and the lock that tells another running
+// Kelpa of the same user.
 #include <gtest/gtest.h>
 
 #include <QDir>
@@ -10,7 +10,6 @@
 #include <unistd.h>
 
 #include "integration/loopback.h"
-#include "shell/main_form_qt.h"
 #include "shell/qt_platform_qt.h"
 #include "shell/qt_socket_qt.h"
 
@@ -101,36 +100,6 @@ TEST(QtSocket, ARefusedConnectionOrAnImpossiblePortIsAnErrorAfterTheCall) {
         EXPECT_EQ(r.events.size(), 1u);
         EXPECT_NE(s.state(), Socket::kConnected);
     }
-}
-
-// The whole window: what the server sends just before it closes is shown,
-// logged and kept before the close is handled.
-TEST(CloseWithData, EveryByteIsShownLoggedAndKeptBeforeTheCloseIsHandled) {
-    TempFolder folder;
-    QByteArray text;
-    for (int i = 0; text.size() < 200 * 1024; ++i)
-        text += "\x1b[1;3" + QByteArray::number(i % 8) + "mline " + QByteArray::number(i) + "\r\n";
-    text += "the last words";
-    ScriptedServer server({text.toStdString()});
-    server.hangUp = true;
-    auto form = qt::MainForm::createOn(std::make_unique<qt::QtPlatform>(folder.path()));
-    Client& c = form->client();
-    std::string historyAtClose, windowAtClose;
-    // Connected after the window's own handler, so it sees the state the
-    // close left behind; the road reads nothing once the socket is closed.
-    QObject::connect(&form->qtPlatform()->socket, &qt::QtSocket::closed, [&] {
-        historyAtClose = c.parts().history.text();
-        windowAtClose = std::string(c.parts().windows.text[kMainWindow].text());
-    });
-    c.parts().bar.Site = "127.0.0.1";
-    c.parts().bar.PPort = server.port();
-    c.parts().session.CMD_CONNECT_Click();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !windowAtClose.empty(); }, 10000));
-    EXPECT_EQ(historyAtClose, text.toStdString());
-    EXPECT_EQ(windowAtClose.substr(windowAtClose.size() - 14), "the last words");
-    const std::string log = folder.read(c.parts().log.currentPath());
-    EXPECT_EQ(log.substr(log.size() - 16), "the last words\r\n");
-    EXPECT_EQ(log.find("ERROR"), std::string::npos);
 }
 
 TEST(QtHost, TheLockFileLivesInTheUsersRuntimeFolder) {

@@ -25,10 +25,6 @@ struct ToolsFixture : FormFixture {
         form().tabs()->setCurrentIndex(6);
         control<qt::TabControl>("ToolsTabs")->setCurrentIndex(tool);
     }
-    void retype(const char* box, const char* text) {
-        control<QLineEdit>(box)->selectAll();
-        QTest::keyClicks(control(box), text);
-    }
     void setBody(const char* box, const char* text) { control<QPlainTextEdit>(box)->setPlainText(text); }
 };
 
