@@ -67,7 +67,7 @@ TEST(SiteManagerDialog, SavedSitesAreInTheBarAfterCloseWithTheFirstSelected) {
         QTest::keyClick(d->TXT_SSname, Qt::Key_Return);
     });
     auto* list = f.control<QComboBox>("CB_Connections");
-    EXPECT_EQ(std::tuple(list->count(), list->itemText(1), list->currentIndex()), std::tuple(2, QString("New"), 0));
+    EXPECT_EQ(std::tuple(list->count(), list->itemText(1), list->currentIndex()), std::tuple(2, u"New"_qs, 0));
     EXPECT_EQ(f.text("Site"), "old.org") << "the first site overwrites what was typed";
     EXPECT_EQ(f.form().findChild<SiteManager*>(), nullptr) << "the next opening is a fresh dialog";
 }

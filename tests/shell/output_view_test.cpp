@@ -24,7 +24,8 @@ QStringList linesOf(const OutputWindow& w, bool spans = false) {
         QString line = spans ? QString() : l.text;
         for (std::size_t i = 0; spans && i < l.spans.size(); ++i) {
             const qt::LaidSpan& s = l.spans[i];
-            line += QString("[%1 %2%3]").arg(l.text.mid(s.start, s.length), s.colour.name(), s.underline ? "_" : "");
+            const QString under = s.underline ? "_" : "";
+            line += QString("[%1 %2%3]").arg(l.text.mid(s.start, s.length), s.colour.name(), under);
         }
         out << line;
     }

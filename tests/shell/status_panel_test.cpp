@@ -54,8 +54,8 @@ TEST(StatusPanelView, BarsMergeWithTheirCellsByOr) {
     f.tick();
     const QImage shot = f.bar(0)->parentWidget()->grab().toImage();
     // A point of the cell's ground under the bar: grey 128 OR blue 255.
-    const QPointF p = (f.bar(0)->geometry().topLeft() + QPoint(f.bar(0)->width() - 2, 1)) * shot.devicePixelRatio();
-    EXPECT_EQ(QColor(shot.pixel(p.toPoint())), QColor(128, 128, 255));
+    const QPoint p = f.bar(0)->geometry().topLeft() + QPoint(f.bar(0)->width() - 2, 1);
+    EXPECT_EQ(QColor(shot.pixel((QPointF(p) * shot.devicePixelRatio()).toPoint())), QColor(128, 128, 255));
 }
 
 TEST(StatusPanelView, MouseOnThePanel) {

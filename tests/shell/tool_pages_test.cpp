@@ -87,7 +87,9 @@ TEST(MacroPage, DeleteAsksAndFailuresKeepTheBoxes) {
 // and keys of the page down to the files.
 TEST(TriggerPage, StartsWithTheTemplateAndLoadsEditsSavesAndDeletesFiles) {
     ToolsFixture f;
-    const auto boxes = [&] { return f.text("txtTRGLabel") + "|" + f.text("TxtTrgFlags") + "|" + f.text("txtTRGBody"); };
+    const auto boxes = [&] {
+        return f.text("txtTRGLabel") + "|" + f.text("TxtTrgFlags") + "|" + f.text("txtTRGBody");
+    };
     EXPECT_EQ(boxes(), "?.trigger|flag1=1|pattern1=?\naction=#nop\npattern1=?\naction=#nop");
     EXPECT_TRUE(f.control<QRadioButton>("Option1(0)")->isChecked());
     EXPECT_EQ(f.list("TList"), QStringList({"a.trigger", "b.trigger"}));
