@@ -147,7 +147,10 @@ struct PaintCounter : QObject {
     }
 };
 
-TEST(OutputView, AFloodOfChunksRepaintsAtMostOncePerFrame) {
+// A flood repaints at most once per frame. A long text that follows its end
+// leaves the scroll bar's handle at the bottom: new lines repaint the text but
+// not the bar, until the handle moves.
+TEST(OutputView, AFloodRepaintsAtMostOncePerFrameAndTheScrollBarOnlyWhenItsHandleMoves) {
     FormFixture f;
     f.fake.socket.connected = true;
     qt::OutputView* t = f.form().outputWindow(kMainWindow);
@@ -167,13 +170,7 @@ TEST(OutputView, AFloodOfChunksRepaintsAtMostOncePerFrame) {
     EXPECT_GE(counter.paints, 1);
     EXPECT_LE(counter.paints, ms / 16 + 2) << ms << " ms";
     EXPECT_EQ(t->lineText(t->lineCount() - 2), "chunk 199");
-}
 
-// A long text that follows its end leaves the scroll bar's handle at the
-// bottom: new lines repaint the text but not the bar, until the handle moves.
-TEST(OutputView, TheScrollBarRepaintsOnlyWhenItsHandleMoves) {
-    FormFixture f;
-    qt::OutputView* t = f.form().outputWindow(kMainWindow);
     std::string lines;
     for (int i = 0; i < 3000; ++i) lines += "line " + std::to_string(i) + "\r\n";
     print(f, lines);

@@ -25,7 +25,6 @@ struct ToolsFixture : FormFixture {
         form().tabs()->setCurrentIndex(6);
         control<qt::TabControl>("ToolsTabs")->setCurrentIndex(tool);
     }
-    void setBody(const char* box, const char* text) { control<QPlainTextEdit>(box)->setPlainText(text); }
 };
 
 TEST(MacroPage, ListsOpensSavesAndReloads) {
@@ -38,7 +37,7 @@ TEST(MacroPage, ListsOpensSavesAndReloads) {
 
     // Typed text is what Save writes, trimmed, with one CR LF behind it.
     f.retype("txtMacrosLabel", "new.macro");
-    f.setBody("txtMacrosCommands", "  say new\nsay more  ");
+    f.control<QPlainTextEdit>("txtMacrosCommands")->setPlainText("  say new\nsay more  ");
     f.click("BTNMacrosSave");
     EXPECT_EQ(f.fake.folder.read("macros/new.macro"), "say new\r\nsay more\r\n");
     EXPECT_EQ(f.list("Mlist").size(), 2);  // not refreshed by Save
@@ -69,7 +68,7 @@ TEST(MacroPage, DeleteAsksAndFailuresKeepTheBoxes) {
     EXPECT_EQ(f.text("txtMacrosLabel"), "?.macro");
 
     // The template's "?" and a folder that does not exist: told, text kept.
-    f.setBody("txtMacrosCommands", "say kept");
+    f.control<QPlainTextEdit>("txtMacrosCommands")->setPlainText("say kept");
     f.click("BTNMacrosSave");
     f.retype("txtMacrosLabel", "gone.macro");
     f.form().client().Text1_Enter("#override missing");
