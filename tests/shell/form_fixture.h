@@ -1,17 +1,43 @@
-// A main window over the fakes, shown on the offscreen screen.
+// A main window over the fakes, shown on the offscreen screen, with the
+// clicks and keys the widget tests give it.
 #pragma once
 
 #include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
 #include <QListWidget>
+#include <QPlainTextEdit>
+#include <QPushButton>
 #include <QTest>
+#include <QTimer>
 #include <QWidget>
 
+#include <functional>
 #include <memory>
 
 #include "shell/main_form_qt.h"
 #include "support/fakes.h"
+#include "toolkit/tab_control_qt.h"
 
 namespace kelpa::test {
+
+// The texts of a list's entries, top to bottom.
+inline QStringList itemsOf(QListWidget* list) {
+    QStringList out;
+    for (int i = 0; i < list->count(); ++i) out << list->item(i)->text();
+    return out;
+}
+
+// A double click on a list's entry; it counts only on the entry just pressed.
+inline void doubleClick(QListWidget* list, int row) {
+    QListWidgetItem* item = list->item(row);
+    list->setCurrentItem(item);
+    const QPoint at = list->visualItemRect(item).center();
+    QTest::mousePress(list->viewport(), Qt::LeftButton, {}, at);
+    QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, at);
+}
 
 struct FormFixture {
     FakePlatform fake;
@@ -32,24 +58,56 @@ struct FormFixture {
         return w;
     }
 
+    // What a box, label or button of that name shows.
+    QString text(const char* name) {
+        if (auto* box = qobject_cast<QPlainTextEdit*>(control(name))) return box->toPlainText();
+        return control(name)->property("text").toString();
+    }
+    QStringList list(const char* name) { return itemsOf(control<QListWidget>(name)); }
+
+    // Each action brings the mirrors up to date afterwards, as the frame does.
+    void click(const char* name) {
+        QTest::mouseClick(control<QAbstractButton>(name), Qt::LeftButton);
+        form().syncFromCore();
+    }
+    void clickTab(const char* name, int index) {
+        auto* tabs = control<qt::TabControl>(name);
+        QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(index).center());
+        form().syncFromCore();
+    }
+    void open(const char* list, int row) {
+        doubleClick(control<QListWidget>(list), row);
+        form().syncFromCore();
+    }
+    void retype(const char* box, const QString& text) {
+        control<QLineEdit>(box)->selectAll();
+        QTest::keyClicks(control(box), text);
+    }
+    void enter(const char* box, const QString& line) {
+        QTest::keyClicks(control(box), line);
+        QTest::keyClick(control(box), Qt::Key_Return);
+    }
+
+    // Presses a button and runs `inside` while the modal dialog it opens is
+    // up; returns once the dialog has closed, closing it if the test did not.
+    template <typename D>
+    void whileOpen(const char* button, const std::function<void(D*)>& inside) {
+        bool ran = false;
+        QTimer::singleShot(0, &form(), [&] {
+            D* d = form().findChild<D*>();
+            ran = d && d->isVisible() && d->isModal();
+            if (ran) inside(d);
+            if (d && d->isVisible()) {
+                ADD_FAILURE() << "the dialog is still open";
+                d->reject();
+            }
+        });
+        control<QAbstractButton>(button)->click();
+        EXPECT_TRUE(ran);
+    }
+
 private:
     std::unique_ptr<qt::MainForm> form_;
 };
-
-// The texts of a list's entries, top to bottom.
-inline QStringList itemsOf(QListWidget* list) {
-    QStringList out;
-    for (int i = 0; i < list->count(); ++i) out << list->item(i)->text();
-    return out;
-}
-
-// A double click on a list's entry; it counts only on the entry just pressed.
-inline void doubleClick(QListWidget* list, int row) {
-    QListWidgetItem* item = list->item(row);
-    list->setCurrentItem(item);
-    const QPoint at = list->visualItemRect(item).center();
-    QTest::mousePress(list->viewport(), Qt::LeftButton, {}, at);
-    QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, at);
-}
 
 }  // namespace kelpa::test

@@ -4,20 +4,12 @@
 // core's table both ways.
 #include <gtest/gtest.h>
 
-#include <QCheckBox>
-#include <QComboBox>
-#include <QLineEdit>
-#include <QPlainTextEdit>
-#include <QPushButton>
-#include <QTimer>
-
 #include <stdexcept>
 
 #include "command/bulk_dialog_qt.h"
 #include "form_fixture.h"
-#include "toolkit/tab_control_qt.h"
-#include "toolkit/widget_kit_qt.h"
 #include "sites/site_book.h"
+#include "toolkit/widget_kit_qt.h"
 #include "triggers/flags_form_qt.h"
 
 namespace kelpa::test {
@@ -26,20 +18,13 @@ namespace {
 TEST(ConnectionBar, PickingASiteFillsTheBoxesAndConnectUsesWhatTheBoxesHold) {
     FormFixture f;
     f.fake.folder.write("CONN.ZIG", formatSites({{"Alpha Realm", "alpha", "alpha.example", "", 4000, 4001, "", ""},
-                                                     {"Beta World", "beta", "beta.example", "", 6000, 0, "", ""}}));
-    auto* list = f.control<QComboBox>("CB_Connections");
-    EXPECT_EQ(f.control<QLineEdit>("Site")->text(), "alpha.example") << "the first site at start";
-    list->setFocus();
-    QTest::keyClick(list, Qt::Key_Down);
+                                                 {"Beta World", "beta", "beta.example", "", 6000, 0, "", ""}}));
+    EXPECT_EQ(f.text("Site"), "alpha.example") << "the first site at start";
+    QTest::keyClick(f.control("CB_Connections"), Qt::Key_Down);
     f.form().syncFromCore();
-    EXPECT_EQ(f.control<QLineEdit>("Site")->text(), "beta.example");
-    EXPECT_EQ(f.control<QLineEdit>("SPort")->text(), "0");
-
-    auto* port = f.control<QLineEdit>("PPort");
-    port->selectAll();
-    QTest::keyClicks(port, "6001");
-    QTest::mouseClick(f.control<QPushButton>("CMD_CONNECT"), Qt::LeftButton);
-    f.form().syncFromCore();
+    EXPECT_EQ(f.text("Site") + " " + f.text("SPort"), "beta.example 0");
+    f.retype("PPort", "6001");
+    f.click("CMD_CONNECT");
     EXPECT_EQ(f.fake.socket.connects, std::vector<std::string>{"beta.example:6001"});
     EXPECT_TRUE(!f.control("CMD_CONNECT")->isEnabled() && f.control("CMD_DISCONNECT")->isEnabled());
 }
@@ -49,13 +34,11 @@ TEST(StartUp, TabsOpenOnTheirFirstPageAndTheCheckBoxesOfThePageSystemSwitchTheCo
     for (const char* name : {"SSTab1", "SSTab2", "ToolsTabs", "InfoTabs"})
         EXPECT_EQ(f.control<qt::TabControl>(name)->currentIndex(), 0) << name;
     EXPECT_TRUE(f.control("t")->isVisible() && !f.control("DBGWindow")->isVisible());
-    auto* tab1 = f.control<qt::TabControl>("SSTab1");
-    QTest::mouseClick(tab1, Qt::LeftButton, {}, tab1->tabRect(1).center());
+    f.clickTab("SSTab1", 1);
     EXPECT_TRUE(f.control("DBGWindow")->isVisible() && !f.control("t")->isVisible());
-
-    Client& c = f.form().client();
     for (const char* box : {"IG", "CT", "DebugInfo"}) f.control<QCheckBox>(box)->click();
-    EXPECT_TRUE(!c.parts().windows.Graphics && !c.parts().pipeline.CleanerText && c.parts().debug.enabled);
+    const ClientParts& c = f.form().client().parts();
+    EXPECT_TRUE(!c.windows.Graphics && !c.pipeline.CleanerText && c.debug.enabled);
 }
 
 TEST(MainFormLayout, WidthWidensTheWorkAreaHeightMovesTheCommandLineAndATinyWindowRestores) {
@@ -86,12 +69,11 @@ TEST(MainFormLayout, WidthWidensTheWorkAreaHeightMovesTheCommandLineAndATinyWind
         EXPECT_EQ(w->geometry(), before[w]) << w->objectName().toStdString();
 }
 
-TEST(CommandLine, EnterSendsTheWholeLineInTheCodePageAndEmptiesTheBoxEscapeHidesAndKeepsIt) {
+TEST(CommandLine, EnterSendsTheWholeLineInTheCodePageEscapeHidesAndAFailureIsToldOnTheDebugChannel) {
     FormFixture f;
     f.fake.socket.connected = true;
     auto* text1 = f.control<QLineEdit>("Text1");
-    QTest::keyClicks(text1, "look");
-    QTest::keyClick(text1, Qt::Key_Return);
+    f.enter("Text1", "look");
     EXPECT_TRUE(text1->text().isEmpty());
     QTest::keyClick(text1, Qt::Key_Enter);  // the keypad's Enter, on an empty box
     text1->setText(QString::fromUtf8("say caf\u00e9 \u20ac5 \u4e2d"));
@@ -99,67 +81,42 @@ TEST(CommandLine, EnterSendsTheWholeLineInTheCodePageAndEmptiesTheBoxEscapeHides
     const std::string line(100000, 'k');
     text1->setText(QString::fromStdString(line));
     text1->end(false);
-    QTest::keyClicks(text1, "ab");  // typing goes on past any length
-    QTest::keyClick(text1, Qt::Key_Return);
+    f.enter("Text1", "ab");  // typing goes on past any length
     EXPECT_EQ(f.fake.socket.sent, "look\r\n\r\nsay caf\xE9 \x80" "5 ?\r\n" + line + "ab\r\n");
 
     QTest::keyClicks(text1, "north");
     QTest::keyClick(text1, Qt::Key_Escape);
     EXPECT_TRUE(f.fake.host.hidden);
     EXPECT_EQ(text1->text(), "north");
-}
 
-class ThrowingSocket : public FakeSocket {
-public:
-    bool sendData(const std::string&) override { throw std::runtime_error("socket broke"); }
-};
-
-TEST(CommandLine, AFailureInTheCoreIsToldOnTheDebugChannelAndTheProgramGoesOn) {
-    FormFixture f;
-    ThrowingSocket broken;
-    broken.connected = true;
-    Platform platform{broken, f.fake.clock, f.fake.random, f.fake.files, f.fake.host};
-    qt::MainForm form(platform);
-    form.findChild<QCheckBox*>("DebugInfo")->setChecked(true);
-    auto* text1 = form.findChild<QLineEdit*>("Text1");
-    text1->setText("look");
+    // The program goes on after a failure in the core.
+    f.fake.socket.onSend = [](const std::string&) { throw std::runtime_error("socket broke"); };
+    f.control<QCheckBox>("DebugInfo")->setChecked(true);
     QTest::keyClick(text1, Qt::Key_Return);
-    const std::string debug(form.client().parts().windows.text[kDebugWindow].text());
+    const std::string debug(f.form().client().parts().windows.text[kDebugWindow].text());
     EXPECT_NE(debug.find("Text1_KeyPress: socket broke"), std::string::npos) << debug;
     EXPECT_TRUE(text1->text().isEmpty());
-}
-
-// Runs `inside` once the modal dialog is up, then presses BTN_BULK.
-template <typename F>
-void withBulkOpen(FormFixture& f, F inside) {
-    qt::BulkDialog* bulk = f.form().bulkDialog();
-    QTimer::singleShot(0, bulk, [bulk, inside] {
-        EXPECT_TRUE(bulk->isVisible());
-        inside(bulk);
-    });
-    // A safety net, so that a failed test does not hang in the dialog.
-    QTimer::singleShot(3000, bulk, [bulk] { bulk->reject(); });
-    QTest::mouseClick(f.control<QPushButton>("BTN_BULK"), Qt::LeftButton);
 }
 
 TEST(BulkDialog, SendSendsEveryLineCancelAndEscapeSendNothingAndKeepTheText) {
     FormFixture f;
     f.fake.socket.connected = true;
-    withBulkOpen(f, [](qt::BulkDialog* bulk) { QTest::mouseClick(bulk->OKButton, Qt::LeftButton); });
-    withBulkOpen(f, [](qt::BulkDialog* bulk) {
-        bulk->TXT_Bulk->setPlainText(QString::fromUtf8("north\nsay\u00a0hi"));
-        QTest::mouseClick(bulk->OKButton, Qt::LeftButton);
-    });
+    // Writes the box (unless null) and closes the dialog as `close` says.
+    const auto bulk = [&f](const QString& text, const std::function<void(qt::BulkDialog*)>& close) {
+        f.whileOpen<qt::BulkDialog>("BTN_BULK", [&](qt::BulkDialog* d) {
+            if (!text.isNull()) d->TXT_Bulk->setPlainText(text);
+            close(d);
+        });
+    };
+    const auto ok = [](qt::BulkDialog* d) { QTest::mouseClick(d->OKButton, Qt::LeftButton); };
+    bulk({}, ok);
+    bulk(QString::fromUtf8("north\nsay\u00a0hi"), ok);
     EXPECT_EQ(f.fake.socket.sent, "\r\nnorth\r\nsay\xA0hi\r\n") << "an empty box sends a bare line end";
     EXPECT_TRUE(f.form().bulkDialog()->TXT_Bulk->toPlainText().isEmpty());
-    EXPECT_FALSE(f.form().bulkDialog()->isVisible());
 
     f.fake.socket.sent.clear();
-    withBulkOpen(f, [](qt::BulkDialog* bulk) {
-        bulk->TXT_Bulk->setPlainText("kill rat");
-        QTest::mouseClick(bulk->CancelButton, Qt::LeftButton);
-    });
-    withBulkOpen(f, [](qt::BulkDialog* bulk) { QTest::keyClick(bulk, Qt::Key_Escape); });
+    bulk("kill rat", [](qt::BulkDialog* d) { QTest::mouseClick(d->CancelButton, Qt::LeftButton); });
+    bulk({}, [](qt::BulkDialog* d) { QTest::keyClick(d, Qt::Key_Escape); });
     EXPECT_TRUE(f.fake.socket.sent.empty());
     EXPECT_EQ(f.form().bulkDialog()->TXT_Bulk->toPlainText(), "kill rat");
 }
@@ -168,12 +125,10 @@ TEST(FlagsForm, KeywordsShowWhileOpenAndClicksReachTheNextKeyword) {
     FormFixture f;
     f.fake.socket.connected = true;
     qt::FlagsForm* flags = f.form().flagsForm();
-    QTest::mouseClick(f.control<QPushButton>("BTN_Flags"), Qt::LeftButton);
-    auto* text1 = f.control<QLineEdit>("Text1");
+    f.click("BTN_Flags");
     // Types a line; the mirrors follow within a frame.
-    auto type = [&](const char* line, auto shown) {
-        QTest::keyClicks(text1, line);
-        QTest::keyClick(text1, Qt::Key_Return);
+    const auto type = [&](const char* line, auto shown) {
+        f.enter("Text1", line);
         return QTest::qWaitFor(shown, 2000);
     };
     const auto box = [&](int i) { return flags->TRGFLAG(i); };
@@ -189,18 +144,15 @@ TEST(FlagsForm, KeywordsShowWhileOpenAndClicksReachTheNextKeyword) {
     QTest::keyClick(flags, Qt::Key_Escape);
     EXPECT_FALSE(flags->isVisible());
     EXPECT_TRUE(f.form().client().parts().flags.value[12]);
-    QTest::mouseClick(f.control<QPushButton>("BTN_Flags"), Qt::LeftButton);
+    f.click("BTN_Flags");
     EXPECT_TRUE(box(12)->isChecked());
     QTest::mouseClick(flags->BTN_Close, Qt::LeftButton);
     EXPECT_FALSE(flags->isVisible());
-}
 
-TEST(FlagsForm, TheGridFitsTheDialogWithoutOverlaps) {
-    FormFixture f;
-    qt::FlagsForm* flags = f.form().flagsForm();
+    // The grid fits the dialog without overlaps.
     std::vector<QRect> taken{flags->BTN_Close->geometry()};
     for (int i = 0; i < FlagTable::kCount; ++i) {
-        const QRect r = flags->TRGFLAG(i)->geometry();
+        const QRect r = box(i)->geometry();
         EXPECT_TRUE(flags->rect().contains(r)) << i;
         for (const QRect& other : taken) EXPECT_FALSE(r.intersects(other)) << i;
         taken.push_back(r);

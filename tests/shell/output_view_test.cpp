@@ -4,25 +4,41 @@
 
 #include <QElapsedTimer>
 #include <QImage>
-
-#include <random>
 #include <QScrollBar>
 
+#include <random>
+
 #include "form_fixture.h"
-#include "toolkit/widget_kit_qt.h"
 #include "output/output_layout_qt.h"
 #include "output/output_view_qt.h"
+#include "toolkit/widget_kit_qt.h"
 
 namespace kelpa::test {
 namespace {
 
-QStringList linesOf(const OutputWindow& w) {
+// Each line laid out, or with `spans` as its spans: the text of each, its
+// colour and "_" when underlined.
+QStringList linesOf(const OutputWindow& w, bool spans = false) {
     QStringList out;
-    for (const qt::LaidLine& l : qt::layoutLines(w, Qt::black)) out << l.text;
+    for (const qt::LaidLine& l : qt::layoutLines(w, Qt::darkGreen)) {
+        QString line = spans ? QString() : l.text;
+        for (std::size_t i = 0; spans && i < l.spans.size(); ++i) {
+            const qt::LaidSpan& s = l.spans[i];
+            const QString under = s.underline ? "_" : "";
+            line += QString("[%1 %2%3]").arg(l.text.mid(s.start, s.length), s.colour.name(), under);
+        }
+        out << line;
+    }
     return out;
 }
 
-TEST(OutputLayout, BytesBecomeTheCharactersTheUserSees) {
+// Text written to the main window, with the view brought up to date.
+void print(FormFixture& f, const std::string& text) {
+    f.form().client().parts().writer.W_Print(text, kMainWindow);
+    f.form().syncFromCore();
+}
+
+TEST(OutputLayout, BytesBecomeTheCharactersTheUserSeesInTheColoursOfTheirRuns) {
     struct Row { const char* name; std::string bytes; bool graphics; QStringList lines; };
     const Row rows[] = {
         {"box bytes with graphics", "\xC9\xCD\xBB\r\n\xBA\xB1\xBA", true, {u"╔═╗"_qs, u"║░║"_qs}},
@@ -39,26 +55,14 @@ TEST(OutputLayout, BytesBecomeTheCharactersTheUserSees) {
         w.append(row.bytes, s);
         EXPECT_EQ(linesOf(w), row.lines) << row.name;
     }
-}
-
-TEST(OutputLayout, ColoursAndUnderlineFollowTheRuns) {
     OutputWindow w;
-    TextStyle red{rgb(255, 0, 0), false, false, false};
-    TextStyle underlinedBlue{rgb(0, 0, 255), true, false, false};
     TextStyle plain;
     plain.plain = true;
-    w.append("ab", red);
-    w.append("cd\r\nef", underlinedBlue);
+    w.append("ab", {rgb(255, 0, 0), false, false, false});
+    w.append("cd\r\nef", {rgb(0, 0, 255), true, false, false});
     w.append("g", plain);
-    const auto lines = qt::layoutLines(w, Qt::darkGreen);
-    ASSERT_EQ(lines.size(), 2u);
-    ASSERT_EQ(lines[0].spans.size(), 2u);
-    ASSERT_EQ(lines[1].spans.size(), 2u);
-    const auto& [red0, blue0] = std::tie(lines[0].spans[0], lines[0].spans[1]);
-    EXPECT_TRUE(red0.colour == QColor(255, 0, 0) && !red0.underline);
-    EXPECT_TRUE(blue0.colour == QColor(0, 0, 255) && blue0.underline);
-    EXPECT_EQ(lines[1].spans[1].start, 2);
-    EXPECT_EQ(lines[1].spans[1].colour, QColor(Qt::darkGreen)) << "plain text takes the view's colour";
+    EXPECT_EQ(linesOf(w, true), (QStringList{"[ab #ff0000][cd #0000ff_]", "[ef #0000ff_][g #008000]"}))
+        << "plain text takes the view's colour";
 }
 
 TEST(OutputView, LongLinesWrapAtTheViewsWidthAndNewTextBringsTheViewToTheEnd) {
@@ -66,26 +70,20 @@ TEST(OutputView, LongLinesWrapAtTheViewsWidthAndNewTextBringsTheViewToTheEnd) {
     qt::OutputView* t = f.form().outputWindow(kMainWindow);
     const int cols = t->columns();
     ASSERT_GT(cols, 10);
-    const std::string longLine(static_cast<std::size_t>(cols * 2 + 1), 'x');
-    f.form().client().parts().writer.W_Print(longLine + "\r\nshort", kMainWindow);
-    f.form().syncFromCore();
-    EXPECT_EQ(t->lineCount(), 2);
-    EXPECT_EQ(t->rowCount(), 4);
-
+    print(f, std::string(static_cast<std::size_t>(cols * 2 + 1), 'x') + "\r\nshort");
+    EXPECT_EQ(std::pair(t->lineCount(), t->rowCount()), std::pair(2, 4));
     f.form().resize(f.form().width() + 200, f.form().height());
     EXPECT_GT(t->columns(), cols);
     EXPECT_EQ(t->rowCount(), 3);
 
-    // New text brings the view back to the end.
-    Client& c = f.form().client();
-    for (int i = 0; i < 100; ++i) c.parts().writer.W_Print("line " + std::to_string(i) + "\r\n", kMainWindow);
-    f.form().syncFromCore();
+    std::string lines;
+    for (int i = 0; i < 100; ++i) lines += "line " + std::to_string(i) + "\r\n";
+    print(f, lines);
     QScrollBar* bar = t->verticalScrollBar();
     ASSERT_GT(bar->maximum(), 0);
     EXPECT_EQ(bar->value(), bar->maximum());
     bar->setValue(0);
-    c.parts().writer.W_Print("more\r\n", kMainWindow);
-    f.form().syncFromCore();
+    print(f, "more\r\n");
     EXPECT_EQ(bar->value(), bar->maximum());
 }
 
@@ -117,40 +115,42 @@ TEST(OutputView, TextLaidOutPieceByPieceDrawsAsALayoutFromScratch) {
         fresh.resize(view.size());
         fresh.show();
         QCoreApplication::processEvents();
-        ASSERT_EQ(view.lineCount(), fresh.lineCount()) << "step " << step;
-        for (int i = 0; i < view.lineCount(); ++i) ASSERT_EQ(view.lineText(i), fresh.lineText(i)) << "step " << step;
-        ASSERT_EQ(view.rowCount(), fresh.rowCount()) << "step " << step;
-        ASSERT_EQ(view.viewport()->grab().toImage(), fresh.viewport()->grab().toImage()) << "step " << step;
+        SCOPED_TRACE(step);
+        ASSERT_EQ(view.lineCount(), fresh.lineCount());
+        for (int i = 0; i < view.lineCount(); ++i) ASSERT_EQ(view.lineText(i), fresh.lineText(i));
+        ASSERT_EQ(view.rowCount(), fresh.rowCount());
+        ASSERT_EQ(view.viewport()->grab().toImage(), fresh.viewport()->grab().toImage());
     }
 }
 
 TEST(OutputView, ASelectionCopiesTheTextAcrossLines) {
     FormFixture f;
-    f.form().client().parts().writer.W_Print("abc\r\ndef", kMainWindow);
-    f.form().syncFromCore();
+    print(f, "abc\r\ndef");
     qt::OutputView* t = f.form().outputWindow(kMainWindow);
     QWidget* vp = t->viewport();
     const QFontMetrics fm(qt::monospaceFont(9.75));
-    const int cw = fm.horizontalAdvance('M'), lh = fm.lineSpacing();
     // The view sits at the end, with both lines in sight from the top.
-    QTest::mousePress(vp, Qt::LeftButton, {}, QPoint(cw + 1, lh / 2));
-    QMouseEvent move(QEvent::MouseMove, QPointF(2 * cw + 1, lh + lh / 2), vp->mapToGlobal(QPointF(2 * cw + 1, lh + lh / 2)),
-                     Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+    const QPoint from(fm.horizontalAdvance('M') + 1, fm.lineSpacing() / 2);
+    const QPoint to = from + QPoint(from.x() - 1, fm.lineSpacing());
+    QTest::mousePress(vp, Qt::LeftButton, {}, from);
+    QMouseEvent move(QEvent::MouseMove, to, vp->mapToGlobal(to), Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(vp, &move);
-    QTest::mouseRelease(vp, Qt::LeftButton, {}, QPoint(2 * cw + 1, lh + lh / 2));
+    QTest::mouseRelease(vp, Qt::LeftButton, {}, to);
     EXPECT_EQ(t->selectedText(), "bc\nde");
 }
 
-class PaintCounter : public QObject {
-public:
+struct PaintCounter : QObject {
     int paints = 0;
     bool eventFilter(QObject*, QEvent* e) override {
-        if (e->type() == QEvent::Paint) ++paints;
+        paints += e->type() == QEvent::Paint;
         return false;
     }
 };
 
-TEST(OutputView, AFloodOfChunksRepaintsAtMostOncePerFrame) {
+// A flood repaints at most once per frame. A long text that follows its end
+// leaves the scroll bar's handle at the bottom: new lines repaint the text but
+// not the bar, until the handle moves.
+TEST(OutputView, AFloodRepaintsAtMostOncePerFrameAndTheScrollBarOnlyWhenItsHandleMoves) {
     FormFixture f;
     f.fake.socket.connected = true;
     qt::OutputView* t = f.form().outputWindow(kMainWindow);
@@ -170,16 +170,10 @@ TEST(OutputView, AFloodOfChunksRepaintsAtMostOncePerFrame) {
     EXPECT_GE(counter.paints, 1);
     EXPECT_LE(counter.paints, ms / 16 + 2) << ms << " ms";
     EXPECT_EQ(t->lineText(t->lineCount() - 2), "chunk 199");
-}
 
-// A long text that follows its end leaves the scroll bar's handle at the
-// bottom: new lines repaint the text but not the bar, until the handle moves.
-TEST(OutputView, TheScrollBarRepaintsOnlyWhenItsHandleMoves) {
-    FormFixture f;
-    Client& c = f.form().client();
-    qt::OutputView* t = f.form().outputWindow(kMainWindow);
-    for (int i = 0; i < 3000; ++i) c.parts().writer.W_Print("line " + std::to_string(i) + "\r\n", kMainWindow);
-    f.form().syncFromCore();
+    std::string lines;
+    for (int i = 0; i < 3000; ++i) lines += "line " + std::to_string(i) + "\r\n";
+    print(f, lines);
     PaintCounter bar, text;
     t->verticalScrollBar()->installEventFilter(&bar);
     t->viewport()->installEventFilter(&text);
@@ -189,8 +183,7 @@ TEST(OutputView, TheScrollBarRepaintsOnlyWhenItsHandleMoves) {
         QTest::qWait(50);
         if (bar.paints == 0 && text.paints == 0) break;
     }
-    c.parts().writer.W_Print("one more\r\n", kMainWindow);
-    f.form().syncFromCore();
+    print(f, "one more\r\n");
     QTest::qWait(50);
     EXPECT_GE(text.paints, 1);
     EXPECT_EQ(bar.paints, 0);

@@ -1,12 +1,17 @@
-// The socket adapter, and the whole window over it, against a real server
-// on the loopback interface.
+// The real platform: the socket adapter against a real server on the
+// loopback interface, the port box, and the lock that tells another running
+// Kelpa of the same user.
 #include <gtest/gtest.h>
 
+#include <QDir>
+#include <QTemporaryDir>
 #include <QTest>
 
+#include <unistd.h>
+
 #include "integration/loopback.h"
-#include "shell/main_form_qt.h"
 #include "shell/qt_platform_qt.h"
+#include "shell/qt_socket_qt.h"
 
 namespace kelpa::test {
 namespace {
@@ -39,13 +44,21 @@ void record(qt::QtSocket& s, Recorder& r, bool skipFirstRead) {
 TEST(QtSocket, ErrorsCarryTheNumbersPlayersKnowAndTheirStatusCode) {
     using E = QAbstractSocket::SocketError;
     const std::pair<E, int> rows[] = {
-        {E::ConnectionRefusedError, 10061}, {E::HostNotFoundError, 11001}, {E::SocketTimeoutError, 10060},
-        {E::NetworkError, 10050},           {E::RemoteHostClosedError, 10001},
-        {E::UnknownSocketError, 9999},
+        {E::ConnectionRefusedError, 10061}, {E::HostNotFoundError, 11001},     {E::SocketTimeoutError, 10060},
+        {E::NetworkError, 10050},           {E::RemoteHostClosedError, 10001}, {E::UnknownSocketError, 9999},
     };
     for (const auto& [error, number] : rows) EXPECT_EQ(qt::QtSocket::errorNumber(error), number) << error;
-    EXPECT_EQ(qt::QtSocket::statusCode(10061), -2146818227);
     EXPECT_EQ(qt::QtSocket::statusCode(11001), -2146817287);
+}
+
+TEST(QtSocket, ThePortBoxMustHoldAWholePortNumberAndAWriteNeedsAConnection) {
+    const std::vector<std::pair<std::string, int>> rows = {
+        {"23", 23},     {" 4000 ", 4000}, {"65535", 65535}, {"1", 1},     {"23abc", 0}, {"", 0},
+        {"0", 0},       {"65536", 0},     {"-23", 0},       {"+23", 0},   {"2 3", 0},   {"http", 0},
+        {"0000023", 0}, {"99999", 0},     {"\t23", 0},
+    };
+    for (const auto& [text, port] : rows) EXPECT_EQ(qt::QtSocket::portNumber(text), port) << '"' << text << '"';
+    EXPECT_FALSE(qt::QtSocket().sendData("look\r\n"));
 }
 
 // Sent with the close: a flood comes wholly before the close, in chunks of
@@ -66,7 +79,7 @@ TEST(QtSocket, BytesThatComeWithTheServersCloseAreReadBeforeTheClose) {
         EXPECT_EQ(r.events.front(), "connect");
         EXPECT_EQ(r.data, text.toStdString()) << skipFirstRead;
         EXPECT_LE(r.largest, static_cast<std::size_t>(qt::QtSocket::kChunk));
-        if (!skipFirstRead) EXPECT_GT(r.largest, static_cast<std::size_t>(qt::QtSocket::kQtBuffer));
+        EXPECT_GT(r.largest, skipFirstRead ? 0 : static_cast<std::size_t>(qt::QtSocket::kQtBuffer));
         EXPECT_EQ(s.state(), 0);
     }
 }
@@ -89,36 +102,20 @@ TEST(QtSocket, ARefusedConnectionOrAnImpossiblePortIsAnErrorAfterTheCall) {
     }
 }
 
-// The whole window: what the server sends just before it closes is shown,
-// logged and kept before the close is handled.
-TEST(CloseWithData, EveryByteIsShownLoggedAndKeptBeforeTheCloseIsHandled) {
-    TempFolder folder;
-    QByteArray text;
-    for (int i = 0; text.size() < 200 * 1024; ++i)
-        text += "\x1b[1;3" + QByteArray::number(i % 8) + "mline " + QByteArray::number(i) + "\r\n";
-    text += "the last words";
-    ScriptedServer server({text.toStdString()});
-    server.hangUp = true;
-    auto form = qt::MainForm::createOn(std::make_unique<qt::QtPlatform>(folder.path()));
-    Client& c = form->client();
-    std::string historyAtClose, windowAtClose;
-    bool closed = false;
-    // Connected after the window's own handler, so it sees the state the
-    // close left behind; the road reads nothing once the socket is closed.
-    QObject::connect(&form->qtPlatform()->socket, &qt::QtSocket::closed, [&] {
-        historyAtClose = c.parts().history.text();
-        windowAtClose = std::string(c.parts().windows.text[kMainWindow].text());
-        closed = true;
-    });
-    c.parts().bar.Site = "127.0.0.1";
-    c.parts().bar.PPort = server.port();
-    c.parts().session.CMD_CONNECT_Click();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return closed; }, 10000));
-    EXPECT_EQ(historyAtClose, text.toStdString());
-    EXPECT_EQ(windowAtClose.substr(windowAtClose.size() - 14), "the last words");
-    const std::string log = folder.read(c.parts().log.currentPath());
-    EXPECT_EQ(log.substr(log.size() - 16), "the last words\r\n");
-    EXPECT_EQ(log.find("ERROR"), std::string::npos);
+TEST(QtHost, TheLockFileLivesInTheUsersRuntimeFolder) {
+    const QByteArray saved = qgetenv("XDG_RUNTIME_DIR");
+    QTemporaryDir runtime;
+    const QString elsewhere = QDir::temp().filePath(QStringLiteral("kelpa-%1.lock").arg(getuid()));
+    qputenv("XDG_RUNTIME_DIR", runtime.path().toLocal8Bit());
+    EXPECT_EQ(qt::QtHost::lockFilePath(), QDir(runtime.path()).filePath("kelpa.lock"));
+    qunsetenv("XDG_RUNTIME_DIR");
+    EXPECT_EQ(qt::QtHost::lockFilePath(), elsewhere);
+    qputenv("XDG_RUNTIME_DIR", "/no/such/folder");
+    EXPECT_EQ(qt::QtHost::lockFilePath(), elsewhere);
+    if (saved.isNull())
+        qunsetenv("XDG_RUNTIME_DIR");
+    else
+        qputenv("XDG_RUNTIME_DIR", saved);
 }
 
 }  // namespace

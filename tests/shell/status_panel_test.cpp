@@ -2,17 +2,10 @@
 // until Timer3, bars merged with their cells, and the mouse on the panel.
 #include <gtest/gtest.h>
 
-#include <QLabel>
-#include <QLineEdit>
-#include <QTest>
-
 #include "form_fixture.h"
-#include "toolkit/tab_control_qt.h"
 #include "toolkit/widget_kit_qt.h"
 
-using namespace kelpa;
-using kelpa::test::FormFixture;
-
+namespace kelpa::test {
 namespace {
 
 const std::string F24 = "\x18", I25 = "\x19", F26 = "\x1A";
@@ -27,33 +20,28 @@ struct PanelFixture : FormFixture {
         form().s_DataArrival();
         form().syncFromCore();
     }
-    QLabel* cell(int n) { return control<QLabel>(QStringLiteral("Info1(%1)").arg(n).toLatin1().constData()); }
+    void tick() {
+        form().client().Timer3_Timer();
+        form().syncFromCore();
+    }
+    QColor ground(int n) { return control(cellName(n).constData())->palette().color(QPalette::Window); }
     QWidget* bar(int n) { return control(QStringLiteral("ShapeParam(%1)").arg(n).toLatin1().constData()); }
+    static QByteArray cellName(int n) { return QStringLiteral("Info1(%1)").arg(n).toLatin1(); }
 };
-
-QColor back(QWidget* w) { return w->palette().color(QPalette::Window); }
-
-}  // namespace
 
 TEST(StatusPanelView, FrameFillsCellsBarsAndWordsAndTheTickGreysThem) {
     PanelFixture f;
-    f.form().client().Timer3_Timer();
-    f.form().syncFromCore();
-    EXPECT_EQ(back(f.cell(8)), QColor(128, 128, 128));
-
+    f.tick();
+    EXPECT_EQ(f.ground(8), QColor(128, 128, 128));
     f.receive("You hit." + F24 + "1,7,300" + I25 + "1,8,150" + I25 + "2,2,Kelpie" + I25 + "1,53,9" + I25 + F26 +
               "\r\n");
-    EXPECT_EQ(f.cell(8)->text(), QStringLiteral("150"));
-    EXPECT_EQ(f.cell(7)->text(), QStringLiteral("300"));
-    EXPECT_EQ(back(f.cell(8)), QColor(192, 192, 192));
-    EXPECT_EQ(f.control<QLabel>("Info2(2)")->text(), QStringLiteral("Kelpie"));
-    EXPECT_EQ(f.control<QLabel>("XInfo(4)")->text(), QStringLiteral("Fighting"));
+    EXPECT_EQ(QStringList({f.text("Info1(8)"), f.text("Info1(7)"), f.text("Info2(2)"), f.text("XInfo(4)")}),
+              QStringList({"150", "300", "Kelpie", "Fighting"}));
+    EXPECT_EQ(f.ground(8), QColor(192, 192, 192));
     EXPECT_EQ(f.bar(0)->width(), qt::px(300));
     EXPECT_EQ(f.bar(5)->width(), qt::px(1815)) << "bar 5 starts full";
-
-    f.form().client().Timer3_Timer();
-    f.form().syncFromCore();
-    EXPECT_EQ(back(f.cell(8)), QColor(128, 128, 128));
+    f.tick();
+    EXPECT_EQ(f.ground(8), QColor(128, 128, 128));
 
     // A current value far above its maximum: the bar is held at its frame.
     f.receive(F24 + "1,7,1" + I25 + "1,8,1e300" + I25 + F26);
@@ -63,37 +51,35 @@ TEST(StatusPanelView, FrameFillsCellsBarsAndWordsAndTheTickGreysThem) {
 TEST(StatusPanelView, BarsMergeWithTheirCellsByOr) {
     PanelFixture f;
     f.receive(F24 + "1,7,100" + I25 + "1,8,100" + I25 + F26);  // full, blue
-    f.form().client().Timer3_Timer();
-    f.form().syncFromCore();
-    QWidget* frame = f.bar(0)->parentWidget();
-    const QImage shot = frame->grab().toImage();
+    f.tick();
+    const QImage shot = f.bar(0)->parentWidget()->grab().toImage();
     // A point of the cell's ground under the bar: grey 128 OR blue 255.
     const QPoint p = f.bar(0)->geometry().topLeft() + QPoint(f.bar(0)->width() - 2, 1);
-    const qreal dpr = shot.devicePixelRatio();
-    EXPECT_EQ(QColor(shot.pixel(QPoint(int(p.x() * dpr), int(p.y() * dpr)))), QColor(128, 128, 255));
+    EXPECT_EQ(QColor(shot.pixel((QPointF(p) * shot.devicePixelRatio()).toPoint())), QColor(128, 128, 255));
 }
 
 TEST(StatusPanelView, MouseOnThePanel) {
     PanelFixture f;
     f.receive(F24 + "1,23,abc" + I25 + F26);
-    QLabel* label9 = f.control<QLabel>("Label9");
     QMouseEvent move(QEvent::MouseMove, QPointF(2, 2), QPointF(2, 2), Qt::NoButton, Qt::NoButton, Qt::NoModifier);
-    QApplication::sendEvent(f.cell(23), &move);
+    QApplication::sendEvent(f.control(PanelFixture::cellName(23).constData()), &move);
     f.form().syncFromCore();
-    EXPECT_EQ(label9->text(), QStringLiteral("23=abc"));
+    EXPECT_EQ(f.text("Label9"), "23=abc");
 
-    QWidget* dbg = f.control("FRM_DBG");
-    EXPECT_TRUE(dbg->isHidden());
-    QTest::mouseDClick(f.control("Label11"), Qt::LeftButton);
-    f.form().syncFromCore();
-    EXPECT_FALSE(dbg->isHidden());
-    QTest::mouseDClick(f.control("Label11"), Qt::LeftButton);
-    f.form().syncFromCore();
-    EXPECT_TRUE(dbg->isHidden());
+    // A double click on Label11 shows the debug frame, the next one hides it.
+    std::vector<bool> hidden{f.control("FRM_DBG")->isHidden()};
+    for (int i = 0; i < 2; ++i) {
+        QTest::mouseDClick(f.control("Label11"), Qt::LeftButton);
+        f.form().syncFromCore();
+        hidden.push_back(f.control("FRM_DBG")->isHidden());
+    }
+    EXPECT_EQ(hidden, (std::vector<bool>{true, false, true}));
 
-    auto* tabs = f.control<qt::TabControl>("InfoTabs");
     f.control("CB_Connections")->setFocus();
-    QTest::mouseClick(tabs, Qt::LeftButton, Qt::NoModifier, tabs->tabRect(1).center());
-    EXPECT_EQ(tabs->currentIndex(), 1);
+    f.clickTab("InfoTabs", 1);
+    EXPECT_EQ(f.control<qt::TabControl>("InfoTabs")->currentIndex(), 1);
     EXPECT_EQ(f.form().focusWidget(), f.control("Text1"));
 }
+
+}  // namespace
+}  // namespace kelpa::test

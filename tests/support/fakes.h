@@ -20,10 +20,7 @@ public:
     void connect(const std::string& host, const std::string& port) override {
         connects.push_back(host + ":" + port);
     }
-    void close() override {
-        ++closes;
-        connected = false;
-    }
+    void close() override { connected = false; }
     int state() const override { return connected ? kConnected : 0; }
     std::string getData() override {
         std::string d;
@@ -43,7 +40,6 @@ public:
     std::string sent;
     std::vector<std::string> writes;
     std::vector<std::string> connects;
-    int closes = 0;
     // Every write fails, as on a connection the kernel has given up.
     bool refuseWrites = false;
     // Called before a write is recorded, to see what else had happened by then.

@@ -26,7 +26,6 @@ public:
         return true;
     }
     std::unique_ptr<AppendFile> openAppend(const std::string& path) override {
-        if (readOnly) return nullptr;
         const auto slash = path.rfind('/');
         if (slash != std::string::npos && folders.count(path.substr(0, slash)) == 0) return nullptr;
         files[path];
@@ -62,13 +61,11 @@ public:
     // Bytes the disk takes in all; writes beyond fail.
     std::size_t capacity = static_cast<std::size_t>(-1);
     std::size_t used = 0;
-    // Opens and writes fail, as on a folder made read-only.
-    bool readOnly = false;
     // Appends are counted but not kept (a sink for long benches).
     bool keepAppends = true;
 
 private:
-    bool room(std::size_t n) const { return !readOnly && n <= capacity - std::min(used, capacity); }
+    bool room(std::size_t n) const { return n <= capacity - std::min(used, capacity); }
 
     class File : public AppendFile {
     public:
