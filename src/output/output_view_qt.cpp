@@ -177,8 +177,10 @@ void OutputView::showEvent(QShowEvent* e) {
     ensureLaidOut();
 }
 
+// Paints the text as the last sync laid it out: laying out newer text here
+// would move the scroll bar, whose move asks for another paint, and a flood
+// would repaint at every turn of the event loop instead of once a frame.
 void OutputView::paintEvent(QPaintEvent*) {
-    ensureLaidOut();
     QPainter p(viewport());
     p.fillRect(viewport()->rect(), background_);
     p.setFont(font_);
