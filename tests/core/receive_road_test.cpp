@@ -1,5 +1,5 @@
 // The receive road: the server session (connecting, the init string, the
-// socket's events), getline, lignes and S_ProcessLines (what the window,
+// socket's events), S_ProcessLines (what the window,
 // the log and the two trigger passes get of a chunk, and what a failure
 // leaves), and the session log (when it opens, the change of day in both
 // directions, the recall file checked by the same timer).
@@ -7,10 +7,8 @@
 
 #include <functional>
 #include <new>
-#include <random>
 #include <stdexcept>
 
-#include "common/lines.h"
 #include "session/server_session.h"
 #include "support/client_harness.h"
 
@@ -170,24 +168,6 @@ TEST(SessionLog, RecallFileShowsTheWindowAndIsDeletedEachTime) {
         h.c.as_timer_Timer();
         EXPECT_EQ(std::pair(h.fp.host.hidden, h.fp.host.shows), std::pair(false, round));
         EXPECT_FALSE(h.fp.files.exists(Client::kShowFile));
-    }
-}
-
-// getline and lignes have no caller of their own: they are the plain
-// reading the cursor is held against.
-TEST(Lines, CursorGivesTheLinesOfGetlineOnRandomTexts) {
-    std::mt19937 rng(1234);
-    const char alphabet[] = {'\r', '\n', 'a', 'b', ' '};
-    for (int round = 0; round < 2000; ++round) {
-        std::string text;
-        const std::size_t len = rng() % 24;
-        for (std::size_t i = 0; i < len; ++i) text += alphabet[rng() % 5];
-        Lines slow, fast;
-        for (int i = 1; i <= lignes(text); ++i) slow.push_back(getline(text, i, true));
-        LineCursor cursor(text);
-        std::string_view line;
-        while (cursor.next(line)) fast.emplace_back(line);
-        ASSERT_EQ(fast, slow) << "text of " << len << " bytes, round " << round;
     }
 }
 
