@@ -24,6 +24,14 @@ constexpr bool kSanitized = true;
 constexpr bool kSanitized = false;
 #endif
 
+// CPU time of this thread: a loaded machine may take the processor away for
+// longer than a chunk costs.
+double cpuSeconds() {
+    timespec ts{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &ts);
+    return static_cast<double>(ts.tv_sec) + static_cast<double>(ts.tv_nsec) * 1e-9;
+}
+
 // 10 MB in the 64 KB chunks the socket hands on: a text without a line
 // end, one ESC that never finds its final, one IAC SB that never ends.
 // Every chunk is done quickly, and nothing held between chunks grows.
@@ -32,23 +40,14 @@ TEST(Edges, FloodsThatNeverEndALineOrASequenceStayCheapPerChunk) {
     const std::string heads[] = {"", "\x1b[", std::string("\xFF\xFA\x22", 3)};
     for (const std::string& head : heads) {
         ClientHarness m(/*connected=*/true, /*debugOn=*/false);
-        std::string body(chunk, '7');
-        // CPU time of this thread: a loaded machine may take the processor
-        // away for longer than a chunk costs.
-        auto cpu = [] {
-            timespec ts{};
-            clock_gettime(CLOCK_THREAD_CPUTIME_ID, &ts);
-            return static_cast<double>(ts.tv_sec) + static_cast<double>(ts.tv_nsec) * 1e-9;
-        };
+        const std::string body(chunk, '7');
         double slowest = 0;
         for (std::size_t done = 0; done < total; done += chunk) {
-            const double t0 = cpu();
+            const double t0 = cpuSeconds();
             m.receive(done == 0 ? head + body.substr(head.size()) : body);
-            slowest = std::max(slowest, cpu() - t0);
+            slowest = std::max(slowest, cpuSeconds() - t0);
         }
-        if (!kSanitized) {
-            EXPECT_LT(slowest, 0.030) << head.size();
-        }
+        EXPECT_TRUE(kSanitized || slowest < 0.030) << slowest << " s for one chunk after " << head.size();
         EXPECT_EQ(m.c.parts().history.size(), total);
         EXPECT_LE(m.c.parts().windows.text[kMainWindow].size(), 3500u);
         EXPECT_LE(m.c.parts().windows.state[kMainWindow].Pending.size(), 5u);
@@ -67,8 +66,7 @@ TEST(Edges, AFullDeviceEndsTheLogAndTheTextStays) {
     h.openLog();
     h.receive("lost\r\n");
     h.receive("shown\r\n");
-    EXPECT_EQ(h.window(kMainWindow), "lost\r\nshown\r\n");
-    EXPECT_EQ(h.history(), "lost\r\nshown\r\n");
+    EXPECT_EQ(h.window(kMainWindow) + "|" + h.history(), "lost\r\nshown\r\n|lost\r\nshown\r\n");
     const std::string debug = h.debugText();
     EXPECT_NE(debug.find("Cannot write the log " + log.string()), std::string::npos) << debug;
     EXPECT_EQ(debug.find("Cannot write the log"), debug.rfind("Cannot write the log")) << "told once";

@@ -10,13 +10,7 @@
 using namespace kelpa;
 
 TEST(ProgramFolder, ArgumentThenWritableExecutableFolderThenXdgDataHome) {
-    struct Row {
-        bool writable;
-        bool installed;
-        std::vector<std::string> args;
-        std::string xdg, home;
-        std::string folder;
-    };
+    struct Row { bool writable, installed; std::vector<std::string> args; std::string xdg, home, folder; };
     const std::vector<Row> rows = {
         {true, false, {}, "/x", "/h", "/opt/kelpa"},                       // portable copy
         {false, false, {}, "/x/data/", "/h", "/x/data/kelpa"},             // read-only folder
