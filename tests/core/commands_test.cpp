@@ -263,20 +263,17 @@ TEST(Macros, DeepCallsRunAndCirclesStopAtTheLimit) {
     EXPECT_EQ(h.writes(), sent);
 }
 
-TEST(Macros, BranchingCallsStopAtTheBudgetOfOneRun) {
+// Branching calls and huge expansions stop at the budgets of one run; the
+// next command from outside has the whole budgets again.
+TEST(Macros, BranchingCallsAndHugeExpansionsStopAtTheBudgetsOfOneRun) {
     Lines h;
     h.file("tree.macro", "@tree\r\n@tree");
     h.run("@tree\r\nsay alive");
     EXPECT_EQ(h.count("More than 1000 nested commands in one run, stopped at: @tree\r\n"), 1u);
     EXPECT_EQ(h.writes(), Writes{"say alive\r\n"});
-    // The next command from outside has the whole budget again.
     h.c.parts().windows.text[kDebugWindow].clear();
     h.run("@tree");
     EXPECT_EQ(h.count("More than 1000 nested commands in one run"), 1u);
-}
-
-TEST(Macros, HugeExpansionsStopAtTheWorkBudgetOfOneRun) {
-    Lines h;
     // Eight doublings leave 128 KB in X; each line that names it sends it all.
     std::string text = "#sv x " + std::string(512, 'a');
     for (int i = 0; i < 8; ++i) text += "\r\n#sv x %x%x";
@@ -286,7 +283,7 @@ TEST(Macros, HugeExpansionsStopAtTheWorkBudgetOfOneRun) {
     EXPECT_GT(h.fp.socket.sent.size(), std::size_t{3} << 20);
     EXPECT_LT(h.fp.socket.sent.size(), std::size_t{4} << 20);
     EXPECT_NE(h.writes().back(), "say never\r\n");
-    h.run("say alive");  // the next run has the whole budget again
+    h.run("say alive");
     EXPECT_EQ(h.writes().back(), "say alive\r\n");
 }
 
