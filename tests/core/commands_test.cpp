@@ -106,7 +106,8 @@ TEST(Keywords, MathWithEveryOperatorAndItsFailures) {
           "#math d / 1 0\r\n#math z % 1 2\r\n#math e * 1e10 1e10\r\n#math n - 0 0.00001\r\n"
           "#math big * 1e300 1e300\r\n#math word + abc 2");
     std::string values;
-    for (const char* name : {"HP", "R", "Q", "S", "D", "Z", "E", "N", "BIG", "WORD"}) values += h.value(name) + " ";
+    for (const char* name : {"HP", "R", "Q", "S", "D", "Z", "E", "N", "BIG", "WORD"})
+        values += h.value(name) + " ";
     EXPECT_EQ(values, "14 5 0.333333333333333 0.3 0 0 1E+20 -1E-05 0 2 ");
     EXPECT_TRUE(h.has("Setting value of 1 HP to 14"));
     EXPECT_TRUE(h.has("Division by 0\r\nSetting value of 5 D to 0"));
@@ -144,7 +145,8 @@ TEST(Keywords, WindowsInkAndLabels) {
 
     h.run("#lw 1 hunt\r\n#labelwindow 4 bank\r\n#lw 5 x\r\n#lw 0.5 y\r\n#lw 2");
     const auto& tabs = h.c.parts().keywords.tabs.caption;
-    EXPECT_EQ(Writes(tabs.begin(), tabs.end()), (Writes{"Main", "System", "HUNT", "", "Custom 3", "BANK", "Tools"}));
+    EXPECT_EQ(Writes(tabs.begin(), tabs.end()),
+              (Writes{"Main", "System", "HUNT", "", "Custom 3", "BANK", "Tools"}));
     EXPECT_TRUE(h.has("Window 5 out of boundries 1,4\r\nWindow 0.5 out of boundries 1,4\r\n"));
     h.run("#ulw");
     EXPECT_EQ(tabs[2] + tabs[5], "Custom 1Custom 4");
@@ -172,17 +174,17 @@ TEST(Keywords, InjectQueueMessageBossOverrideHelpAndUnknown) {
 // Each keyword by its long name does what its short name does.
 TEST(Keywords, LongAndShortNamesDoTheSame) {
     const std::vector<std::pair<std::string, std::string>> forms = {
-        {"SETVAL", "SV"},     {"UNSETVAL", "UV"},   {"CLEARFLAGS", "CF"}, {"UNLABELWINDOW", "ULW"}, {"MSGBOX", "MB"},
-        {"SETFLAG", "SF"},    {"LABELFLAG", "LF"},  {"SWITCHFLAG", "SWF"}, {"LABELWINDOW", "LW"},   {"ECHO", "E"},
-        {"INJECT", "I"},      {"QUEUE", "Q"},       {"IFDIF", "IFNEQ"},    {"NOP", "REM"},
+        {"SETVAL", "SV"},   {"UNSETVAL", "UV"},   {"CLEARFLAGS", "CF"}, {"UNLABELWINDOW", "ULW"}, {"MSGBOX", "MB"},
+        {"SETFLAG", "SF"},  {"LABELFLAG", "LF"},  {"SWITCHFLAG", "SWF"}, {"LABELWINDOW", "LW"}, {"ECHO", "E"},
+        {"INJECT", "I"},    {"QUEUE", "Q"},       {"IFDIF", "IFNEQ"},    {"NOP", "REM"},
     };
     auto effect = [](const std::string& keyword) {
         Lines h;
         h.run("#sv a 1\r\n#sf 3 0\r\n#lf 3 x\r\n#lw 1 y");
         h.run("#" + keyword + " 3 4 b");
         h.c.Queue_Timer();
-        std::string probe = h.value("3") + "|" + h.value("A") + "|" + h.flags() + "|" + h.window(kMainWindow) + "|" +
-                            h.window(3) + "|" + h.fp.socket.sent;
+        std::string probe = h.value("3") + "|" + h.value("A") + "|" + h.flags() + "|" +
+                            h.window(kMainWindow) + "|" + h.window(3) + "|" + h.fp.socket.sent;
         for (const std::string& tab : h.c.parts().keywords.tabs.caption) probe += "|" + tab;
         for (const std::string& m : h.fp.host.messages) probe += "|" + m;
         EXPECT_FALSE(h.has("Unknown key word")) << keyword;

@@ -89,7 +89,8 @@ TEST(OutputWriter, InkOffInterpretsButWritesNothingAndStillCuts) {
     Writer h;
     h.state(kMainWindow).Ink = false;
     h.print("a" + ESC + "[0;31mb");
-    EXPECT_EQ(std::pair(h.window(kMainWindow), h.state(kMainWindow).Colour), std::pair(std::string(), rgb(128, 0, 0)));
+    EXPECT_EQ(std::pair(h.window(kMainWindow), h.state(kMainWindow).Colour),
+              std::pair(std::string(), rgb(128, 0, 0)));
     // The debug channel may leave window 1 above its limit; the next W_Print
     // cuts it even though it writes nothing.
     h.c.parts().debug.DebugLog(std::string(6000, 'd'));
@@ -266,7 +267,8 @@ TEST(DebugChannel, OpenLinesTheSwitchAndFlatColours) {
     off.c.setDebugInfo(true);
     off.c.parts().debug.DebugLog("kept");
     EXPECT_EQ(off.debugText(), "redkept\r\n");
-    EXPECT_EQ(runsOf(off.c.parts().windows.text[kDebugWindow]), (Runs{{0, 3, 0, false, true, true}, {3, 9, 0, false, true, false}}));
+    EXPECT_EQ(runsOf(off.c.parts().windows.text[kDebugWindow]),
+              (Runs{{0, 3, 0, false, true, true}, {3, 9, 0, false, true, false}}));
 }
 
 // Negotiation is swallowed and told only in the debug window; telnet's
@@ -393,8 +395,8 @@ TEST(Ansi, SgrParametersChangeTheWindowState) {
         const WindowState& st = h.state(kMainWindow);
         const std::string flags = std::string(st.NotBold ? "n" : "") + (st.Underline ? "u" : "") +
                                   (st.Blink ? "b" : "") + (st.Reverse ? "r" : "");
-        EXPECT_EQ(std::tuple(h.window(kMainWindow), styleAt(h.c.parts().windows.text[kMainWindow], 0).colour, flags,
-                             st.BackColour, h.debugText()),
+        const std::uint32_t shown = styleAt(h.c.parts().windows.text[kMainWindow], 0).colour;
+        EXPECT_EQ(std::tuple(h.window(kMainWindow), shown, flags, st.BackColour, h.debugText()),
                   std::tuple("x", row.shown, row.flags, row.back, row.debug));
     }
 }
@@ -403,7 +405,8 @@ TEST(Ansi, NewWindowIsBoldUntilTheFirstReset) {
     Writer h;
     h.print("a" + csi("m") + "b" + csi("0m"), kCustom1);
     const OutputWindow& w = h.c.parts().windows.text[kCustom1];
-    EXPECT_EQ(std::pair(styleAt(w, 0).colour, styleAt(w, 1).colour), std::pair(rgb(255, 255, 255), rgb(192, 192, 192)));
+    EXPECT_EQ(std::pair(styleAt(w, 0).colour, styleAt(w, 1).colour),
+              std::pair(rgb(255, 255, 255), rgb(192, 192, 192)));
 }
 
 TEST(Ansi, FinalsOtherThanSgr) {
@@ -418,7 +421,7 @@ TEST(Ansi, FinalsOtherThanSgr) {
         Writer h;
         h.print("old");
         h.print("mid" + row.seq + "new");
-        EXPECT_EQ(h.window(kMainWindow) + "|" + h.debugText(),
-                  (row.clears ? "new|" : "oldmidnew|") + (row.supported ? "" : "ANSI not supported " + row.seq + "\r\n"));
+        const std::string told = row.supported ? "" : "ANSI not supported " + row.seq + "\r\n";
+        EXPECT_EQ(h.window(kMainWindow) + "|" + h.debugText(), (row.clears ? "new|" : "oldmidnew|") + told);
     }
 }

@@ -114,7 +114,8 @@ TEST(ServerSession, ConnectCloseAndErrorSetTheButtonsAndTheLog) {
     // An error leaves the log open, a close or a disconnect closes it.
     h.c.parts().session.s_Error(10061, "Connection refused", -2146818227);
     EXPECT_TRUE(bar.connectEnabled && !bar.disconnectEnabled && h.fp.socket.state() == 0);
-    EXPECT_EQ(h.c.parts().log.isOpen() ? h.logFile() : "closed", "Sock 10061 Connection refused -2146818227\r\n");
+    EXPECT_EQ(h.c.parts().log.isOpen() ? h.logFile() : "closed",
+              "Sock 10061 Connection refused -2146818227\r\n");
     EXPECT_NE(h.debugText().find("Sock 10061 Connection refused -2146818227\r\n"), std::string::npos);
     h.c.parts().bar.CB_Connections_Click(1);  // an empty init string sends nothing
     for (const bool button : {false, true}) {

@@ -93,7 +93,8 @@ struct Random {
     // Random bytes with pattern texts planted, some cut or changed.
     std::string chunk() {
         std::string s;
-        for (int k = below(5); k > 0; --k) s += below(2) || pool.empty() ? text(8) : below(4) ? pattern() : earlier();
+        for (int k = below(5); k > 0; --k)
+            s += below(2) || pool.empty() ? text(8) : below(4) ? pattern() : earlier();
         return s;
     }
 };
