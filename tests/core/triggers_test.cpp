@@ -224,18 +224,6 @@ TEST(TriggerEditor, TemplateSavesLoadsAndSavesAgain) {
     EXPECT_EQ(t.fp.host.messages, std::vector<std::string>{});
 }
 
-TEST(TriggerEditor, ExtensionsInAnyCaseAreListedAndLoaded) {
-    TriggerFixture t;
-    t.trigger("Heal.TRIGGER", "pattern1=hurt\r\naction=heal");
-    t.trigger("b.Trigger", "pattern1=hurt\r\naction=bandage", true);
-    t.trigger("notes.trigger.bak", "pattern1=hurt\r\naction=no");
-    t.c.LoadTriggers();
-    t.c.parts().triggerEditor.brefresh2_Click();
-    EXPECT_EQ(t.c.parts().triggerEditor.TList, std::vector<std::string>{"Heal.TRIGGER"});
-    t.receive("hurt");
-    EXPECT_EQ(t.sent(), "bandage\r\nheal\r\n");
-}
-
 // Names are checked as the macro editor checks them; a failed save or
 // delete says why and keeps the boxes.
 TEST(TriggerEditor, RefusedNamesAndFailedSavesAndDeletesSayWhyAndKeepTheBoxes) {
