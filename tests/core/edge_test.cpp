@@ -24,6 +24,14 @@ constexpr bool kSanitized = true;
 constexpr bool kSanitized = false;
 #endif
 
+// CPU time of this thread: a loaded machine may take the processor away for
+// longer than a chunk costs.
+double cpuSeconds() {
+    timespec ts{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &ts);
+    return static_cast<double>(ts.tv_sec) + static_cast<double>(ts.tv_nsec) * 1e-9;
+}
+
 // 10 MB in the 64 KB chunks the socket hands on: a text without a line
 // end, one ESC that never finds its final, one IAC SB that never ends.
 // Every chunk is done quickly, and nothing held between chunks grows.
@@ -32,23 +40,14 @@ TEST(Edges, FloodsThatNeverEndALineOrASequenceStayCheapPerChunk) {
     const std::string heads[] = {"", "\x1b[", std::string("\xFF\xFA\x22", 3)};
     for (const std::string& head : heads) {
         ClientHarness m(/*connected=*/true, /*debugOn=*/false);
-        std::string body(chunk, '7');
-        // CPU time of this thread: a loaded machine may take the processor
-        // away for longer than a chunk costs.
-        auto cpu = [] {
-            timespec ts{};
-            clock_gettime(CLOCK_THREAD_CPUTIME_ID, &ts);
-            return static_cast<double>(ts.tv_sec) + static_cast<double>(ts.tv_nsec) * 1e-9;
-        };
+        const std::string body(chunk, '7');
         double slowest = 0;
         for (std::size_t done = 0; done < total; done += chunk) {
-            const double t0 = cpu();
+            const double t0 = cpuSeconds();
             m.receive(done == 0 ? head + body.substr(head.size()) : body);
-            slowest = std::max(slowest, cpu() - t0);
+            slowest = std::max(slowest, cpuSeconds() - t0);
         }
-        if (!kSanitized) {
-            EXPECT_LT(slowest, 0.030) << head.size();
-        }
+        EXPECT_TRUE(kSanitized || slowest < 0.030) << slowest << " s for one chunk after " << head.size();
         EXPECT_EQ(m.c.parts().history.size(), total);
         EXPECT_LE(m.c.parts().windows.text[kMainWindow].size(), 3500u);
         EXPECT_LE(m.c.parts().windows.state[kMainWindow].Pending.size(), 5u);
@@ -67,8 +66,7 @@ TEST(Edges, AFullDeviceEndsTheLogAndTheTextStays) {
     h.openLog();
     h.receive("lost\r\n");
     h.receive("shown\r\n");
-    EXPECT_EQ(h.window(kMainWindow), "lost\r\nshown\r\n");
-    EXPECT_EQ(h.history(), "lost\r\nshown\r\n");
+    EXPECT_EQ(h.window(kMainWindow) + "|" + h.history(), "lost\r\nshown\r\n|lost\r\nshown\r\n");
     const std::string debug = h.debugText();
     EXPECT_NE(debug.find("Cannot write the log " + log.string()), std::string::npos) << debug;
     EXPECT_EQ(debug.find("Cannot write the log"), debug.rfind("Cannot write the log")) << "told once";
@@ -85,18 +83,21 @@ TEST(Edges, EditorsInAFolderThatRefusesFilesSayWhyAndKeepTheText) {
     ClientHarness h;
     for (const char* folder : {"triggers", "macros"})
         std::filesystem::create_symlink("/proc/self", h.fp.folder.path() / folder);
-    h.c.parts().triggerEditor.btnTRGNew_Click();
-    h.c.parts().triggerEditor.txtTRGLabel = "a.trigger";
-    h.c.parts().triggerEditor.btnTRGSave_Click();
-    h.c.parts().macroEditor.txtMacrosLabel = "a.macro";
-    h.c.parts().macroEditor.txtMacrosCommands = "say kept";
-    h.c.parts().macroEditor.BTNMacrosSave_Click();
-    ASSERT_EQ(h.fp.host.messages.size(), 2u);
-    EXPECT_EQ(h.fp.host.messages[0].rfind("Cannot save the trigger " + h.fp.files.absolute("triggers/a.trigger") + ": ", 0),
-              0u) << h.fp.host.messages[0];
-    EXPECT_EQ(h.fp.host.messages[1], "Cannot save the macro " + h.fp.files.absolute("macros/a.macro"));
-    EXPECT_EQ(h.c.parts().triggerEditor.txtTRGBody, "pattern1=?\r\naction=#nop\r\npattern1=?\r\naction=#nop");
-    EXPECT_EQ(h.c.parts().macroEditor.txtMacrosCommands, "say kept");
+    TriggerEditor& trigger = h.c.parts().triggerEditor;
+    MacroEditor& macro = h.c.parts().macroEditor;
+    trigger.btnTRGNew_Click();
+    trigger.txtTRGLabel = "a.trigger";
+    trigger.btnTRGSave_Click();
+    macro.txtMacrosLabel = "a.macro";
+    macro.txtMacrosCommands = "say kept";
+    macro.BTNMacrosSave_Click();
+    const std::vector<std::string>& told = h.fp.host.messages;
+    ASSERT_EQ(told.size(), 2u);
+    const std::string triggerPath = h.fp.files.absolute("triggers/a.trigger");
+    EXPECT_EQ(told[0].rfind("Cannot save the trigger " + triggerPath + ": ", 0), 0u) << told[0];
+    EXPECT_EQ(told[1], "Cannot save the macro " + h.fp.files.absolute("macros/a.macro"));
+    EXPECT_EQ(trigger.txtTRGBody + "|" + macro.txtMacrosCommands,
+              "pattern1=?\r\naction=#nop\r\npattern1=?\r\naction=#nop|say kept");
 }
 
 TEST(Edges, TheDebugWindowKeepsItsFirstCharacterAndFourFifthsPastItsBound) {
@@ -105,10 +106,8 @@ TEST(Edges, TheDebugWindowKeepsItsFirstCharacterAndFourFifthsPastItsBound) {
     h.c.parts().debug.DebugLog("first");
     for (int i = 0; i < 100; ++i) h.c.parts().debug.DebugLog(line);
     const std::string text = h.debugText();
-    EXPECT_LE(text.size(), DebugChannel::kMaxChars);
-    EXPECT_GE(text.size(), DebugChannel::kMaxChars * 4 / 5);
-    EXPECT_EQ(text.front(), 'f');
-    EXPECT_EQ(text.substr(text.size() - 1002), "\r\n" + line + "\r\n");
+    EXPECT_TRUE(text.size() <= DebugChannel::kMaxChars && text.size() >= DebugChannel::kMaxChars * 4 / 5);
+    EXPECT_EQ(text.front() + text.substr(text.size() - 1002), "f\r\n" + line + "\r\n");
 }
 
 }  // namespace

@@ -1,11 +1,14 @@
 // W_Print and the window model: segments, Pending, the window limit, Ink,
-// box-drawing glyphs and the cost of appending to a full window; and the
-// debug channel that writes into window 1.
+// box-drawing glyphs and the cost of appending to a full window; the debug
+// channel that writes into window 1; and the telnet layer and the ESC
+// interpreter (SGR parameters, the finals) that W_Print drives.
 #include <gtest/gtest.h>
 
 #include <array>
+#include <functional>
 #include <random>
 #include <tuple>
+#include <utility>
 
 #include "common/run_error.h"
 #include "support/client_harness.h"
@@ -18,14 +21,36 @@ using kelpa::test::styleAt;
 namespace {
 
 const std::string ESC = "\x1B";
+const std::string IAC = bytes({255});
+const std::string kAnswer = bytes({255, 250, 24, 0}) + "ANSI" + bytes({0, 255, 240});
 
-}  // namespace
+std::string csi(const std::string& body) { return ESC + "[" + body; }
+
+// A text written to window 0, what the window and the debug window show,
+// and what waits for the next text.
+struct IacRow { std::string name, text, display, debug, pending = {}; };
 
 struct Writer : ClientHarness {
     using ClientHarness::ClientHarness;
     void print(const std::string& text, int win = kMainWindow) { c.parts().writer.W_Print(text, win); }
     TextStyle style(int win, std::size_t pos) { return styleAt(c.parts().windows.text[win], pos); }
 };
+
+using Runs = std::vector<std::tuple<std::size_t, std::size_t, std::uint32_t, bool, bool, bool>>;
+
+Runs runsOf(const OutputWindow& w) {
+    Runs runs;
+    w.forEachRun([&](const OutputWindow::Run& r) {
+        runs.emplace_back(r.begin, r.end, r.style.colour, r.style.underline, r.style.plain, r.style.graphics);
+    });
+    return runs;
+}
+
+auto stateOf(const WindowState& x) {
+    return std::tie(x.Colour, x.NotBold, x.BackColour, x.Underline, x.Blink, x.Reverse, x.Ink, x.Pending, x.StartLen);
+}
+
+}  // namespace
 
 // The differential test below holds the fast paths against a reading that
 // shares these rules; these rows pin the rules themselves.
@@ -40,8 +65,8 @@ TEST(OutputWriter, FragmentWithoutFinalWaitsUpToFiveCharacters) {
     for (const auto& row : rows) {
         Writer h;
         h.print(row.text);
-        EXPECT_EQ(h.window(kMainWindow), row.shown) << row.text.substr(1);
-        EXPECT_EQ(h.state(kMainWindow).Pending, row.pending) << row.text.substr(1);
+        EXPECT_EQ(h.window(kMainWindow) + "|" + h.state(kMainWindow).Pending, row.shown + "|" + row.pending)
+            << row.text.substr(1);
     }
 }
 
@@ -64,16 +89,14 @@ TEST(OutputWriter, InkOffInterpretsButWritesNothingAndStillCuts) {
     Writer h;
     h.state(kMainWindow).Ink = false;
     h.print("a" + ESC + "[0;31mb");
-    EXPECT_EQ(h.window(kMainWindow), "");
-    EXPECT_EQ(h.state(kMainWindow).Colour, rgb(128, 0, 0));
-
+    EXPECT_EQ(std::pair(h.window(kMainWindow), h.state(kMainWindow).Colour),
+              std::pair(std::string(), rgb(128, 0, 0)));
     // The debug channel may leave window 1 above its limit; the next W_Print
     // cuts it even though it writes nothing.
     h.c.parts().debug.DebugLog(std::string(6000, 'd'));
     h.state(kDebugWindow).Ink = false;
     h.print("zzz", kDebugWindow);
-    EXPECT_EQ(h.window(kDebugWindow).size(), 4000u);
-    EXPECT_EQ(h.window(kDebugWindow).find('z'), std::string::npos);
+    EXPECT_EQ(h.debugText(), std::string(3998, 'd') + "\r\n");
 }
 
 TEST(OutputWriter, LastSegmentTakesTheUnderlineOfTheCharacterBeforeIt) {
@@ -82,6 +105,8 @@ TEST(OutputWriter, LastSegmentTakesTheUnderlineOfTheCharacterBeforeIt) {
     EXPECT_FALSE(h.style(kCustom1, 0).underline) << "empty window";
     h.print(ESC + "[4mab" + ESC + "[0mcd");
     EXPECT_TRUE(h.style(kMainWindow, 3).underline) << "follows the caret, not Underline";
+    h.print(ESC + "[4m\xFF\xFF", kCustom1);
+    EXPECT_FALSE(h.style(kCustom1, 2).underline) << "a doubled IAC that ends the text";
 }
 
 // The window model against a plain list of (character, colour, call):
@@ -89,34 +114,30 @@ TEST(OutputWriter, LastSegmentTakesTheUnderlineOfTheCharacterBeforeIt) {
 // the same colours, and the runs must not outgrow the calls whose text is
 // still there.
 TEST(OutputWriter, RunsSurviveLimitCutsLikeAPlainCopy) {
-    ClientHarness h;
+    Writer h;
     std::mt19937 rng(7);
     std::vector<std::tuple<char, std::uint32_t, int>> plain;
     for (int call = 0; call < 400; ++call) {
         const int digit = static_cast<int>(rng() % 8);
         const std::size_t len = rng() % 300;
-        std::string text(len, static_cast<char>('a' + call % 26));
-        h.c.parts().writer.W_Print(ESC + "[0;3" + std::to_string(digit) + "m" + text, kMainWindow);
+        const char letter = static_cast<char>('a' + call % 26);
+        h.print(ESC + "[0;3" + std::to_string(digit) + "m" + std::string(len, letter));
         const std::uint32_t shown = h.c.parts().ansi.A_ColourFor(digit) + rgb(64, 64, 64);
-        for (char ch : text) plain.emplace_back(ch, shown, call);
+        plain.insert(plain.end(), len, {letter, shown, call});
         if (plain.size() > 3500) plain.erase(plain.begin() + 1, plain.end() - 2799);
 
         const OutputWindow& w = h.c.parts().windows.text[kMainWindow];
-        std::string expected;
+        std::vector<std::pair<char, std::uint32_t>> want, seen;
         std::size_t calls = 0;
         for (std::size_t i = 0; i < plain.size(); ++i) {
-            expected += std::get<0>(plain[i]);
-            calls += i == 0 || std::get<2>(plain[i]) != std::get<2>(plain[i - 1]);
+            want.emplace_back(std::get<0>(plain[i]), std::get<1>(plain[i]));
+            calls += i == 0 || plain[i] != plain[i - 1];
         }
-        ASSERT_EQ(w.text(), expected) << "call " << call;
-        ASSERT_LE(w.runCount(), calls) << "call " << call;
-        std::size_t covered = 0;
         w.forEachRun([&](const OutputWindow::Run& r) {
-            for (std::size_t i = r.begin; i < r.end; ++i)
-                ASSERT_EQ(r.style.colour, std::get<1>(plain[i])) << "call " << call << " at " << i;
-            covered += r.end - r.begin;
+            for (std::size_t i = r.begin; i < r.end; ++i) seen.emplace_back(w.text()[i], r.style.colour);
         });
-        ASSERT_EQ(covered, plain.size());
+        ASSERT_EQ(seen, want) << "call " << call;
+        ASSERT_LE(w.runCount(), calls) << "call " << call;
     }
 }
 
@@ -129,65 +150,46 @@ namespace {
 void slowPrint(Client& c, std::string_view input, int win) {
     WindowState& st = c.parts().windows.state[win];
     OutputWindow& out = c.parts().windows.text[win];
-    const std::string all = st.Pending + std::string(input);
-    st.Pending.clear();
+    const std::string all = std::exchange(st.Pending, {}) + std::string(input);
     st.StartLen = out.size();
     std::string text;
     auto flush = [&](bool last) {
-        TextStyle s;
-        s.colour = st.Colour + (st.NotBold ? rgb(64, 64, 64) : rgb(127, 127, 127));
-        s.underline = last ? out.caretUnderline() : st.Underline;
-        s.graphics = c.parts().windows.Graphics;
-        if (st.Ink) out.append(text, s);
+        const std::uint32_t colour = st.Colour + (st.NotBold ? rgb(64, 64, 64) : rgb(127, 127, 127));
+        const bool underline = last ? out.caretUnderline() : st.Underline;
+        if (st.Ink) out.append(text, TextStyle{colour, underline, false, c.parts().windows.Graphics});
         text.clear();
     };
-    auto limit = [&] {
+    struct AtEnd {  // the limit holds after a failure too
+        std::function<void()> cut;
+        ~AtEnd() { cut(); }
+    } atEnd{[&] {
         const auto max = static_cast<std::size_t>(windowInfo(win).tagLimit);
         if (max != 0 && out.size() > max) out.cutAfterFirst(out.size() - (max * 4 + 2) / 5);
-    };
-    try {
-        std::size_t pos = 0;
-        while (pos < all.size()) {
-            const char ch = all[pos];
-            if (ch != '\x1B' && ch != '\xFF') {
-                text += ch;
-                ++pos;
-                continue;
-            }
-            flush(false);
-            if (ch == '\xFF') {
-                if (pos + 1 < all.size() && all[pos + 1] == '\xFF') {
-                    text += ch;
-                    pos += 2;
-                    continue;
-                }
-                const std::size_t used = c.parts().telnet.S_InterpretIac(std::string_view(all).substr(pos), win);
-                if (used == TelnetInterpreter::kUnfinished) {
-                    st.Pending = all.substr(pos);
-                    break;
-                }
-                pos += used;
-                continue;
-            }
-            std::size_t fin = pos + 1;
-            while (fin < all.size() && fin < pos + 9999 && CsiFinals.find(all[fin]) == std::string::npos) ++fin;
-            if (fin == all.size() || fin == pos + 9999) {
-                if (all.size() - pos > 5) {
-                    ++pos;
-                    continue;
-                }
-                st.Pending = all.substr(pos);
-                break;
-            }
-            c.parts().ansi.A_ParseCsi(std::string_view(all).substr(pos, fin - pos + 1), win);
-            pos = fin + 1;
+    }};
+    for (std::size_t pos = 0, used = 0; pos < all.size(); pos += used) {
+        used = 1;
+        if (all[pos] != '\x1B' && all[pos] != '\xFF') {
+            text += all[pos];
+            continue;
         }
-        flush(true);
-    } catch (...) {
-        limit();
-        throw;
+        flush(false);
+        if (all.compare(pos, 2, "\xFF\xFF") == 0) {
+            text += '\xFF';
+            used = 2;
+        } else if (all[pos] == '\xFF') {
+            used = c.parts().telnet.S_InterpretIac(std::string_view(all).substr(pos), win);
+        } else if (const std::size_t fin = all.find_first_of(CsiFinals, pos + 1); fin < pos + 9999) {
+            c.parts().ansi.A_ParseCsi(std::string_view(all).substr(pos, fin - pos + 1), win);
+            used = fin + 1 - pos;
+        } else if (all.size() - pos <= 5) {
+            used = TelnetInterpreter::kUnfinished;
+        }
+        if (used == TelnetInterpreter::kUnfinished) {
+            st.Pending = all.substr(pos);
+            break;
+        }
     }
-    limit();
+    flush(true);
 }
 
 std::string randomStream(std::mt19937& rng, std::size_t pieces) {
@@ -201,30 +203,14 @@ std::string randomStream(std::mt19937& rng, std::size_t pieces) {
     std::string s;
     for (std::size_t i = 0; i < pieces; ++i) {
         const unsigned kind = rng() % 10;
-        if (kind < 5) {
-            const std::size_t len = rng() % 40;
-            for (std::size_t k = 0; k < len; ++k) s += static_cast<char>('a' + rng() % 26);
-        } else if (kind < 8) {
+        if (kind < 5)
+            s += std::string(rng() % 40, static_cast<char>('a' + rng() % 26));
+        else if (kind < 8)
             s += "\x1B[" + params[rng() % params.size()] + (rng() % 8 ? "m" : "M");
-        } else {
+        else
             s += others[rng() % others.size()];
-        }
     }
     return s;
-}
-
-using Runs = std::vector<std::tuple<std::size_t, std::size_t, std::uint32_t, bool, bool, bool>>;
-
-Runs runsOf(const OutputWindow& w) {
-    Runs runs;
-    w.forEachRun([&](const OutputWindow::Run& r) {
-        runs.emplace_back(r.begin, r.end, r.style.colour, r.style.underline, r.style.plain, r.style.graphics);
-    });
-    return runs;
-}
-
-auto stateOf(const WindowState& x) {
-    return std::tie(x.Colour, x.NotBold, x.BackColour, x.Underline, x.Blink, x.Reverse, x.Ink, x.Pending, x.StartLen);
 }
 
 }  // namespace
@@ -234,34 +220,29 @@ TEST(OutputWriter, FastPathsLeaveWhatTheByteByByteReadingLeaves) {
     for (int round = 0; round < 60; ++round) {
         ClientHarness fast, slow;
         const std::string stream = randomStream(rng, 300);
-        std::size_t pos = 0;
-        for (int call = 0; pos < stream.size(); ++call) {
+        for (std::size_t pos = 0, call = 0; pos < stream.size(); ++call) {
             const std::size_t len = rng() % 3 == 0 ? rng() % 8 : rng() % 600;
             const std::string piece = stream.substr(pos, len);
             pos += len;
             const int win = std::array{0, 0, 0, 1, 2, 7}[rng() % 6];
             const bool graphics = rng() % 4 != 0, ink = rng() % 8 != 0;
-            std::string fastError, slowError;
-            for (auto* h : {&fast, &slow}) {
+            std::string errors[2];
+            for (ClientHarness* h : {&fast, &slow}) {
                 h->c.setGraphics(graphics);
                 h->state(win).Ink = ink;
                 try {
-                    if (h == &fast)
-                        h->c.parts().writer.W_Print(piece, win);
-                    else
-                        slowPrint(h->c, piece, win);
+                    h == &fast ? h->c.parts().writer.W_Print(piece, win) : slowPrint(h->c, piece, win);
                 } catch (const RunError& e) {
-                    (h == &fast ? fastError : slowError) = e.source();
+                    errors[h == &slow] = e.source();
                 }
             }
-            const std::string where = "round " + std::to_string(round) + " call " + std::to_string(call);
-            ASSERT_EQ(fastError, slowError) << where;
-            ASSERT_EQ(fast.fp.socket.sent, slow.fp.socket.sent) << where;
+            SCOPED_TRACE("round " + std::to_string(round) + " call " + std::to_string(call));
+            ASSERT_EQ(errors[0], errors[1]);
+            ASSERT_EQ(fast.fp.socket.sent, slow.fp.socket.sent);
             for (int w = 0; w < kWindowCount; ++w) {
-                ASSERT_EQ(fast.window(w), slow.window(w)) << where << " window " << w;
-                ASSERT_EQ(runsOf(fast.c.parts().windows.text[w]), runsOf(slow.c.parts().windows.text[w]))
-                    << where << " window " << w;
-                ASSERT_EQ(stateOf(fast.state(w)), stateOf(slow.state(w))) << where << " window " << w;
+                ASSERT_EQ(fast.window(w), slow.window(w)) << "window " << w;
+                ASSERT_EQ(runsOf(fast.c.parts().windows.text[w]), runsOf(slow.c.parts().windows.text[w])) << w;
+                ASSERT_EQ(stateOf(fast.state(w)), stateOf(slow.state(w))) << "window " << w;
             }
         }
     }
@@ -286,6 +267,161 @@ TEST(DebugChannel, OpenLinesTheSwitchAndFlatColours) {
     off.c.setDebugInfo(true);
     off.c.parts().debug.DebugLog("kept");
     EXPECT_EQ(off.debugText(), "redkept\r\n");
-    for (const auto& run : runsOf(off.c.parts().windows.text[kDebugWindow]))
-        EXPECT_TRUE(std::get<4>(run) && !std::get<3>(run) && std::get<2>(run) == 0);
+    EXPECT_EQ(runsOf(off.c.parts().windows.text[kDebugWindow]),
+              (Runs{{0, 3, 0, false, true, true}, {3, 9, 0, false, true, false}}));
+}
+
+// Negotiation is swallowed and told only in the debug window; telnet's
+// two-byte commands go whole; a sequence cut by the end of the text is told
+// nothing yet and waits whole for the next text.
+TEST(Telnet, NegotiationIsSwallowedOrWaitsWhenCutShort) {
+    const std::vector<IacRow> rows = {
+        {"will echo", "a" + bytes({255, 251, 1}) + "b", "ab", "IAC  WILL  echo \r\n"},
+        {"do naws", bytes({255, 253, 31}), "", "IAC  DO  window size \r\n"},
+        {"wont unknown option", bytes({255, 252, 99}), "", "IAC  WONT unknown valopt 99\r\n"},
+        {"do environment", bytes({255, 253, 36}), "", "IAC  DO  environment variables \r\n"},
+        {"lone IAC SE", "x" + bytes({255, 240}) + "y", "xy", "IAC  EON \r\n"},
+        {"server SEND", bytes({255, 250, 24, 1, 255, 240}), bytes({1}), "IAC  SB  terminal type  \r\nIAC  EON \r\n"},
+        {"linemode payload", bytes({255, 250, 34}) + "pay" + bytes({255, 240}) + "z", "z",
+         "IAC  SB  linemode payIAC SE\r\n"},
+        {"go ahead", "prompt>" + bytes({255, 249}) + "x", "prompt>x", "IAC unknown iac command 249\r\n"},
+        {"end of record", "p>" + bytes({255, 239}), "p>", "IAC unknown iac command 239\r\n"},
+        {"NOP", "a" + bytes({255, 241}) + "b", "ab", "IAC unknown iac command 241\r\n"},
+        {"dont goes with its option", bytes({255, 254, 1}) + "d", "d", "IAC unknown iac command 254\r\n"},
+        {"doubled IAC is one 255", "a" + bytes({255, 255}) + "x", "a" + bytes({255}) + "x", ""},
+        {"IAC before plain text loses the IAC", bytes({255}) + "look", "look", "IAC unknown iac command 108\r\n"},
+        {"IAC alone", "ab" + IAC, "ab", "", IAC},
+        {"SB without option", "ab" + bytes({255, 250}), "ab", "", bytes({255, 250})},
+        {"linemode without SE", "ab" + bytes({255, 250, 34}) + "wait", "ab", "", bytes({255, 250, 34}) + "wait"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        Writer h;
+        h.print(row.text);
+        EXPECT_EQ(std::tuple(h.window(kMainWindow), h.debugText(), h.state(kMainWindow).Pending, h.fp.socket.sent),
+                  std::tuple(row.display, row.debug, row.pending, ""));
+    }
+}
+
+TEST(Telnet, SequenceCutAtEveryPositionIsTheSameAsWhole) {
+    const std::string whole = "a" + bytes({255, 251, 1}) + "b" + bytes({255, 249}) + "c" + bytes({255, 255}) +
+                              bytes({255, 250, 34}) + "lm" + bytes({255, 240}) + "d" + bytes({255, 254, 3}) + "e";
+    Writer ref;
+    ref.print(whole);
+    ASSERT_EQ(ref.window(kMainWindow), "abc" + bytes({255}) + "de");
+    for (std::size_t cut = 0; cut <= whole.size(); ++cut) {
+        SCOPED_TRACE(cut);
+        Writer h;
+        h.print(whole.substr(0, cut));
+        h.print(whole.substr(cut));
+        EXPECT_EQ(h.window(kMainWindow) + "|" + h.debugText(), ref.window(kMainWindow) + "|" + ref.debugText());
+    }
+}
+
+TEST(Telnet, LinemodeWithoutItsEndIsDroppedPastTheBound) {
+    Writer h;
+    h.print(bytes({255, 250, 34}) + std::string(40000, 'p'));
+    h.print(std::string(40000, 'p'));
+    EXPECT_EQ(h.state(kMainWindow).Pending + h.debugText(),
+              "IAC  SB  linemode dropped 80000 bytes of a subnegotiation without its end\r\n");
+    h.print("text");
+    EXPECT_EQ(h.window(kMainWindow), "text");
+}
+
+// The answer is logged, kept and echoed like any sent text; the echo's own
+// IAC SB 24 and IAC SE vanish, and NUL "ANSI" NUL stay as text. Asked
+// twice, answered twice, also by a replay in the history view.
+TEST(Telnet, DoTerminalTypeAnswersElevenBytesThroughTheSender) {
+    const std::string doTtype = bytes({255, 253, 24}), echo = bytes({0}) + "ANSI" + bytes({0});
+    Writer h;
+    h.print("a" + doTtype + "b");
+    EXPECT_EQ(h.history(), kAnswer);
+    EXPECT_EQ(h.debugText(), "IAC  DO  terminal type \r\nIAC  SB  terminal type  \r\nIAC  EON \r\n");
+    h.print(doTtype);
+    h.print("old" + doTtype, kHistT);
+    EXPECT_EQ(h.fp.socket.writes, (std::vector<std::string>{kAnswer, kAnswer, kAnswer}));
+    EXPECT_EQ(h.window(kHistT) + "|" + h.window(kMainWindow), "old|a" + echo + "b" + echo + echo);
+
+    Writer off(/*connected=*/false);
+    off.print("a" + doTtype + "b");
+    EXPECT_EQ(off.window(kMainWindow) + "|" + off.history() + off.fp.socket.sent, "ab|");
+}
+
+TEST(Telnet, WontEchoTurnsInkOnForTheWindowBeingWritten) {
+    Writer h;
+    h.state(kMainWindow).Ink = false;
+    h.state(kHistT).Ink = false;
+    h.print("hidden" + bytes({255, 251, 1}) + "still");
+    EXPECT_EQ(h.window(kMainWindow), "") << "WILL echo must change nothing";
+    h.print("gone" + bytes({255, 252, 1}) + "shown", kHistT);
+    EXPECT_TRUE(h.state(kHistT).Ink && !h.state(kMainWindow).Ink);
+    EXPECT_EQ(h.window(kHistT), "shown");
+    EXPECT_EQ(h.debugText(), "IAC  WILL  echo \r\nIAC  WONT  echo \r\n");
+}
+
+// After `before`, `seq` leaves the text behind it in `shown`, with the flags
+// NotBold, Underline, Blink and Reverse ("nubr" where set) and BackColour.
+TEST(Ansi, SgrParametersChangeTheWindowState) {
+    struct Row {
+        std::string before, seq;
+        std::uint32_t shown;
+        std::string flags;
+        std::uint32_t back;
+        std::string debug;
+    };
+    const std::uint32_t red = rgb(128, 0, 0);
+    const std::vector<Row> rows = {
+        {csi("0m"), "1;31m", rgb(255, 127, 127), "", 0, ""},
+        {csi("0m"), "31;1m", rgb(255, 127, 127), "", 0, ""},
+        {csi("4;5;7m") + csi("1m"), "m", rgb(192, 192, 192), "nubr", 0, ""},
+        {csi("4;5;7;41m"), "0m", rgb(192, 192, 192), "n", red, ""},
+        {csi("0;32m"), ";1m", rgb(255, 255, 255), "", 0, ""},
+        {csi("0m"), "39m", rgb(64, 64, 64), "n", 0, "unknown color 9\r\n"},
+        {csi("0m"), "38;5;196m", rgb(64, 64, 64), "nb", 0, "unknown color 8\r\n"},
+        {csi("0;33m"), "100m", rgb(192, 192, 64), "n", 0, ""},
+        {csi("0m"), "05m", rgb(192, 192, 192), "n", 0, "unknown SING/DBL 05\r\n"},
+        {csi("1;4m"), "24m", rgb(255, 255, 255), "u", 0, "unknown SING/DBL 24\r\n"},
+        {csi("0m"), "2m", rgb(192, 192, 192), "n", 0, "unknown SING :2\r\n"},
+        {csi("0;34m"), "41m", rgb(64, 64, 192), "n", red, ""},
+        {csi("0;34m"), "47m", rgb(64, 64, 192), "n", rgb(128, 128, 128), ""},
+        {csi("0;31m"), "3xm", rgb(192, 192, 192), "n", 0, ""},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.before.substr(1) + " then " + row.seq);
+        Writer h;
+        h.print(row.before);
+        ASSERT_EQ(h.debugText(), "");
+        h.print(csi(row.seq) + "x" + csi("K"));
+        const WindowState& st = h.state(kMainWindow);
+        const std::string flags = std::string(st.NotBold ? "n" : "") + (st.Underline ? "u" : "") +
+                                  (st.Blink ? "b" : "") + (st.Reverse ? "r" : "");
+        const std::uint32_t shown = styleAt(h.c.parts().windows.text[kMainWindow], 0).colour;
+        EXPECT_EQ(std::tuple(h.window(kMainWindow), shown, flags, st.BackColour, h.debugText()),
+                  std::tuple("x", row.shown, row.flags, row.back, row.debug));
+    }
+}
+
+TEST(Ansi, NewWindowIsBoldUntilTheFirstReset) {
+    Writer h;
+    h.print("a" + csi("m") + "b" + csi("0m"), kCustom1);
+    const OutputWindow& w = h.c.parts().windows.text[kCustom1];
+    EXPECT_EQ(std::pair(styleAt(w, 0).colour, styleAt(w, 1).colour),
+              std::pair(rgb(255, 255, 255), rgb(192, 192, 192)));
+}
+
+TEST(Ansi, FinalsOtherThanSgr) {
+    struct Row { std::string seq; bool clears, supported; };
+    const std::vector<Row> rows = {
+        {csi("J"), true, true},    {csi("1J"), true, true},   {csi("2J"), true, true}, {csi("10;20H"), false, true},
+        {csi("K"), false, true},   {csi("2f"), false, false}, {csi("5A"), false, false}, {csi("s"), false, false},
+        {ESC + "(B", false, false},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.seq.substr(1));
+        Writer h;
+        h.print("old");
+        h.print("mid" + row.seq + "new");
+        const std::string told = row.supported ? "" : "ANSI not supported " + row.seq + "\r\n";
+        EXPECT_EQ(h.window(kMainWindow) + "|" + h.debugText(), (row.clears ? "new|" : "oldmidnew|") + told);
+    }
 }

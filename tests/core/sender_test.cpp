@@ -72,10 +72,9 @@ TEST(Sender, MarkersAreRewrittenBeforeTheOneWrite) {
     };
     for (const auto& [in, wire] : rows) {
         SendHarness h;
-        EXPECT_EQ(h.send(in), wire) << "the caller sees the rewritten text";
-        EXPECT_EQ(h.fp.socket.writes, Writes{wire}) << in;
-        EXPECT_EQ(h.logFile(), wire + "\r\n");
-        EXPECT_EQ(h.history(), wire);
+        const std::string seen = h.send(in);  // the caller sees the rewritten text
+        EXPECT_EQ(std::tuple(seen, h.fp.socket.writes, h.logFile(), h.history()),
+                  std::tuple(wire, Writes{wire}, wire + "\r\n", wire)) << in;
     }
 }
 
@@ -125,8 +124,7 @@ TEST(Sender, QueueTickPicksAnIntervalAndSendsOneEntryInOrderUpToTwenty) {
     EXPECT_EQ(h.debugText(), "Queue full, not queued: c21\r\n");
     for (int i = 0; i < 25; ++i) h.c.Queue_Timer();
     ASSERT_EQ(h.fp.socket.writes.size(), 22u);
-    EXPECT_EQ(h.fp.socket.writes[2], "c1");
-    EXPECT_EQ(h.fp.socket.writes.back(), "c20");
+    EXPECT_EQ(h.fp.socket.writes[2] + "|" + h.fp.socket.writes.back(), "c1|c20");
 }
 
 TEST(Sender, OnlyExactlyThreeHashesEndTheProgram) {
@@ -162,9 +160,8 @@ TEST(Sender, PasswordAfterWillEchoIsSentButNotShownLoggedOrKept) {
     h.queue("queued2;;");
     h.c.Queue_Timer();
     EXPECT_EQ(h.fp.socket.writes, (Writes{"hunter2\r\n", "queued2\r\n"}));
-    EXPECT_EQ(h.logFile(), "Password: \xFF\xFB\x01\r\n\r\n\r\n\r\n\r\n");
-    EXPECT_EQ(h.history(), "Password: \xFF\xFB\x01\r\n\r\n");
-    EXPECT_EQ(h.window(kMainWindow), "Password: \r\n\r\n");
+    EXPECT_EQ(h.logFile() + "|" + h.history() + "|" + h.window(kMainWindow),
+              "Password: \xFF\xFB\x01\r\n\r\n\r\n\r\n\r\n|Password: \xFF\xFB\x01\r\n\r\n|Password: \r\n\r\n");
 
     h.receive("\xFF\xFC\x01ok");
     h.c.Text1_Enter("look");

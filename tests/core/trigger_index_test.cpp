@@ -4,6 +4,7 @@
 // not exist must fail at the same record.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 #include <set>
 
@@ -33,40 +34,29 @@ namespace {
 // Actions read "<id> <op> <flag> $*": op s sets, c clears, n does nothing.
 void applyAction(const std::string& command, FlagTable& flags) {
     const std::size_t sp = command.find(' ');
-    const char op = command[sp + 1];
-    const int flag = std::stoi(command.substr(sp + 3));
-    if (op == 's') flags.set(flag, true);
-    if (op == 'c') flags.set(flag, false);
+    if (command[sp + 1] != 'n') flags.set(std::stoi(command.substr(sp + 3)), command[sp + 1] == 's');
 }
 
-bool occurs(std::string_view text, const std::string& pattern) {
-    return !text.empty() && text.find(pattern) != std::string_view::npos;
-}
-
+// A record fires when one of its first FlagGroupCount flag groups is all set
+// (every flag of a group tested is read) and one of its first
+// PatternGroupCount pattern groups all occurs; no groups hold always.
 void plainMatch(const TriggerRecords& table, std::string_view text, FlagTable& flags, std::vector<std::string>& out) {
-    const std::size_t count = table.size();
-    for (std::size_t i = 0; i < count; ++i) {
-        const TriggerRecord& r = table[i];
-        bool pass = true;
-        for (int g = 1; g <= r.FlagGroupCount; ++g) {
-            pass = true;
-            for (int v : r.flagGroup(g).Values) {
-                if (v < 0 || v >= FlagTable::kCount) throw RunError(340, "no such flag", "plain");
-                if (!flags.value[static_cast<std::size_t>(v)]) pass = false;
-            }
-            if (pass) break;
+    auto isSet = [&](int v) {
+        if (v < 0 || v >= FlagTable::kCount) throw RunError(340, "no such flag", "plain");
+        return flags.value[static_cast<std::size_t>(v)];
+    };
+    auto occurs = [&](const std::string& p) { return !text.empty() && text.find(p) != std::string_view::npos; };
+    for (const TriggerRecord& r : table) {
+        bool flagsHold = r.FlagGroupCount == 0, textsHold = r.PatternGroupCount == 0;
+        for (int g = 1; g <= r.FlagGroupCount && !flagsHold; ++g) {
+            flagsHold = true;
+            for (int v : r.flagGroup(g).Values) flagsHold = isSet(v) && flagsHold;
         }
-        if (!pass) continue;
-        for (int g = 1; g <= r.PatternGroupCount; ++g) {
-            pass = true;
-            for (const std::string& p : r.patternGroup(g).Texts)
-                if (!occurs(text, p)) pass = false;
-            if (pass) break;
-        }
-        if (!pass) continue;
-        const std::string command = TriggerStore::commandText(r.Action, text);
-        out.push_back(command);
-        applyAction(command, flags);
+        for (int g = 1; g <= r.PatternGroupCount && !textsHold; ++g)
+            textsHold = std::all_of(r.patternGroup(g).Texts.begin(), r.patternGroup(g).Texts.end(), occurs);
+        if (!flagsHold || !textsHold) continue;
+        out.push_back(TriggerStore::commandText(r.Action, text));
+        applyAction(out.back(), flags);
     }
 }
 
@@ -75,6 +65,7 @@ struct Random {
     std::vector<std::string> pool;  // pattern texts made so far
     std::size_t longFrom = 4;        // texts of 4 bytes or more are at least this long
     int below(int n) { return static_cast<int>(rng() % static_cast<unsigned>(n)); }
+    const std::string& earlier() { return pool[rng() % pool.size()]; }
     // Few bytes, so patterns share windows and often nearly match.
     std::string text(int maxLen) {
         static const char bytes[] = {'a', 'b', 'a', 'c', '\r', '\n', 'a', 'b', '$', '\xff', '\0', '\x80'};
@@ -87,13 +78,13 @@ struct Random {
     std::string pattern() {
         std::string p = below(3) == 0 ? text(3) : text(14);
         if (!pool.empty() && below(2) == 0) {
-            const std::string& q = pool[static_cast<std::size_t>(below(static_cast<int>(pool.size())))];
-            switch (below(4)) {
-            case 0: p = q.substr(0, static_cast<std::size_t>(below(static_cast<int>(q.size()) + 1))); break;
-            case 1: p += q; break;
-            case 2: p = q + p; break;
-            default: p = q.empty() ? p : q.substr(0, q.size() - 1) + text(1);
-            }
+            const std::string& q = earlier();
+            const int way = below(4);
+            p = way == 0   ? q.substr(0, static_cast<std::size_t>(below(static_cast<int>(q.size()) + 1)))
+                : way == 1 ? p + q
+                : way == 2 ? q + p
+                : q.empty() ? p
+                            : q.substr(0, q.size() - 1) + text(1);
         }
         while (p.size() >= 4 && p.size() < longFrom) p += text(1) + "a";
         pool.push_back(p);
@@ -103,9 +94,7 @@ struct Random {
     std::string chunk() {
         std::string s;
         for (int k = below(5); k > 0; --k)
-            s += below(2) || pool.empty() ? text(8)
-                 : below(4)               ? pattern()
-                                          : pool[static_cast<std::size_t>(below(static_cast<int>(pool.size())))];
+            s += below(2) || pool.empty() ? text(8) : below(4) ? pattern() : earlier();
         return s;
     }
 };
@@ -114,18 +103,27 @@ TriggerRecords randomTable(Random& r, int& nextId) {
     TriggerRecords table(static_cast<std::size_t>(r.below(30)));
     for (TriggerRecord& rec : table) {
         rec.FlagGroupCount = r.below(3);
-        rec.FlagGroups.resize(static_cast<std::size_t>(r.below(4)) + static_cast<std::size_t>(rec.FlagGroupCount));
+        rec.FlagGroups.resize(static_cast<std::size_t>(r.below(4) + rec.FlagGroupCount));
         for (FlagGroup& g : rec.FlagGroups)
             for (int k = r.below(3); k > 0; --k) g.Values.push_back(r.below(40) == 0 ? 84 : r.below(6));
         rec.PatternGroupCount = r.below(4);
-        rec.PatternGroups.resize(static_cast<std::size_t>(r.below(3)) + static_cast<std::size_t>(rec.PatternGroupCount));
+        rec.PatternGroups.resize(static_cast<std::size_t>(r.below(3) + rec.PatternGroupCount));
         for (PatternGroup& g : rec.PatternGroups)
             for (int k = r.below(4); k > 0; --k) g.Texts.push_back(r.pattern());
-        static const char* ops[] = {"s", "c", "n", "n"};
-        rec.Action = std::to_string(nextId++) + " " + ops[r.below(4)] + " " + std::to_string(r.below(6)) +
+        rec.Action = std::to_string(nextId++) + " " + "scnn"[r.below(4)] + " " + std::to_string(r.below(6)) +
                      (r.below(2) ? " $*" : "");
     }
     return table;
+}
+
+template <typename F>
+bool fails(F run) {
+    try {
+        run();
+    } catch (const RunError&) {
+        return true;
+    }
+    return false;
 }
 
 TEST(TriggerIndex, FiresWhatAWalkOfEveryRecordFiresOnRandomTablesAndTexts) {
@@ -158,28 +156,21 @@ TEST(TriggerIndex, FiresWhatAWalkOfEveryRecordFiresOnRandomTablesAndTexts) {
         plainFlags = flags;
         for (int chunk = 0; chunk < 20; ++chunk) {
             const std::string text = r.chunk();
-            bool gotError = false, wantError = false;
-            try {
+            const bool gotError = fails([&] {
                 store.T_Match(TriggerStore::kGlobal, text);
                 // The road's pass over the whole chunk, or T_Match line by line.
-                if (chunk % 2) {
-                    store.matchLines(text);
-                } else {
-                    LineCursor lines(text);
-                    for (std::string_view line; lines.next(line);) store.T_Match(TriggerStore::kNormal, line);
-                }
-            } catch (const RunError&) {
-                gotError = true;
-            }
-            try {
+                if (chunk % 2) return store.matchLines(text);
+                LineCursor lines(text);
+                for (std::string_view line; lines.next(line);) store.T_Match(TriggerStore::kNormal, line);
+            });
+            const bool wantError = fails([&] {
                 plainMatch(store.GlobalTriggerTable, text, plainFlags, want);
                 LineCursor lines(text);
                 for (std::string_view line; lines.next(line);) plainMatch(store.TriggerTable, line, plainFlags, want);
-            } catch (const RunError&) {
-                wantError = true;
-            }
-            ASSERT_EQ(gotError, wantError) << "round " << round << " chunk " << chunk;
-            ASSERT_EQ(got, want) << "round " << round << " chunk " << chunk;
+            });
+            SCOPED_TRACE("round " + std::to_string(round) + " chunk " + std::to_string(chunk));
+            ASSERT_EQ(gotError, wantError);
+            ASSERT_EQ(got, want);
             ASSERT_EQ(flags.value, plainFlags.value);
         }
         fired += static_cast<int>(got.size());

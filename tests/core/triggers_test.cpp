@@ -1,7 +1,8 @@
 // Trigger files, written into a temporary program folder and read by the
-// store as at start-up: the format, matching and firing through the whole
-// receive road (groups, flags read at the moment a record is tested, the two
-// passes, "$*", failures, INJECT), and the editor's boxes against the files.
+// store as at start-up: the format, firing through the whole receive road
+// (the two passes, "$*", failures, INJECT, a reload during an action), and
+// the editor's boxes against the files. Which records fire is held by the
+// trigger index test.
 #include <gtest/gtest.h>
 
 #include "support/trigger_fixture.h"
@@ -76,41 +77,34 @@ const Case kCases[] = {
 
 TEST(TriggerFiles, EveryCaseOfTheFormatLoadsAsItShould) {
     for (const Case& k : kCases) {
+        SCOPED_TRACE(k.name);
         TriggerFixture t;
         t.trigger("a.trigger", "pattern1=before\r\naction=one");
         t.trigger("b.trigger", k.file);
         t.trigger("c.trigger", "pattern1=after\r\naction=three");
         t.c.LoadTriggers();
-        const TriggerRecords& table = t.c.parts().triggers.TriggerTable;
-        ASSERT_GE(table.size(), 2u) << k.name;
-        EXPECT_EQ(table.front().Action, "one") << k.name;
-        EXPECT_EQ(table.back().Action, "three") << k.name;
-        TriggerRecords middle(table.begin() + 1, table.end() - 1);
-        EXPECT_EQ(describe(middle), k.records) << k.name;
-        if (std::string(k.records).empty()) {
-            EXPECT_NE(t.debugText().find("Trigger file not loaded: " + t.fp.files.absolute("triggers/b.trigger") +
-                                         " line "),
-                      std::string::npos)
-                << k.name;
-        }
+        const std::string middle = *k.records ? std::string(k.records) + " | " : "";
+        EXPECT_EQ(describe(t.c.parts().triggers.TriggerTable),
+                  "part1 F0 P1 p1:'before' a'one' | " + middle + "part1 F0 P1 p1:'after' a'three'");
+        const std::string refused = "Trigger file not loaded: " + t.fp.files.absolute("triggers/b.trigger");
+        EXPECT_EQ(t.debugText().find(refused + " line ") != std::string::npos, middle.empty());
     }
 }
 
 TEST(TriggerFiles, FullGroupsStopTheFileAndTheDebugLinesNameWhatWasRead) {
     TriggerFixture t;
-    std::string fifty, fiftyOne;
+    std::string fifty;
     for (int i = 0; i < 50; ++i) fifty += "pattern1=p" + std::to_string(i) + "\r\n";
-    fiftyOne = fifty + "pattern1=last\r\n";
     t.trigger("full.trigger", fifty + "action=ok\r\npattern1=x\r\naction=two");
-    t.trigger("over.trigger", fiftyOne + "action=no");
+    t.trigger("over.trigger", fifty + "pattern1=last\r\naction=no");
     t.trigger("g.trigger", "pattern1=x\r\naction=global", true);
     t.trigger("skip.txt", "pattern1=x\r\naction=no");
     t.c.LoadTriggers();
-    ASSERT_EQ(t.c.parts().triggers.TriggerCount(), 2);
-    EXPECT_EQ(t.c.parts().triggers.TriggerTable[0].patternGroup(1).Count(), 50);
-    EXPECT_EQ(t.c.parts().triggers.TriggerTable[1].PartNumber, 2);
-    EXPECT_EQ(t.c.parts().triggers.TriggerTable[1].FilePath, t.fp.files.absolute("triggers/full.trigger"));
-    ASSERT_EQ(t.c.parts().triggers.GlobalTriggerCount(), 1);
+    const TriggerStore& store = t.c.parts().triggers;
+    ASSERT_EQ(store.TriggerCount(), 2);
+    EXPECT_EQ(std::tuple(store.TriggerTable[0].patternGroup(1).Count(), store.TriggerTable[1].PartNumber,
+                         store.TriggerTable[1].FilePath, store.GlobalTriggerCount()),
+              std::tuple(50, 2, t.fp.files.absolute("triggers/full.trigger"), 1));
     EXPECT_NE(t.debugText().find("Total parts loaded : 2\r\nloading trigger over.trigger from /triggers\r\n"
                                  "Trigger file not loaded: " + t.fp.files.absolute("triggers/over.trigger") +
                                  " line 51: more than 50 entries in one group\r\n"),
@@ -119,35 +113,7 @@ TEST(TriggerFiles, FullGroupsStopTheFileAndTheDebugLinesNameWhatWasRead) {
     // A reload starts from empty tables.
     std::filesystem::remove(t.fp.folder.path() / "triggers/full.trigger");
     t.c.LoadTriggers();
-    EXPECT_EQ(t.c.parts().triggers.TriggerCount(), 0);
-    EXPECT_EQ(t.c.parts().triggers.GlobalTriggerCount(), 1);
-}
-
-TEST(TriggerMatch, GroupsAndFlagsDecideWhichRecordsFireInTableOrder) {
-    TriggerFixture t;
-    t.trigger("a.trigger", "flag1=1\r\npattern1=?\r\naction=template");
-    t.trigger("b.trigger", "pattern1=a\r\npattern1=b\r\npattern2=c\r\naction=either");
-    t.trigger("c.trigger", "pattern2=never\r\npattern1=n\r\naction=empty group two");
-    t.trigger("d.trigger", "flag1=2\r\nflag1=3\r\naction=nopattern\r\n; no pattern line");
-    t.trigger("e.trigger", "flag1=4\r\nflag2=5\r\npattern1=zz\r\naction=one of two");
-    t.trigger("f.trigger", "pattern1=\r\naction=nonempty\r\npattern1=q\r\naction=second part");
-    t.c.LoadTriggers();
-    auto run = [&](const std::string& chunk) {
-        t.fp.socket.sent.clear();
-        t.receive(chunk);
-        return t.sent();
-    };
-    EXPECT_EQ(run("ab"), "either\r\nnonempty\r\n");
-    EXPECT_EQ(run("a c?"), "either\r\nnonempty\r\n");  // flag 1 clear
-    t.c.parts().flags.set(1, true);
-    EXPECT_EQ(run("why?\r\n"), "template\r\nnonempty\r\n");  // the empty last line fires nothing
-    EXPECT_EQ(run("nq"), "empty group two\r\nnonempty\r\nsecond part\r\n");
-    t.c.parts().flags.set(2, true);
-    EXPECT_EQ(run("x"), "nonempty\r\n");  // group needs flags 2 and 3
-    t.c.parts().flags.set(3, true);
-    EXPECT_EQ(run("x\r\n"), "nopattern\r\nnonempty\r\nnopattern\r\n");
-    t.c.parts().flags.set(5, true);
-    EXPECT_EQ(run("zz"), "nopattern\r\none of two\r\nnonempty\r\n");
+    EXPECT_EQ(std::pair(store.TriggerCount(), store.GlobalTriggerCount()), std::pair(0, 1));
 }
 
 TEST(TriggerMatch, GlobalTriggersSeeTheChunkAndDollarStarBringsTheText) {
@@ -176,8 +142,7 @@ TEST(TriggerMatch, AFailureEndsTheChunkAndTheTablesStayUsable) {
     EXPECT_EQ(t.sent(), "");
     EXPECT_NE(t.logFile().find("y\r\nx\r\ny\r\n\r\nERROR : 340/Control array element '99' doesn't exist on line T_Match"),
               std::string::npos);
-    t.c.parts().flags.set(1, true);
-    t.c.parts().flags.set(2, true);  // group 1 holds now but its entries are all read
+    for (int flag : {1, 2}) t.c.parts().flags.set(flag, true);  // group 1 holds, but all its entries are read
     t.receive("y");
     EXPECT_EQ(t.sent(), "");
 }
@@ -200,7 +165,6 @@ TEST(TriggerMatch, InjectedTextNestsAndTheDepthGuardEndsRunawayLoops) {
     t.c.LoadTriggers();
 
     t.receive("ping");
-    EXPECT_EQ(t.sent(), "got  PONG\r\nafter\r\n");
     t.receive("<1>");
     EXPECT_EQ(t.sent(), "got  PONG\r\nafter\r\nbottom\r\n");
     EXPECT_EQ(t.logFile().find("ERROR"), std::string::npos);
@@ -209,9 +173,8 @@ TEST(TriggerMatch, InjectedTextNestsAndTheDepthGuardEndsRunawayLoops) {
     t.receive("<0>\r\nLOOP\r\nping");  // a doubling tree of firings, 64 deep, without the guard
     EXPECT_EQ(t.sent(), "");
     const std::string log = t.logFile();
-    const std::string error = "\r\nERROR : 28/Out of stack space on line T_Match";
-    EXPECT_NE(log.find(error), std::string::npos);
-    EXPECT_EQ(log.find(error), log.rfind(error));
+    const std::size_t error = log.find("\r\nERROR : 28/Out of stack space on line T_Match");
+    EXPECT_TRUE(error != std::string::npos && error == log.rfind("\r\nERROR")) << log;
     t.receive("ping");  // and the road goes on
     EXPECT_EQ(t.sent(), "got  PONG\r\nafter\r\n");
 }
@@ -241,22 +204,19 @@ TEST(TriggerEditor, TemplateSavesLoadsAndSavesAgain) {
     e.btnTRGNew_Click();
     e.txtTRGLabel = "fight.trigger";
     e.btnTRGSave_Click();  // a fresh install: the folder is made
-    EXPECT_EQ(t.fp.host.messages, std::vector<std::string>{});
     EXPECT_EQ(t.fp.folder.read("triggers/fight.trigger"),
               "flag1=1\r\npattern1=?\r\naction=#nop\r\npattern1=?\r\naction=#nop\r\n");
-    EXPECT_EQ(t.c.parts().triggers.TriggerCount(), 2);  // in the tables at once
-    EXPECT_TRUE(e.TList.empty());               // the list waits for Refresh
+    // In the tables at once; the list waits for Refresh.
+    EXPECT_EQ(std::pair(t.c.parts().triggers.TriggerCount(), e.TList.size()), std::pair(2, std::size_t{0}));
 
     t.trigger("fight.trigger", "; note\r\npattern1=x\r\nAction=go\r\nFLAG2=3\r\nbad=1\r\nsay=no");
     e.brefresh2_Click();
     ASSERT_EQ(e.TList, std::vector<std::string>{"fight.trigger"});
     e.listIndex = 0;
     e.TList_DblClick();
-    EXPECT_EQ(e.txtTRGLabel, "fight.trigger");
-    EXPECT_EQ(e.TxtTrgFlags, "FLAG2=3\r\n");
-    EXPECT_EQ(e.txtTRGBody, "pattern1=x\r\nAction=go\r\n");
     e.Option1_Click(1);  // a save now copies the trigger to the global folder, made on the way
-    EXPECT_EQ(e.txtTRGLabel, "fight.trigger");
+    EXPECT_EQ(e.txtTRGLabel + "|" + e.TxtTrgFlags + "|" + e.txtTRGBody,
+              "fight.trigger|FLAG2=3\r\n|pattern1=x\r\nAction=go\r\n");
     e.btnTRGSave_Click();
     EXPECT_EQ(t.fp.folder.read("gtriggers/fight.trigger"), "FLAG2=3\r\n\r\npattern1=x\r\nAction=go\r\n\r\n");
     ASSERT_EQ(t.c.parts().triggers.GlobalTriggerCount(), 2);  // the blank line makes an empty first part
@@ -264,38 +224,25 @@ TEST(TriggerEditor, TemplateSavesLoadsAndSavesAgain) {
     EXPECT_EQ(t.fp.host.messages, std::vector<std::string>{});
 }
 
-TEST(TriggerEditor, ExtensionsInAnyCaseAreListedAndLoaded) {
-    TriggerFixture t;
-    t.trigger("Heal.TRIGGER", "pattern1=hurt\r\naction=heal");
-    t.trigger("b.Trigger", "pattern1=hurt\r\naction=bandage", true);
-    t.trigger("notes.trigger.bak", "pattern1=hurt\r\naction=no");
-    t.c.LoadTriggers();
-    t.c.parts().triggerEditor.brefresh2_Click();
-    EXPECT_EQ(t.c.parts().triggerEditor.TList, std::vector<std::string>{"Heal.TRIGGER"});
-    t.receive("hurt");
-    EXPECT_EQ(t.sent(), "bandage\r\nheal\r\n");
-}
-
 // Names are checked as the macro editor checks them; a failed save or
 // delete says why and keeps the boxes.
 TEST(TriggerEditor, RefusedNamesAndFailedSavesAndDeletesSayWhyAndKeepTheBoxes) {
     TriggerFixture t;
     TriggerEditor& e = t.c.parts().triggerEditor;
+    std::vector<std::string> refused;
     e.btnTRGNew_Click();
     for (const char* name : {"?.trigger", "", "  ", "..", "../escape.trigger", "a:b.trigger", "a\\b.trigger"}) {
-        t.fp.host.messages.clear();
         e.txtTRGLabel = name;
         e.btnTRGSave_Click();
-        EXPECT_EQ(t.fp.host.messages, std::vector<std::string>{refusedNameMessage("trigger", name)}) << name;
+        refused.push_back(refusedNameMessage("trigger", name));
     }
+    EXPECT_EQ(t.fp.host.messages, refused);
     EXPECT_EQ(e.TxtTrgFlags, "flag1=1");
     EXPECT_FALSE(t.fp.files.exists("triggers")) << "nothing written for a refused name";
 
-    t.fp.host.messages.clear();
     e.txtTRGLabel = std::string(300, 'n') + ".trigger";
     e.btnTRGSave_Click();
-    ASSERT_EQ(t.fp.host.messages.size(), 1u);
-    EXPECT_NE(t.fp.host.messages[0].find("File name too long"), std::string::npos);
+    EXPECT_NE(t.fp.host.messages.back().find("File name too long"), std::string::npos);
     EXPECT_TRUE(std::filesystem::is_empty(t.fp.folder.path() / "triggers"));  // no temporary file left
 
     e.txtTRGLabel = "a.trigger";
@@ -309,7 +256,7 @@ TEST(TriggerEditor, RefusedNamesAndFailedSavesAndDeletesSayWhyAndKeepTheBoxes) {
     e.btnTRGDelete_Click();
     EXPECT_EQ(t.fp.host.messages.back(),
               "Cannot delete the trigger " + t.fp.files.absolute("triggers/a.trigger") + ": there is no such file.");
-    EXPECT_EQ(e.txtTRGBody, "kept");
+    EXPECT_EQ(e.txtTRGBody + "|" + std::to_string(t.fp.host.messages.size()), "kept|9");
     e.Reload_Click();
     EXPECT_EQ(t.c.parts().triggers.TriggerCount(), 0);
 }

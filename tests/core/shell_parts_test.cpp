@@ -1,0 +1,128 @@
+// The shell's parts that need no toolkit: where the program keeps its
+// files, which system information program the About dialog starts, the form
+// layout's rules on a tiny window, and the gate and pacer that order the
+// window's events and repaints.
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+#include <vector>
+
+#include "shell/event_gate.h"
+#include "shell/form_layout.h"
+#include "shell/frame_pacer.h"
+#include "shell/program_folder.h"
+#include "shell/system_info.h"
+
+using namespace kelpa;
+
+TEST(ProgramFolder, ArgumentThenWritableExecutableFolderThenXdgDataHome) {
+    struct Row { bool writable, installed; std::vector<std::string> args; std::string xdg, home, folder; };
+    const std::vector<Row> rows = {
+        {true, false, {}, "/x", "/h", "/opt/kelpa"},                       // portable copy
+        {false, false, {}, "/x/data/", "/h", "/x/data/kelpa"},             // read-only folder
+        {true, true, {}, "", "/home/p", "/home/p/.local/share/kelpa"},     // installed copy
+        {false, false, {}, "relative", "/home/p", "/home/p/.local/share/kelpa"},
+        {false, false, {}, "", "", ""},                                    // nowhere to go
+        {false, false, {"--folder", "games/k"}, "", "", "games/k"},
+        {true, false, {"-x", "--folder=/srv/k"}, "/x", "/h", "/srv/k"},
+        {true, false, {"--folder"}, "/x", "/h", ""},                       // a name is needed
+        {true, false, {"--folder="}, "/x", "/h", ""},
+    };
+    for (const Row& r : rows) {
+        const ProgramFolder f = chooseProgramFolder({"/opt/kelpa", r.writable, r.installed, r.args, r.xdg, r.home});
+        EXPECT_EQ(f.path, r.folder) << r.writable << r.installed << " " << r.xdg << " " << r.home;
+        EXPECT_FALSE(f.reason.empty());
+    }
+}
+
+TEST(SystemInfo, TheFirstKnownProgramOnThePathStartsOrTheMessageIsShown) {
+    const std::set<std::string> present = {"/usr/bin/hardinfo", "/opt/kde/bin/kinfocenter", "./kinfocenter"};
+    auto isExecutable = [&](const std::string& p) { return present.count(p) != 0; };
+    EXPECT_EQ(findSystemInfoProgram("/usr/bin:/opt/kde/bin/", isExecutable), "/opt/kde/bin/kinfocenter");
+    EXPECT_EQ(findSystemInfoProgram("/usr/local/bin:/usr/bin", isExecutable), "/usr/bin/hardinfo");
+    EXPECT_EQ(findSystemInfoProgram(":.:/nowhere", isExecutable), "") << "relative entries are not searched";
+
+    std::vector<std::string> started;
+    auto start = [&](bool ok) {
+        return [&, ok](const std::string& p) {
+            started.push_back(p);
+            return ok;
+        };
+    };
+    EXPECT_EQ(StartSysInfo("/usr/bin", isExecutable, start(true)), "");
+    EXPECT_EQ(StartSysInfo("/usr/bin", isExecutable, start(false)), kSysInfoUnavailable);
+    EXPECT_EQ(StartSysInfo("", isExecutable, start(true)), kSysInfoUnavailable);
+    EXPECT_EQ(started, (std::vector<std::string>{"/usr/bin/hardinfo", "/usr/bin/hardinfo"}));
+}
+
+// Form_Resize: a tiny window skips rules that would give negative sizes and
+// restores cleanly. The places themselves are held by the widget test of a
+// resize, which compares moves, not copied numbers.
+TEST(FormLayout, ATinyWindowSkipsTheRulesThatWouldGoNegativeAndRestores) {
+    FormLayout f;
+    f.Form_Resize(12150, 8130);
+    const auto normal = f.all();
+    f.Form_Resize(100, 100);
+    for (const auto& [name, r] : f.all()) EXPECT_TRUE(r.width >= 0 && r.height >= 0) << name;
+    EXPECT_EQ(f["PlayGround"].width, normal.at("PlayGround").width) << "the failing rule is skipped";
+    EXPECT_LT(f["InfoTabs"].top, 0) << "later rules still run";
+    f.Form_Resize(0, 0);
+    f.Form_Resize(12150, 8130);
+    EXPECT_EQ(f.all(), normal);
+}
+
+// The gate keeps one handler at a time: events that come while a handler
+// is busy wait and run in order once it is over.
+TEST(EventGate, EventsDuringAHandlerWaitAndRunInOrderOnceItIsOver) {
+    EventGate gate;
+    std::vector<std::string> seen;
+    gate.setAfterHandlers([&] { seen.push_back("after"); });
+    auto event = [&](EventGate::Key key, std::string name) {
+        return gate.enter(key, [&seen, name] { seen.push_back(name); });
+    };
+
+    EXPECT_TRUE(event(EventGate::kEach, "idle"));
+    gate.run([&] {
+        seen.push_back("box opens");
+        // What a nested event loop delivers while the box is up; a late
+        // timer fires once.
+        for (const auto& [key, name] : {std::pair(EventGate::kData, "data"), {EventGate::kAsTimer, "tick"},
+                                        {EventGate::kAsTimer, "tick again"}, {EventGate::kData, "more data"},
+                                        {EventGate::kEach, "close"}, {EventGate::kEach, "error"}})
+            EXPECT_FALSE(event(key, name)) << name;
+        // A handler inside the handler (a window the box leaves enabled)
+        // runs at once and drains nothing.
+        gate.run([&] { seen.push_back("inner"); });
+        seen.push_back("box closes");
+    });
+    EXPECT_EQ(seen, (std::vector<std::string>{"idle", "after", "box opens", "inner", "box closes", "data", "tick",
+                                              "close", "error", "after"}));
+    EXPECT_EQ(gate.waiting(), 0u);
+}
+
+TEST(EventGate, AWaitingEventThatOpensABoxLetsTheNextOnesWaitBehindIt) {
+    EventGate gate;
+    std::vector<std::string> seen;
+    gate.run([&] {
+        gate.enter(EventGate::kData, [&] {
+            seen.push_back("data opens a box");
+            gate.enter(EventGate::kQueueTimer, [&] { seen.push_back("queue tick"); });
+            gate.enter(EventGate::kData, [&] { seen.push_back("data again"); });
+            seen.push_back("box closes");
+        });
+        gate.enter(EventGate::kEach, [&] { seen.push_back("close"); });
+    });
+    EXPECT_EQ(seen, (std::vector<std::string>{"data opens a box", "box closes", "close", "queue tick", "data again"}));
+    EXPECT_FALSE(gate.busy());
+}
+
+// A change after a quiet frame is shown at once; changes within a frame of
+// the last repaint wait for the rest of that frame, never longer.
+TEST(FramePacer, RepaintsAtOnceAfterAQuietFrameAndAtMostOncePerFrame) {
+    FramePacer pacer(17);
+    EXPECT_EQ(pacer.delayMs(5), 0) << "never painted";
+    pacer.synced(100);
+    const std::pair<long long, long long> rows[] = {{100, 17}, {105, 12}, {116, 1}, {117, 0}, {500, 0}, {90, 17}};
+    for (const auto& [now, delay] : rows) EXPECT_EQ(pacer.delayMs(now), delay) << now;
+}
