@@ -2,26 +2,6 @@
 
 namespace kelpa {
 
-std::string getline(std::string_view s, std::int32_t l, bool onlyOneLine) {
-    std::size_t start = 0;
-    for (std::int32_t i = 1; i < l; ++i) {
-        std::size_t pair = s.find("\r\n", start);
-        if (pair == std::string_view::npos) return "";
-        start = pair + 2;
-    }
-    if (!onlyOneLine) return std::string(s.substr(start));
-    std::size_t end = s.find("\r\n", start);
-    return std::string(s.substr(start, end == std::string_view::npos ? std::string_view::npos
-                                                                       : end - start));
-}
-
-std::int32_t lignes(std::string_view y) {
-    std::int32_t n = 1;
-    for (std::size_t p = y.find("\r\n"); p != std::string_view::npos; p = y.find("\r\n", p + 2))
-        ++n;
-    return n;
-}
-
 bool LineCursor::next(std::string_view& line) {
     if (done_) return false;
     std::size_t end = text_.find("\r\n", pos_);

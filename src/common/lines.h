@@ -10,15 +10,9 @@
 
 namespace kelpa {
 
-// Line l (from 1) of s without its CR LF, or with onlyOneLine false
-// everything from the start of line l to the end. "" behind the last line.
-std::string getline(std::string_view s, std::int32_t l, bool onlyOneLine);
-
-// The number of lines: CR LF pairs plus one.
-std::int32_t lignes(std::string_view y);
-
-// Walks the lines of a text in order, each found once, so that a chunk of n
-// lines costs O(length) and not O(n * length).
+// Walks the lines of a command text in order, each found once, so that a
+// chunk of n lines costs O(length) and not O(n * length): line 1 to line
+// `lignes` (CR LF pairs plus one), each as `getline` would cut it.
 class LineCursor {
 public:
     explicit LineCursor(std::string_view text) : text_(text) {}
