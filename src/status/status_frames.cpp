@@ -44,6 +44,19 @@ std::size_t nextOf(const char* base, std::size_t i, std::size_t n, char a, char 
     return i;
 }
 
+// wordOf(value) with one load where the bytes behind the value, up to
+// `end`, may be read too.
+inline std::uint64_t valueWord(std::string_view value, const char* end) {
+    if constexpr (std::endian::native == std::endian::little) {
+        if (value.size() <= 8 && end - value.data() >= 8) {
+            std::uint64_t w;
+            std::memcpy(&w, value.data(), 8);
+            return value.size() == 8 ? w : w & ((std::uint64_t{1} << (value.size() * 8)) - 1);
+        }
+    }
+    return StatusModel::wordOf(value);
+}
+
 // Moves `n` bytes to a lower place, over bytes already read. The pieces
 // are a line or so between frames: a library call each costs more than
 // the copy.
@@ -195,7 +208,7 @@ bool StatusFrames::frameInPlace(const char* base, std::size_t& r, std::size_t n)
             for (std::size_t w = 0; w < 2; ++w) {
                 for (std::uint64_t m = items[w]; m != 0; m &= m - 1) {
                     const std::size_t e = r + w * 64 + static_cast<std::size_t>(std::countr_zero(m));
-                    applyItem(std::string_view(base + start, e - start));
+                    applyItem(std::string_view(base + start, e - start), base + n);
                     start = e + 1;
                 }
             }
@@ -212,7 +225,7 @@ bool StatusFrames::frameInPlace(const char* base, std::size_t& r, std::size_t n)
     for (;;) {
         const std::size_t i = nextOf(base, start, end, kItemEnd, kItemEnd);
         if (i == end) break;
-        applyItem(std::string_view(base + start, i - start));
+        applyItem(std::string_view(base + start, i - start), base + n);
         start = i + 1;
     }
     r = end + 1;
@@ -252,18 +265,18 @@ void StatusFrames::S_SplitFrame(std::string_view frame) {
     std::size_t start = 0;
     for (std::size_t i = 0; i < n; ++i) {
         if (p[i] != kItemEnd) continue;
-        applyItem(std::string_view(p + start, i - start));
+        applyItem(std::string_view(p + start, i - start), p + n);
         start = i + 1;
     }
     panel_.flushItems();
 }
 
 void StatusFrames::S_ApplyStatusItem(std::string_view item) {
-    applyItem(item);
+    applyItem(item, item.data() + item.size());
     panel_.flushItems();
 }
 
-void StatusFrames::applyItem(std::string_view item) {
+void StatusFrames::applyItem(std::string_view item, const char* end) {
     if (debug_.enabled) debug_.DebugLog("Interpreting " + std::string(item));
     // The usual item, "1,8,value": a kind, a number of one or two digits.
     if (item.size() >= 4 && (item[0] == '1' || item[0] == '2') && item[1] == ',' && item[2] >= '0' &&
@@ -278,7 +291,7 @@ void StatusFrames::applyItem(std::string_view item) {
             const std::string_view value = item.substr(i + 1);
             if (n >= 64) return;
             if (item[0] == '1')
-                panel_.queueInfo1(n, value);
+                panel_.queueInfo1(n, value, valueWord(value, end));
             else
                 panel_.queueInfo2(n, value);
             return;

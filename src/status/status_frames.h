@@ -48,8 +48,9 @@ private:
     // A frame whose 26 is in the chunk is read where it lies and `r` moves
     // behind it; false, and nothing done, when the chunk ends first.
     bool frameInPlace(const char* base, std::size_t& r, std::size_t n);
-    // Gathers the item in the panel when it can.
-    [[gnu::always_inline]] inline void applyItem(std::string_view item);
+    // Gathers the item in the panel when it can; the bytes up to `end` may
+    // be read.
+    [[gnu::always_inline]] inline void applyItem(std::string_view item, const char* end);
 
     StatusModel& panel_;
     DebugChannel& debug_;

@@ -65,6 +65,8 @@ void StatusModel::startUp() {
     flushItems();
     for (int i = 0; i < kInfo1Count; ++i) {
         info1_[static_cast<std::size_t>(i)].clear();
+        lastSize_[static_cast<std::size_t>(i)] = 0;
+        lastWord_[static_cast<std::size_t>(i)] = 0;
         numbers_[static_cast<std::size_t>(i)] = 0;
         changes_.info1.set(static_cast<std::size_t>(i));
         if (i != 52) Info1_Change(i);
@@ -78,6 +80,8 @@ void StatusModel::setInfo1(int n, std::string_view value) {
     std::string& caption = info1_[static_cast<std::size_t>(n)];
     if (sameCaption(caption, value)) return;
     caption.assign(value);
+    lastSize_[static_cast<std::size_t>(n)] = value.size();
+    lastWord_[static_cast<std::size_t>(n)] = wordOf(value);
     numbers_[static_cast<std::size_t>(n)] = statusNumber(caption);
     changes_.info1.set(static_cast<std::size_t>(n));
     Info1_Change(n);

@@ -54,18 +54,31 @@ public:
     // would. The texts are views into the caller's buffer, which must stay
     // untouched until flushItems(). The other changing calls flush first;
     // the readers see gathered items only after it.
-    [[gnu::always_inline]] void queueInfo1(int n, std::string_view value) {
+    // `word` is wordOf(value), which the caller may have read faster.
+    [[gnu::always_inline]] void queueInfo1(int n, std::string_view value, std::uint64_t word) {
         if (n < 0 || n >= kInfo1Count) return;
         const std::uint64_t bit = std::uint64_t{1} << n;
         const auto k = static_cast<std::size_t>(n);
         std::string_view& last = queued1_[k];
-        if (sameCaption((queued1Mask_ & bit) ? last : std::string_view(info1_[k]), value)) return;
+        // Most captions are a few digits: one comparison of words.
+        if (value.size() == lastSize_[k] &&
+            (value.size() <= 8 ? word == lastWord_[k]
+                               : sameCaption((queued1Mask_ & bit) ? last : std::string_view(info1_[k]), value)))
+            return;
+        lastSize_[k] = value.size();
+        lastWord_[k] = word;
         last = value;
         queued1Mask_ |= bit;
         if (n >= 8 && n <= 16) queuePair(n);
     }
     void queueInfo2(int n, std::string_view value);
     void flushItems();
+    // Up to the first 8 bytes of a text in one word, the rest zero.
+    static std::uint64_t wordOf(std::string_view text) {
+        std::uint64_t w = 0;
+        std::memcpy(&w, text.data(), text.size() < 8 ? text.size() : 8);
+        return w;
+    }
 
     // Timer3: cells marked changed turn grey again.
     void Timer3_Timer();
@@ -171,6 +184,9 @@ private:
     // the maximum as it stood at the bar's last trigger (a number when the
     // maximum was a caption then, a gathered text otherwise).
     std::array<std::string_view, kInfo1Count> queued1_{};
+    // The size and wordOf of the text each cell was last given, queued or not.
+    std::array<std::size_t, kInfo1Count> lastSize_{};
+    std::array<std::uint64_t, kInfo1Count> lastWord_{};
     std::uint64_t queued1Mask_ = 0;
     std::array<std::string_view, kInfo2Count> queued2_{};
     unsigned queued2Mask_ = 0;

@@ -8,6 +8,9 @@
 
 #include "common/numbers.h"
 #include "command/words.h"
+#include "output/debug_channel.h"
+#include "output/output_window.h"
+#include "status/status_frames.h"
 #include "status/status_model.h"
 
 using namespace kelpa;
@@ -149,18 +152,40 @@ TEST(StatusPanel, QuickNumbersAgreeWithVal) {
 
 // A caption that differs from the old one in one byte is a change, wherever
 // that byte lies and whatever the length; the same caption is none.
-TEST(StatusPanel, OneByteDifferenceIsAChangeAtEveryLength) {
+// A caption that differs in one bit of one byte is a change, set directly or
+// by a frame's item read where it lies, in any order of the two.
+TEST(StatusPanel, OneBitDifferenceIsAChangeAtEveryLengthByBothRoads) {
     Panel p;
+    OutputWindow window;
+    DebugChannel debug{window};
+    StatusFrames frames{p.m, debug};
+    auto byFrame = [&](const std::string& v) {
+        std::string chunk = "\x18" "1,23," + v + "\x19\x1A" + std::string(16, ' ');
+        frames.S_ExtractFrames(chunk);
+    };
     for (std::size_t len = 1; len <= 20; ++len) {
         for (std::size_t at = 0; at < len; ++at) {
-            std::string now(len, 'a');
-            now[at] = 'b';
-            p.m.setInfo1(23, std::string(len, 'a'));
-            p.m.takeChanges();
-            p.m.setInfo1(23, now);
-            EXPECT_TRUE(p.m.takeChanges().info1.test(23)) << len << " bytes, byte " << at;
-            p.m.setInfo1(23, now);
-            EXPECT_FALSE(p.m.takeChanges().any()) << len << " bytes, byte " << at;
+            for (int bit = 0; bit < 7; ++bit) {
+                const std::string was(len, 'a');
+                std::string now = was;
+                now[at] = static_cast<char>(now[at] ^ (1 << bit));
+                const bool directFirst = (at + static_cast<std::size_t>(bit)) % 2 == 0;
+                auto first = [&](const std::string& v) { directFirst ? p.m.setInfo1(23, v) : byFrame(v); };
+                auto second = [&](const std::string& v) { directFirst ? byFrame(v) : p.m.setInfo1(23, v); };
+                SCOPED_TRACE(testing::Message() << len << " bytes, byte " << at << ", bit " << bit);
+                first(was);
+                p.m.takeChanges();
+                second(now);
+                EXPECT_TRUE(p.m.takeChanges().info1.test(23));
+                first(now);
+                second(now);
+                EXPECT_FALSE(p.m.takeChanges().any());
+            }
         }
     }
+    // A direct caption of a new length, then the same text by a frame.
+    p.m.setInfo1(23, "12345");
+    p.m.takeChanges();
+    byFrame("12345");
+    EXPECT_FALSE(p.m.takeChanges().any());
 }
