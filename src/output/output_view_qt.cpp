@@ -75,6 +75,8 @@ OutputView::OutputView(const OutputWindow& model, const WindowInfo& info, QWidge
     setFocusPolicy(Qt::ClickFocus);
     viewport()->setCursor(Qt::IBeamCursor);
     viewport()->setAutoFillBackground(false);
+    // Every paint fills its area: the pixels may be shifted in place.
+    viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
     const QFontMetrics fm(font_);
     charWidth_ = qMax(1, fm.horizontalAdvance(QLatin1Char('M')));
     lineHeight_ = qMax(1, fm.lineSpacing());
@@ -84,7 +86,7 @@ OutputView::OutputView(const OutputWindow& model, const WindowInfo& info, QWidge
 void OutputView::sync() {
     if (model_.revision() == laidRevision_ || !isVisible()) return;
     ensureLaidOut();
-    viewport()->update();
+    refreshScreen();
 }
 
 int OutputView::lineCount() {
@@ -180,28 +182,120 @@ void OutputView::showEvent(QShowEvent* e) {
 // Paints the text as the last sync laid it out: laying out newer text here
 // would move the scroll bar, whose move asks for another paint, and a flood
 // would repaint at every turn of the event loop instead of once a frame.
-void OutputView::paintEvent(QPaintEvent*) {
+void OutputView::paintEvent(QPaintEvent* e) {
+    const int n = screenRows();
+    if (static_cast<int>(shown_.size()) != n) shown_.assign(static_cast<std::size_t>(n), 0);
     QPainter p(viewport());
-    p.fillRect(viewport()->rect(), background_);
+    p.fillRect(e->rect(), background_);
     p.setFont(font_);
+    const QRect area = e->rect() & viewport()->rect();
     const int first = verticalScrollBar()->value();
-    const int height = viewport()->height();
-    for (int r = first, y = 0; r < static_cast<int>(rows_.size()) && y < height; ++r, y += lineHeight_) {
-        const Row& row = rows_[static_cast<std::size_t>(r)];
-        paintSelection(p, row, y);
-        paintRow(p, row, y);
+    const int top = qMax(0, area.top() / lineHeight_), bottom = qMin(n - 1, area.bottom() / lineHeight_);
+    for (int i = top; i <= bottom; ++i) {
+        const int r = first + i, y = i * lineHeight_;
+        const QRect rowRect = QRect(0, y, viewport()->width(), lineHeight_) & viewport()->rect();
+        if (r < static_cast<int>(rows_.size())) {
+            // Some glyphs reach a pixel into the next row, which may not be
+            // drawn again with this one.
+            p.setClipRect(rowRect);
+            const Row& row = rows_[static_cast<std::size_t>(r)];
+            paintSelection(p, row, y);
+            paintRow(p, row, y);
+        }
+        // A row drawn only in part is known only if it did not change.
+        const std::uint64_t look = rowLook(r);
+        std::uint64_t& shown = shown_[static_cast<std::size_t>(i)];
+        if (QRegion(rowRect).subtracted(e->region()).isEmpty())
+            shown = look;
+        else if (shown != look)
+            shown = 0;
     }
 }
+
+int OutputView::screenRows() const { return qMax(1, (viewport()->height() + lineHeight_ - 1) / lineHeight_); }
+
+namespace {
+
+struct LookHash {
+    std::uint64_t h = 0x243F6A8885A308D3ULL;
+    void add(std::uint64_t v) {
+        h = (h ^ v) * 0x9E3779B97F4A7C15ULL;
+        h ^= h >> 32;
+    }
+};
+
+}  // namespace
+
+std::uint64_t OutputView::rowLook(int r) const {
+    LookHash m;
+    if (r >= 0 && r < static_cast<int>(rows_.size())) {
+        const Row& row = rows_[static_cast<std::size_t>(r)];
+        const LaidLine& line = lines_[static_cast<std::size_t>(row.line)];
+        const int end = row.start + row.length;
+        m.add(static_cast<std::uint64_t>(row.length));
+        for (int c = row.start; c < end; ++c) m.add(line.text[c].unicode());
+        for (const LaidSpan& s : line.spans) {
+            const int a = qMax(s.start, row.start), b = qMin(s.start + s.length, end);
+            if (a >= b) continue;
+            m.add(static_cast<std::uint64_t>(a - row.start) << 32 | static_cast<std::uint32_t>(b - a));
+            m.add(static_cast<std::uint64_t>(s.colour.rgba()) << 1 | (s.underline ? 1 : 0));
+        }
+        const auto [a, b] = selectionIn(row);
+        m.add(static_cast<std::uint64_t>(static_cast<std::uint32_t>(a)) << 32 | static_cast<std::uint32_t>(b));
+    }
+    return m.h ? m.h : 1;
+}
+
+void OutputView::refreshScreen() {
+    if (!isVisible()) return;
+    const int n = screenRows();
+    if (static_cast<int>(shown_.size()) != n) {
+        shown_.assign(static_cast<std::size_t>(n), 0);
+        viewport()->update();
+        return;
+    }
+    const int first = verticalScrollBar()->value();
+    std::vector<std::uint64_t> now(static_cast<std::size_t>(n));
+    for (int i = 0; i < n; ++i) now[static_cast<std::size_t>(i)] = rowLook(first + i);
+    // The shift that keeps the most rows; no shift when that keeps as many.
+    auto kept = [&](int k) {
+        int same = 0;
+        for (int i = qMax(0, -k); i < n && i + k < n; ++i)
+            same += shown_[static_cast<std::size_t>(i + k)] == now[static_cast<std::size_t>(i)];
+        return same;
+    };
+    int shift = 0, best = kept(0);
+    for (int k = 1 - n; k < n; ++k) {
+        if (k == 0) continue;
+        if (const int same = kept(k); same > best) {
+            best = same;
+            shift = k;
+        }
+    }
+    if (shift != 0) {
+        viewport()->scroll(0, -shift * lineHeight_);
+        std::vector<std::uint64_t> moved(static_cast<std::size_t>(n), 0);
+        for (int i = qMax(0, -shift); i < n && i + shift < n; ++i)
+            moved[static_cast<std::size_t>(i)] = shown_[static_cast<std::size_t>(i + shift)];
+        shown_.swap(moved);
+    }
+    for (int i = 0; i < n; ++i)
+        if (shown_[static_cast<std::size_t>(i)] != now[static_cast<std::size_t>(i)])
+            viewport()->update(0, i * lineHeight_, viewport()->width(), lineHeight_);
+}
+
+void OutputView::scrollContentsBy(int, int) { refreshScreen(); }
 
 void OutputView::paintRow(QPainter& p, const Row& row, int y) {
     const LaidLine& line = lines_[static_cast<std::size_t>(row.line)];
     const int end = row.start + row.length;
-    QFont f = font_;
     for (const LaidSpan& s : line.spans) {
         const int a = qMax(s.start, row.start);
         const int b = qMin(s.start + s.length, end);
         if (a >= b) continue;
-        if (f.underline() != s.underline) {
+        // The painter's font, which the row before may have left underlined.
+        if (p.font().underline() != s.underline) {
+            QFont f = font_;
             f.setUnderline(s.underline);
             p.setFont(f);
         }
@@ -212,17 +306,22 @@ void OutputView::paintRow(QPainter& p, const Row& row, int y) {
     }
 }
 
-void OutputView::paintSelection(QPainter& p, const Row& row, int y) {
+std::pair<int, int> OutputView::selectionIn(const Row& row) const {
     const Pos from = qMin(anchor_, caret_), to = qMax(anchor_, caret_);
-    if (from == to || row.line < from.line || row.line > to.line) return;
+    if (from == to || row.line < from.line || row.line > to.line) return {0, 0};
     int a = row.start, b = row.start + row.length;
     if (row.line == from.line) a = qMax(a, from.col);
     if (row.line == to.line) b = qMin(b, to.col);
     // A selected line end shows as one cell.
     if (row.line < to.line && b == static_cast<int>(lines_[static_cast<std::size_t>(row.line)].text.size())) ++b;
+    if (a >= b) return {0, 0};
+    return {a - row.start, b - row.start};
+}
+
+void OutputView::paintSelection(QPainter& p, const Row& row, int y) {
+    const auto [a, b] = selectionIn(row);
     if (a >= b) return;
-    p.fillRect((a - row.start) * charWidth_, y, (b - a) * charWidth_, lineHeight_,
-               palette().color(QPalette::Highlight));
+    p.fillRect(a * charWidth_, y, (b - a) * charWidth_, lineHeight_, palette().color(QPalette::Highlight));
 }
 
 OutputView::Pos OutputView::posAt(const QPoint& pt) const {

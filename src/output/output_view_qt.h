@@ -1,6 +1,9 @@
 // Paints one output window of the core. The view holds no text of its own:
 // it lays out what the model gained since it last looked (all of it after a
-// cut), wraps again what that changed or all when the width changed, draws only the rows in sight, and follows the end of the text.
+// cut), wraps again what that changed or all when the width changed, draws
+// only the rows in sight, and follows the end of the text. Rows already on
+// the screen move with the text (the pixels are shifted, not drawn again):
+// a new line repaints that line, not the window.
 #pragma once
 
 #include <QAbstractScrollArea>
@@ -8,6 +11,7 @@
 #include <QFont>
 
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "output/output_layout_qt.h"
@@ -39,6 +43,7 @@ protected:
     void mousePressEvent(QMouseEvent* e) override;
     void mouseMoveEvent(QMouseEvent* e) override;
     void keyPressEvent(QKeyEvent* e) override;
+    void scrollContentsBy(int dx, int dy) override;
 
 private:
     struct Row {
@@ -60,6 +65,16 @@ private:
     Pos posAt(const QPoint& p) const;
     void paintRow(QPainter& p, const Row& row, int y);
     void paintSelection(QPainter& p, const Row& row, int y);
+    // The selected cells of a row, from its start; equal when none.
+    std::pair<int, int> selectionIn(const Row& row) const;
+    // Screen rows, the last one perhaps in part.
+    int screenRows() const;
+    // What the screen row showing row `r` of the text looks like, as a
+    // hash: text, colours, underline and selection.
+    std::uint64_t rowLook(int r) const;
+    // Shifts the pixels of rows that are still in sight to their new place
+    // and asks for a paint of the rows that changed.
+    void refreshScreen();
 
     const OutputWindow& model_;
     QColor background_;
@@ -81,6 +96,10 @@ private:
 
     bool selecting_ = false;
     Pos anchor_, caret_;
+
+    // The look of what each screen row shows now, from the paints and
+    // shifts so far; 0 where it is not known.
+    std::vector<std::uint64_t> shown_;
 };
 
 }  // namespace kelpa::qt

@@ -4,6 +4,7 @@
 
 #include <QElapsedTimer>
 #include <QImage>
+#include <QScreen>
 #include <QScrollBar>
 
 #include <random>
@@ -121,6 +122,77 @@ TEST(OutputView, TextLaidOutPieceByPieceDrawsAsALayoutFromScratch) {
         ASSERT_EQ(view.rowCount(), fresh.rowCount());
         ASSERT_EQ(view.viewport()->grab().toImage(), fresh.viewport()->grab().toImage());
     }
+}
+
+// The pixels the window holds after many small repaints, each drawing only
+// what changed and shifting the rest, are what one paint of a new view of
+// the same text draws: after new text, cuts, a restyle, a resize, a
+// selection and the player's scrolling.
+TEST(OutputView, TheScreenAfterManySmallRepaintsIsWhatAWholePaintDraws) {
+    std::mt19937 rng(23);
+    OutputWindow seen, same;
+    const WindowInfo& info = windowInfo(kMainWindow);
+    qt::OutputView view(seen, info);
+    view.resize(260, 170);
+    view.show();
+    QCoreApplication::processEvents();
+    const std::string alphabet = "ab \t\r\n\n\n\xC9\xCD\xBA\xE9q";
+    const std::uint32_t colours[] = {rgb(255, 0, 0), rgb(0, 255, 0), rgb(192, 192, 192)};
+    auto both = [&](auto&& op) { op(seen); op(same); };
+    auto onScreen = [&] {
+        const QRect vp(view.viewport()->mapTo(&view, QPoint(0, 0)), view.viewport()->size());
+        return view.screen()->grabWindow(view.winId()).toImage().copy(vp).convertToFormat(QImage::Format_RGB32);
+    };
+    // Paints of less than the whole view: the rows that changed.
+    struct PartialPaints : QObject {
+        int count = 0;
+        bool eventFilter(QObject* o, QEvent* e) override {
+            if (e->type() == QEvent::Paint &&
+                static_cast<QPaintEvent*>(e)->region() != QRegion(static_cast<QWidget*>(o)->rect()))
+                ++count;
+            return false;
+        }
+    } partial;
+    view.viewport()->installEventFilter(&partial);
+    int changed = 0;
+    for (int step = 0; step < 300; ++step) {
+        const TextStyle s{colours[rng() % 3], rng() % 4 == 0, rng() % 5 == 0, rng() % 2 == 0};
+        std::string bytes(rng() % 14, ' ');
+        for (char& c : bytes) c = alphabet[rng() % alphabet.size()];
+        if (rng() % 8 == 0) bytes.append(rng() % 60, 'x');
+        both([&](OutputWindow& w) { w.append(bytes, s); });
+        if (seen.size() > 700) both([n = seen.size() - 500](OutputWindow& w) { w.cutAfterFirst(n); });
+        if (step == 120) both([](OutputWindow& w) { w.flattenToPlain(); });
+        if (step == 200) view.resize(300, 150);
+        view.sync();
+        QScrollBar* bar = view.verticalScrollBar();
+        if (rng() % 6 == 0) bar->setValue(bar->value() - static_cast<int>(rng() % 4));
+        if (rng() % 9 == 0) bar->setValue(bar->value() + 1);
+        if (step % 25 == 10) {
+            QWidget* vp = view.viewport();
+            const QPoint from(static_cast<int>(rng() % 200), static_cast<int>(rng() % 100));
+            const QPointF to(from + QPoint(static_cast<int>(rng() % 50), 40));
+            QTest::mousePress(vp, Qt::LeftButton, {}, from);
+            QMouseEvent move(QEvent::MouseMove, to, vp->mapToGlobal(to), Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+            QApplication::sendEvent(vp, &move);
+        }
+        const QImage before = onScreen();
+        QCoreApplication::processEvents();
+        const QImage after = onScreen();
+        if (before != after) ++changed;
+        qt::OutputView fresh(same, info);
+        fresh.resize(view.size());
+        fresh.show();
+        QCoreApplication::processEvents();
+        fresh.verticalScrollBar()->setValue(bar->value());
+        QCoreApplication::processEvents();
+        ASSERT_EQ(fresh.verticalScrollBar()->value(), bar->value()) << "step " << step;
+        // The selection is the one thing the fresh view lacks.
+        if (!view.selectedText().isEmpty()) continue;
+        ASSERT_EQ(after, fresh.viewport()->grab().toImage().convertToFormat(QImage::Format_RGB32)) << "step " << step;
+    }
+    EXPECT_GT(changed, 150) << "the screen changed at most steps";
+    EXPECT_GT(partial.count, 100) << "most paints drew only the rows that changed";
 }
 
 TEST(OutputView, ASelectionCopiesTheTextAcrossLines) {
