@@ -2,12 +2,14 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QElapsedTimer>
 #include <QFontMetrics>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QScrollBar>
 #include <QStyle>
 #include <QStyleOptionSlider>
+#include <QTimer>
 
 #include "toolkit/widget_kit_qt.h"
 
@@ -18,10 +20,18 @@ namespace {
 // Repaints only when what it shows changes. A long text that follows its end
 // changes the range and the value at every line, but the handle stays put at
 // the bottom, and each repaint of it cost up to half a millisecond, which a
-// line from the server could have to wait behind.
+// line from the server could have to wait behind. While the text grows the
+// handle shrinks by a pixel every line or two: those repaints are gathered,
+// at most one every kLagMs; anything else is painted at once.
 class SteadyScrollBar : public QScrollBar {
 public:
-    using QScrollBar::QScrollBar;
+    SteadyScrollBar(Qt::Orientation o, QWidget* parent) : QScrollBar(o, parent) {
+        lag_.setSingleShot(true);
+        connect(&lag_, &QTimer::timeout, this, &SteadyScrollBar::check);
+        painted_.start();
+    }
+
+    static constexpr int kLagMs = 100;
 
 protected:
     void sliderChange(SliderChange change) override {
@@ -34,12 +44,14 @@ protected:
             this,
             [this] {
                 checkPosted_ = false;
-                if (!(look() == shown_)) update();
+                check();
             },
             Qt::QueuedConnection);
     }
     void paintEvent(QPaintEvent* e) override {
         shown_ = look();
+        painted_.start();
+        lag_.stop();
         QScrollBar::paintEvent(e);
     }
 
@@ -57,8 +69,20 @@ private:
         return {style()->subControlRect(QStyle::CC_ScrollBar, &opt, QStyle::SC_ScrollBarSlider, this),
                 value() == minimum(), value() == maximum()};
     }
+    void check() {
+        const Look now = look();
+        if (now == shown_) return;
+        const bool following = now.atMaximum && shown_.atMaximum && !isSliderDown();
+        const qint64 since = painted_.elapsed();
+        if (!following || since >= kLagMs)
+            update();
+        else if (!lag_.isActive())
+            lag_.start(static_cast<int>(kLagMs - since));
+    }
     Look shown_;
     bool checkPosted_ = false;
+    QTimer lag_;
+    QElapsedTimer painted_;
 };
 
 }  // namespace

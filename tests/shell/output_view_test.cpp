@@ -269,5 +269,42 @@ TEST(OutputView, AFloodRepaintsAtMostOncePerFrameAndTheScrollBarOnlyWhenItsHandl
     EXPECT_GE(bar.paints, 1);
 }
 
+// While a short text grows the handle shrinks with nearly every line: it is
+// moved at most ten times a second, and its last place is shown.
+TEST(OutputView, AGrowingTextMovesTheHandleAtMostTenTimesASecond) {
+    FormFixture f;
+    Client& c = f.form().client();
+    qt::OutputView* t = f.form().outputWindow(kMainWindow);
+    for (int i = 0; i < 40; ++i) c.parts().writer.W_Print("line " + std::to_string(i) + "\r\n", kMainWindow);
+    f.form().syncFromCore();
+    QTest::qWait(150);
+    PaintCounter bar;
+    t->verticalScrollBar()->installEventFilter(&bar);
+    QElapsedTimer clock;
+    clock.start();
+    for (int i = 0; i < 60; ++i) {
+        c.parts().writer.W_Print("more " + std::to_string(i) + "\r\n", kMainWindow);
+        f.form().syncFromCore();
+        QCoreApplication::processEvents();
+    }
+    const qint64 ms = clock.elapsed();
+    const int during = bar.paints;
+    EXPECT_LE(during, ms / 100 + 1) << ms << " ms";
+    QTest::qWait(200);
+    EXPECT_GT(bar.paints, during) << "the handle's last place is shown";
+
+    // The player's own scrolling is shown at once, even right after a paint.
+    for (int i = 0; i < 2; ++i) {
+        c.parts().writer.W_Print("again\r\n", kMainWindow);
+        f.form().syncFromCore();
+        QCoreApplication::processEvents();
+    }
+    const int beforeScroll = bar.paints;
+    t->verticalScrollBar()->setValue(0);
+    QCoreApplication::processEvents();
+    QCoreApplication::processEvents();
+    EXPECT_GT(bar.paints, beforeScroll);
+}
+
 }  // namespace
 }  // namespace kelpa::test
