@@ -76,7 +76,7 @@ public:
     // Up to the first 8 bytes of a text in one word, the rest zero.
     static std::uint64_t wordOf(std::string_view text) {
         std::uint64_t w = 0;
-        std::memcpy(&w, text.data(), text.size() < 8 ? text.size() : 8);
+        if (!text.empty()) std::memcpy(&w, text.data(), text.size() < 8 ? text.size() : 8);
         return w;
     }
 
