@@ -13,6 +13,10 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "output/output_view_qt.h"
+#include "shell/main_form_qt.h"
+#include "shell/qt_platform_qt.h"
+
 namespace kelpa::bench {
 
 // With `perf record -D -1 --control fd:N` and KELPA_PERF_CTL_FD=N, perf
@@ -45,6 +49,20 @@ inline void waitForFirstPaint(QWidget* widget) {
     while (!paint.seen && settle.elapsed() < 2000) QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
     widget->removeEventFilter(&paint);
     QCoreApplication::processEvents();
+}
+
+// Ends the event loop with 1 on a socket error; connects to 127.0.0.1 at
+// `port` once the window has painted.
+inline void connectWhenShown(qt::MainForm& form, const std::string& port) {
+    QObject::connect(&form.qtPlatform()->socket, &qt::QtSocket::failed, [](int n, const QString& d, long long) {
+        std::fprintf(stderr, "socket error %d %s\n", n, d.toLocal8Bit().constData());
+        QCoreApplication::exit(1);
+    });
+    Client& client = form.client();
+    client.parts().bar.Site = "127.0.0.1";
+    client.parts().bar.PPort = port;
+    waitForFirstPaint(form.outputWindow(kMainWindow)->viewport());
+    client.parts().session.CMD_CONNECT_Click();
 }
 
 }  // namespace kelpa::bench

@@ -7,20 +7,11 @@
 #include <QFile>
 #include <QTcpSocket>
 
-#include <sys/resource.h>
-
 #include <cstdio>
 
-namespace {
+#include "cpu_clock.h"
 
-double cpuSeconds() {
-    rusage ru{};
-    getrusage(RUSAGE_SELF, &ru);
-    return static_cast<double>(ru.ru_utime.tv_sec + ru.ru_stime.tv_sec) +
-           static_cast<double>(ru.ru_utime.tv_usec + ru.ru_stime.tv_usec) / 1e6;
-}
-
-}  // namespace
+using kelpa::bench::cpuSeconds;
 
 int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);

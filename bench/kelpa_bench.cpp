@@ -23,7 +23,6 @@
 #include <QTemporaryDir>
 #include <QTimer>
 
-#include <sys/resource.h>
 #include <time.h>
 #include <unistd.h>
 
@@ -38,6 +37,7 @@
 #include <vector>
 
 #include "bench_form.h"
+#include "cpu_clock.h"
 #include "output/output_view_qt.h"
 #include "shell/main_form_qt.h"
 #include "shell/qt_platform_qt.h"
@@ -45,15 +45,10 @@
 using namespace kelpa;
 using bench::nowNs;
 using bench::perfControl;
+using bench::cpuSeconds;
 
 namespace {
 
-double cpuSeconds() {
-    rusage ru{};
-    getrusage(RUSAGE_SELF, &ru);
-    return static_cast<double>(ru.ru_utime.tv_sec + ru.ru_stime.tv_sec) +
-           static_cast<double>(ru.ru_utime.tv_usec + ru.ru_stime.tv_usec) / 1e6;
-}
 
 std::map<std::string, long long> readCounts(const std::string& path) {
     std::map<std::string, long long> m;
@@ -280,14 +275,7 @@ int main(int argc, char** argv) {
         flooding = false;
         QTimer::singleShot(0, &app, &QCoreApplication::quit);
     });
-    QObject::connect(&socket, &qt::QtSocket::failed, [&](int n, const QString& d, long long) {
-        std::fprintf(stderr, "socket error %d %s\n", n, d.toLocal8Bit().constData());
-        app.exit(1);
-    });
-    client.parts().bar.Site = "127.0.0.1";
-    client.parts().bar.PPort = port.toStdString();
-    bench::waitForFirstPaint(form->outputWindow(kMainWindow)->viewport());
-    client.parts().session.CMD_CONNECT_Click();
+    bench::connectWhenShown(*form, port.toStdString());
     if (app.exec() != 0 || t1 == 0) return 1;
 
     rusage ru{};

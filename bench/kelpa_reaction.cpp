@@ -85,7 +85,6 @@ int main(int argc, char** argv) {
         trigger.write("pattern1=PROBE\r\naction=pong\r\n");
     }
     auto form = qt::MainForm::createOn(std::make_unique<qt::QtPlatform>(folder.path().toStdString()));
-    Client& client = form->client();
     form->show();
 
     qt::QtSocket& socket = form->qtPlatform()->socket;
@@ -94,14 +93,7 @@ int main(int argc, char** argv) {
         perfControl("disable\n");
         QTimer::singleShot(0, &app, &QCoreApplication::quit);
     });
-    QObject::connect(&socket, &qt::QtSocket::failed, [&](int n, const QString& d, long long) {
-        std::fprintf(stderr, "socket error %d %s\n", n, d.toLocal8Bit().constData());
-        app.exit(1);
-    });
-    client.parts().bar.Site = "127.0.0.1";
-    client.parts().bar.PPort = port.toStdString();
-    bench::waitForFirstPaint(form->outputWindow(kMainWindow)->viewport());
-    client.parts().session.CMD_CONNECT_Click();
+    bench::connectWhenShown(*form, port.toStdString());
     const int r = app.exec();
     for (const auto& [what, s] : app.slow)
         std::fprintf(stderr, "slow event %s: %d, %.1f ms in all (CPU %.1f ms), longest %.2f ms\n", what.c_str(),
