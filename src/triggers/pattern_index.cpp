@@ -61,6 +61,23 @@ std::uint64_t textHash(std::uint64_t head, std::uint64_t tail, std::size_t lengt
     return ((head * kMultiplier) ^ tail ^ length) * 0xC2B2AE3D27D4EB4Fu;
 }
 
+// Bytes of a word: letters, digits and anything beyond ASCII.
+bool wordByte(unsigned char c) { return c >= 0x80 || (c >= '0' && c <= '9') || ((c | 0x20) >= 'a' && (c | 0x20) <= 'z'); }
+
+// How rare a window is likely to be in prose: the bytes of words other than
+// its longest piece of one. A window inside a single word (or a word with
+// the blanks around it) meets every use of that word; one that spans the
+// end of a word and the start of the next meets only that pair.
+int rarity(std::string_view window) {
+    int letters = 0, run = 0, longest = 0;
+    for (char ch : window) {
+        run = wordByte(static_cast<unsigned char>(ch)) ? run + 1 : 0;
+        letters += run != 0;
+        longest = std::max(longest, run);
+    }
+    return letters - longest;
+}
+
 unsigned log2Ceil(std::size_t n) { return n <= 1 ? 0u : static_cast<unsigned>(std::bit_width(n - 1)); }
 
 }  // namespace
@@ -159,31 +176,44 @@ void PatternIndex::buildFilter(const std::vector<std::string>& texts, unsigned f
     unsigned char bytes[8] = {};
     std::memset(bytes, 0xff, keyLen_);
     keyMask_ = load64(bytes);
-    std::vector<std::pair<std::uint64_t, Place>> keyed;
+    struct Keyed {
+        std::uint64_t key;
+        std::uint32_t offset, length;
+        std::int32_t text;
+    };
+    std::vector<Keyed> keyed;
     std::size_t longTexts = 0;
-    for (const std::string& t : texts) {
+    for (std::size_t id = 0; id < texts.size(); ++id) {
+        const std::string& t = texts[id];
         if (t.size() < kLongText) continue;
         ++longTexts;
+        const std::size_t first = keyOffset(t, keyLen_, stride_);
         for (std::size_t j = 0; j < stride_; ++j) {
-            const auto offset = static_cast<std::uint32_t>(t.size() - keyLen_ - j);
             unsigned char window[8] = {};
-            std::memcpy(window, t.data() + offset, keyLen_);
-            keyed.push_back({load64(window), {offset, static_cast<std::uint32_t>(t.size())}});
+            std::memcpy(window, t.data() + first + j, keyLen_);
+            keyed.push_back({load64(window), static_cast<std::uint32_t>(first + j),
+                             static_cast<std::uint32_t>(t.size()), static_cast<std::int32_t>(id)});
         }
     }
-    std::sort(keyed.begin(), keyed.end(), [](const auto& a, const auto& b) {
-        return std::tie(a.first, a.second.offset, a.second.length) < std::tie(b.first, b.second.offset, b.second.length);
+    std::sort(keyed.begin(), keyed.end(), [](const Keyed& a, const Keyed& b) {
+        return std::tie(a.key, a.offset, a.length, a.text) < std::tie(b.key, b.offset, b.length, b.text);
     });
-    keyed.erase(std::unique(keyed.begin(), keyed.end(),
-                            [](const auto& a, const auto& b) {
-                                return a.first == b.first && a.second.offset == b.second.offset &&
-                                       a.second.length == b.second.length;
-                            }),
-                keyed.end());
-    places_.reserve(keyed.size());
-    for (const auto& k : keyed) places_.push_back(k.second);
+    // One place for each run of texts with the same key at the same offset
+    // and of the same length, with the check word of its shared bytes.
+    std::vector<std::uint64_t> keyOfPlace;
+    for (std::size_t k = 0; k < keyed.size();) {
+        std::size_t end = k + 1;
+        while (end < keyed.size() && keyed[end].key == keyed[k].key && keyed[end].offset == keyed[k].offset &&
+               keyed[end].length == keyed[k].length)
+            ++end;
+        std::vector<std::string_view> family;
+        for (std::size_t m = k; m < end; ++m) family.push_back(texts[static_cast<std::size_t>(keyed[m].text)]);
+        places_.push_back(placeOf(family, keyed[k].offset, keyLen_));
+        keyOfPlace.push_back(keyed[k].key);
+        k = end;
+    }
     std::size_t keys = 0;
-    for (std::size_t k = 0; k < keyed.size(); ++k) keys += k == 0 || keyed[k].first != keyed[k - 1].first;
+    for (std::size_t k = 0; k < keyOfPlace.size(); ++k) keys += k == 0 || keyOfPlace[k] != keyOfPlace[k - 1];
 
     // One or two keys a word, so about four bits of 64 set: a window that
     // is no key passes about one time in 250.
@@ -195,10 +225,10 @@ void PatternIndex::buildFilter(const std::vector<std::string>& texts, unsigned f
     bucketShift_ = 64 - bucketBits;
     buckets_.assign(std::size_t{1} << bucketBits, Bucket{});
     const std::size_t bucketMask = buckets_.size() - 1;
-    for (std::size_t k = 0; k < keyed.size();) {
-        const std::uint64_t key = keyed[k].first;
+    for (std::size_t k = 0; k < keyOfPlace.size();) {
+        const std::uint64_t key = keyOfPlace[k];
         std::size_t end = k + 1;
-        while (end < keyed.size() && keyed[end].first == key) ++end;
+        while (end < keyOfPlace.size() && keyOfPlace[end] == key) ++end;
         const std::uint64_t h = key * kMultiplier;
         filter_[filterWord(h, filter_.size() - 1)] |= filterBits(h);
         std::size_t i = h >> bucketShift_;
@@ -225,6 +255,54 @@ void PatternIndex::buildFilter(const std::vector<std::string>& texts, unsigned f
         while (textSlots_[i].length != 0) i = (i + 1) & textMask;
         textSlots_[i] = slot;
     }
+}
+
+std::size_t PatternIndex::keyOffset(std::string_view text, std::size_t keyLen, std::size_t stride) {
+    // The run of `stride` neighbouring windows whose least rare window is
+    // the rarest; the first such run, so that texts that differ only in
+    // their last bytes share their keys.
+    std::size_t best = 0;
+    int bestRarity = -1;
+    for (std::size_t first = 0; first + stride - 1 + keyLen <= text.size(); ++first) {
+        int r = std::numeric_limits<int>::max();
+        for (std::size_t j = 0; j < stride; ++j) r = std::min(r, rarity(text.substr(first + j, keyLen)));
+        if (r > bestRarity) {
+            bestRarity = r;
+            best = first;
+        }
+    }
+    return best;
+}
+
+PatternIndex::Place PatternIndex::placeOf(std::span<const std::string_view> family, std::uint32_t offset,
+                                          std::size_t keyLen) {
+    const std::string_view first = family.front();
+    const auto length = static_cast<std::uint32_t>(first.size());
+    auto shared = [&](std::size_t i) {
+        for (std::string_view t : family)
+            if (t[i] != first[i]) return false;
+        return true;
+    };
+    // The 8 bytes (all of a shorter text) that hold the most shared bytes
+    // outside the key window: those tell the most that the key did not.
+    const std::size_t width = std::min<std::size_t>(8, length);
+    std::size_t bestAt = 0;
+    int bestCount = -1;
+    for (std::size_t at = 0; at + width <= length; ++at) {
+        int count = 0;
+        for (std::size_t i = at; i < at + width; ++i) count += (i < offset || i >= offset + keyLen) && shared(i);
+        if (count > bestCount) {
+            bestCount = count;
+            bestAt = at;
+        }
+    }
+    unsigned char value[8] = {}, mask[8] = {};
+    for (std::size_t i = 0; i < width; ++i)
+        if (shared(bestAt + i)) {
+            value[i] = static_cast<unsigned char>(first[bestAt + i]);
+            mask[i] = 0xff;
+        }
+    return {load64(value), load64(mask), offset, length, static_cast<std::uint32_t>(bestAt)};
 }
 
 void PatternIndex::buildAutomaton(const std::vector<std::string>& texts, std::size_t denseBudget) {
@@ -419,6 +497,9 @@ void PatternIndex::verify(const unsigned char* text, std::size_t size, std::size
         // The text must start and end inside the one searched.
         if (place.offset > at || place.length > size - (at - place.offset)) continue;
         const std::size_t start = at - place.offset;
+        const std::uint64_t word =
+            place.length >= 8 ? load64(text + start + place.checkAt) : headOf(text + start, place.length);
+        if ((word & place.checkMask) != place.check) continue;
         const std::uint64_t head = headOf(text + start, place.length), tail = tailOf(text + start, place.length);
         const std::uint64_t h = textHash(head, tail, place.length);
         if (!filterPasses(textFilter_[filterWord(h, textFilter_.size() - 1)], h)) continue;

@@ -3,7 +3,7 @@
 //
 // A pass reports the non-empty pattern texts of both tables that occur in
 // the text. Texts of four bytes or more are found through short windows
-// near their ends: every first, second, third or fourth window of the text
+// of theirs: every first, second, third or fourth window of the text
 // (the longer the shortest text, the wider the step) is hashed and tested
 // in a bitset, and only the windows that pass are looked up and the text
 // compared. The work per window does not depend on the byte before, so it
@@ -121,21 +121,31 @@ private:
 
     // The window filter over the texts of kLongText bytes or more. A key
     // is a window of keyLen_ bytes, as they lie in memory, in a 64-bit word
-    // with the other bytes masked off; each text has one at each of the
-    // last stride_ offsets where a window fits. A key's hash picks one word
+    // with the other bytes masked off; each text has one at each of
+    // stride_ neighbouring offsets, where its windows look rarest in prose
+    // (keyOffset). A key's hash picks one word
     // of the bitset and two bits in it; both must be set. A window that
     // passes finds its key's bucket in an open table, which lists each
     // place (offset in the text, length) where the key stands in some
     // text. For each, the text that would stand there is looked up whole
     // in a second open table, by its first and last 8 bytes and length:
     // texts that share a window (near misses of one another, or phrases
-    // with the same end) cost one lookup a place, not one comparison each.
+    // with the same words) cost one lookup a place, not one comparison each.
     // A bitset of the texts' hashes, small enough to stay in the first-level
     // cache, turns away most places before the table is read.
+    // A place also carries a check: one word of the text (the bytes at
+    // checkAt, all of them in a text shorter than 8) masked to the bytes
+    // that every text of the place shares. Most windows that are a key
+    // stand where no text does, and this turns them away with one load.
     struct Place {
+        std::uint64_t check, checkMask;
         std::uint32_t offset;  // of the window in the text
         std::uint32_t length;
+        std::uint32_t checkAt;
     };
+    // Where the `stride` key windows of a text begin.
+    static std::size_t keyOffset(std::string_view text, std::size_t keyLen, std::size_t stride);
+    static Place placeOf(std::span<const std::string_view> family, std::uint32_t offset, std::size_t keyLen);
     struct Bucket {
         std::uint64_t key = 0;
         std::uint32_t begin = 0, end = 0;  // into places_; end 0: a free bucket
