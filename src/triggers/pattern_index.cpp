@@ -31,11 +31,11 @@ std::uint64_t load64(const unsigned char* p) {
     return v;
 }
 
-// The top bits of a hash pick the bitset's word (at most 2^kMaxWordBits
-// of them); the 12 bits below those pick two bits in it. The shifts are
-// constants, and each bit is tested on its own, to keep the test of a
-// window a handful of instructions.
+// The texts' bitset: the top bits of a hash pick its word (at most
+// 2^kMaxWordBits of them); the 12 bits below those pick two bits in it.
 constexpr unsigned kMaxWordBits = 14;
+// The window bitset has at most 2^kMaxFilterBits bits, one a key.
+constexpr unsigned kMaxFilterBits = 20;
 std::size_t filterWord(std::uint64_t h, std::size_t mask) { return static_cast<std::size_t>(h >> (64 - kMaxWordBits)) & mask; }
 bool filterPasses(std::uint64_t word, std::uint64_t h) {
     return (word >> (h >> (64 - kMaxWordBits - 6) & 63) & word >> (h >> (64 - kMaxWordBits - 12) & 63) & 1) != 0;
@@ -215,11 +215,13 @@ void PatternIndex::buildFilter(const std::vector<std::string>& texts, unsigned f
     std::size_t keys = 0;
     for (std::size_t k = 0; k < keyOfPlace.size(); ++k) keys += k == 0 || keyOfPlace[k] != keyOfPlace[k - 1];
 
-    // One or two keys a word, so about four bits of 64 set: a window that
-    // is no key passes about one time in 250.
-    const unsigned wordBits =
-        std::clamp(filterWordsLog2 ? filterWordsLog2 : log2Ceil(keys / 2), filterWordsLog2 ? 1u : 4u, kMaxWordBits);
-    filter_.assign(std::size_t{1} << wordBits, 0);
+    // One bit a key, one set in 128 or fewer: a window that is no key
+    // passes about one time in 128 or less. 16 KB for about a thousand
+    // keys, which stays in the first-level cache; 128 KB at most.
+    const unsigned bits =
+        filterWordsLog2 ? filterWordsLog2 + 6 : std::clamp(log2Ceil(keys) + 7, 9u, kMaxFilterBits);
+    filter_.assign(std::size_t{1} << (bits - 6), 0);
+    filterShift_ = 64 - bits;
     // Both tables at most two thirds full.
     const unsigned bucketBits = std::max(1u, log2Ceil(keys + keys / 2));
     bucketShift_ = 64 - bucketBits;
@@ -230,7 +232,7 @@ void PatternIndex::buildFilter(const std::vector<std::string>& texts, unsigned f
         std::size_t end = k + 1;
         while (end < keyOfPlace.size() && keyOfPlace[end] == key) ++end;
         const std::uint64_t h = key * kMultiplier;
-        filter_[filterWord(h, filter_.size() - 1)] |= filterBits(h);
+        filter_[(h >> filterShift_) >> 6] |= std::uint64_t{1} << ((h >> filterShift_) & 63);
         std::size_t i = h >> bucketShift_;
         while (buckets_[i].end != 0) i = (i + 1) & bucketMask;
         buckets_[i] = {key, static_cast<std::uint32_t>(k), static_cast<std::uint32_t>(end)};
@@ -449,24 +451,31 @@ void PatternIndex::scanLong(std::string_view text, Report&& report) {
     const std::size_t n = text.size(), stride = stride_;
     const std::uint64_t mask = keyMask_;
     const std::uint64_t* filter = filter_.data();
-    const std::size_t words = filter_.size() - 1;
+    const unsigned shift = filterShift_;
+    auto passes = [filter, shift](std::uint64_t h) {
+        const std::uint64_t bit = h >> shift;
+        return static_cast<unsigned>(filter[bit >> 6] >> (bit & 63)) & 1u;
+    };
     std::size_t p = 0;
-    // Each window is tested on its own, two at a time with one branch: the
-    // loads and multiplications of neighbouring windows overlap.
-    for (; p + stride + 8 <= n; p += 2 * stride) {
-        const std::uint64_t k0 = load64(s + p) & mask, k1 = load64(s + p + stride) & mask;
-        const std::uint64_t h0 = k0 * kMultiplier, h1 = k1 * kMultiplier;
-        const bool pass0 = filterPasses(filter[filterWord(h0, words)], h0);
-        const bool pass1 = filterPasses(filter[filterWord(h1, words)], h1);
-        if (pass0 | pass1) [[unlikely]] {
-            if (pass0) verify(s, n, p, k0, h0, report);
-            if (pass1) verify(s, n, p + stride, k1, h1, report);
+    // A block of windows is tested without a branch a window: each writes
+    // its place and the count grows by its bit. Only the few that pass
+    // are looked up, after the block.
+    constexpr std::size_t kBlock = 64;
+    std::uint32_t passed[kBlock];
+    while (p + 8 <= n) {
+        const std::size_t windows = std::min(kBlock, (n - 8 - p) / stride + 1);
+        std::size_t count = 0;
+        for (std::size_t w = 0; w < windows; ++w) {
+            const std::size_t at = p + w * stride;
+            passed[count] = static_cast<std::uint32_t>(w);
+            count += passes((load64(s + at) & mask) * kMultiplier);
         }
-    }
-    for (; p + 8 <= n; p += stride) {
-        const std::uint64_t key = load64(s + p) & mask;
-        const std::uint64_t h = key * kMultiplier;
-        if (filterPasses(filter[filterWord(h, words)], h)) verify(s, n, p, key, h, report);
+        for (std::size_t c = 0; c < count; ++c) {
+            const std::size_t at = p + passed[c] * stride;
+            const std::uint64_t key = load64(s + at) & mask;
+            verify(s, n, at, key, key * kMultiplier, report);
+        }
+        p += windows * stride;
     }
     // The last windows, from a copy with room for the 64-bit loads.
     if (p + keyLen_ <= n) {
@@ -475,7 +484,7 @@ void PatternIndex::scanLong(std::string_view text, Report&& report) {
         for (std::size_t q = 0; p + keyLen_ <= n; p += stride, q += stride) {
             const std::uint64_t key = load64(tail + q) & mask;
             const std::uint64_t h = key * kMultiplier;
-            if (filterPasses(filter[filterWord(h, words)], h)) verify(s, n, p, key, h, report);
+            if (passes(h)) verify(s, n, p, key, h, report);
         }
     }
 }

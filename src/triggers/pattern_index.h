@@ -69,7 +69,7 @@ private:
     friend struct PatternIndexProbe;
     // Bounds the automaton's table of full rows, in entries.
     std::size_t denseBudget_ = kDenseBudget;
-    // log2 of the bitset's 64-bit words; 0 sizes it by the number of texts.
+    // log2 of the window bitset's 64-bit words; 0 sizes it by the number of keys.
     unsigned filterWordsLog2_ = 0;
 
     struct Node {
@@ -123,8 +123,8 @@ private:
     // is a window of keyLen_ bytes, as they lie in memory, in a 64-bit word
     // with the other bytes masked off; each text has one at each of
     // stride_ neighbouring offsets, where its windows look rarest in prose
-    // (keyOffset). A key's hash picks one word
-    // of the bitset and two bits in it; both must be set. A window that
+    // (keyOffset). The top bits of a key's hash pick one bit of a bitset,
+    // which must be set. A window that
     // passes finds its key's bucket in an open table, which lists each
     // place (offset in the text, length) where the key stands in some
     // text. For each, the text that would stand there is looked up whole
@@ -160,6 +160,7 @@ private:
     std::size_t stride_ = 1;
     std::uint64_t keyMask_ = 0;
     std::vector<std::uint64_t> filter_;
+    unsigned filterShift_ = 64;
     unsigned bucketShift_ = 64;
     std::vector<Bucket> buckets_;
     std::vector<Place> places_;
