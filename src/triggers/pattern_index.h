@@ -62,6 +62,12 @@ public:
     void findLong(std::string_view chunk, std::vector<Found>& out);
     void lineCandidates(int t, std::string_view line, std::size_t offset, std::span<const Found> found,
                         std::vector<Candidate>& out);
+    // Whether a line of table `t` where no long text occurs has no
+    // candidates: no short texts, no record that holds without a search
+    // or names a flag that does not exist.
+    bool onlyFoundLinesMatch(int t) const {
+        return nodes_.size() <= 1 && tables_[t].free.empty() && tables_[t].risky.empty();
+    }
 
 
 private:

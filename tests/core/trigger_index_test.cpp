@@ -20,6 +20,9 @@ struct PatternIndexProbe {
         store.index_.denseBudget_ = denseBudget;
         store.index_.filterWordsLog2_ = filterWordsLog2;
     }
+    static bool onlyFoundLines(const TriggerStore& store) {
+        return store.index_.onlyFoundLinesMatch(TriggerStore::kNormal);
+    }
     static std::pair<std::size_t, std::size_t> window(const TriggerStore& store) {
         return {store.index_.keyLen_, store.index_.stride_};
     }
@@ -128,9 +131,27 @@ TriggerRecords randomTable(Random& r, int& nextId) {
     return table;
 }
 
+// Every record searches, every flag exists and every text is long, so that
+// the line pass need look only at the lines where a text occurs.
+void onlyLongTexts(Random& r, TriggerRecords& table) {
+    for (TriggerRecord& rec : table) {
+        for (FlagGroup& g : rec.FlagGroups)
+            for (std::int32_t& v : g.Values) v = v == 84 ? 1 : v;
+        rec.PatternGroupCount = std::max(rec.PatternGroupCount, 1);
+        rec.PatternGroups.resize(std::max(rec.PatternGroups.size(), static_cast<std::size_t>(rec.PatternGroupCount) + 1));
+        for (PatternGroup& g : rec.PatternGroups) {
+            std::erase_if(g.Texts, [](const std::string& t) { return t.size() < PatternIndex::kLongText; });
+            while (g.Texts.empty()) {
+                std::string p = r.pattern();  // planted in the chunks, as the pool is
+                if (p.size() >= PatternIndex::kLongText) g.Texts.push_back(p);
+            }
+        }
+    }
+}
+
 TEST(TriggerIndex, FiresWhatAWalkOfEveryRecordFiresOnRandomTablesAndTexts) {
     Random r{std::mt19937(20261123), {}, 4};
-    int fired = 0;
+    int fired = 0, foundLinesOnly = 0;
     std::set<std::pair<std::size_t, std::size_t>> windows;  // length, stride
     for (int round = 0; round < 300; ++round) {
         FakePlatform fp;
@@ -148,12 +169,17 @@ TEST(TriggerIndex, FiresWhatAWalkOfEveryRecordFiresOnRandomTablesAndTexts) {
         r.longFrom = round % 2 ? 4 : static_cast<std::size_t>(5 + r.below(8));
         store.TriggerTable = randomTable(r, id);
         store.GlobalTriggerTable = randomTable(r, id);
+        if (round % 4 == 3) {
+            onlyLongTexts(r, store.TriggerTable);
+            onlyLongTexts(r, store.GlobalTriggerTable);
+        }
         // Every other round only the root has a full row of next states;
         // one round in three the bitset has 2 to 8 words, so that windows collide.
         PatternIndexProbe::tune(store, round % 2 ? PatternIndex::kDenseBudget : 1,
                                 round % 3 ? 0 : static_cast<unsigned>(1 + r.below(4)));
         store.indexTables();
         windows.insert(PatternIndexProbe::window(store));
+        foundLinesOnly += PatternIndexProbe::onlyFoundLines(store);
         for (int k = 0; k < 6; ++k) flags.set(k, r.below(2) == 0);
         plainFlags = flags;
         for (int chunk = 0; chunk < 20; ++chunk) {
@@ -185,6 +211,7 @@ TEST(TriggerIndex, FiresWhatAWalkOfEveryRecordFiresOnRandomTablesAndTexts) {
         fired += static_cast<int>(got.size());
     }
     EXPECT_GT(fired, 10000);  // the tables do fire, often
+    EXPECT_GE(foundLinesOnly, 60);
     windows.erase({0, 1});  // no text of 4 bytes or more
     EXPECT_EQ(windows.size(), 8u);  // every shortest text from 4 to 11 bytes
 }
