@@ -153,7 +153,6 @@ void PatternIndex::buildFilter(const std::vector<std::string>& texts, unsigned f
     keyLen_ = 0;
     stride_ = 1;
     filter_.clear();
-    buckets_.clear();
     places_.clear();
     textSlots_.clear();
     textFilter_.clear();
@@ -200,7 +199,7 @@ void PatternIndex::buildFilter(const std::vector<std::string>& texts, unsigned f
     });
     // One place for each run of texts with the same key at the same offset
     // and of the same length, with the check word of its shared bytes.
-    std::vector<std::uint64_t> keyOfPlace;
+    std::vector<Place> places;
     for (std::size_t k = 0; k < keyed.size();) {
         std::size_t end = k + 1;
         while (end < keyed.size() && keyed[end].key == keyed[k].key && keyed[end].offset == keyed[k].offset &&
@@ -208,12 +207,12 @@ void PatternIndex::buildFilter(const std::vector<std::string>& texts, unsigned f
             ++end;
         std::vector<std::string_view> family;
         for (std::size_t m = k; m < end; ++m) family.push_back(texts[static_cast<std::size_t>(keyed[m].text)]);
-        places_.push_back(placeOf(family, keyed[k].offset, keyLen_));
-        keyOfPlace.push_back(keyed[k].key);
+        places.push_back(placeOf(family, keyed[k].offset, keyLen_));
+        places.back().key = keyed[k].key;
         k = end;
     }
     std::size_t keys = 0;
-    for (std::size_t k = 0; k < keyOfPlace.size(); ++k) keys += k == 0 || keyOfPlace[k] != keyOfPlace[k - 1];
+    for (std::size_t k = 0; k < places.size(); ++k) keys += k == 0 || places[k].key != places[k - 1].key;
 
     // One bit a key, one set in 128 or fewer: a window that is no key
     // passes about one time in 128 or less. 16 KB for about a thousand
@@ -222,21 +221,19 @@ void PatternIndex::buildFilter(const std::vector<std::string>& texts, unsigned f
         filterWordsLog2 ? filterWordsLog2 + 6 : std::clamp(log2Ceil(keys) + 7, 9u, kMaxFilterBits);
     filter_.assign(std::size_t{1} << (bits - 6), 0);
     filterShift_ = 64 - bits;
-    // Both tables at most two thirds full.
-    const unsigned bucketBits = std::max(1u, log2Ceil(keys + keys / 2));
-    bucketShift_ = 64 - bucketBits;
-    buckets_.assign(std::size_t{1} << bucketBits, Bucket{});
-    const std::size_t bucketMask = buckets_.size() - 1;
-    for (std::size_t k = 0; k < keyOfPlace.size();) {
-        const std::uint64_t key = keyOfPlace[k];
-        std::size_t end = k + 1;
-        while (end < keyOfPlace.size() && keyOfPlace[end] == key) ++end;
-        const std::uint64_t h = key * kMultiplier;
+    // The places of a key stand one after another along its probe, the
+    // last one marked; both tables at most two thirds full.
+    const unsigned placeBits = std::max(1u, log2Ceil(places.size() + places.size() / 2));
+    placeShift_ = 64 - placeBits;
+    places_.assign(std::size_t{1} << placeBits, Place{});
+    const std::size_t placeMask = places_.size() - 1;
+    for (std::size_t k = 0; k < places.size(); ++k) {
+        const std::uint64_t h = places[k].key * kMultiplier;
         filter_[(h >> filterShift_) >> 6] |= std::uint64_t{1} << ((h >> filterShift_) & 63);
-        std::size_t i = h >> bucketShift_;
-        while (buckets_[i].end != 0) i = (i + 1) & bucketMask;
-        buckets_[i] = {key, static_cast<std::uint32_t>(k), static_cast<std::uint32_t>(end)};
-        k = end;
+        places[k].last = k + 1 == places.size() || places[k + 1].key != places[k].key;
+        std::size_t i = h >> placeShift_;
+        while (places_[i].length != 0) i = (i + 1) & placeMask;
+        places_[i] = places[k];
     }
     // Four texts a word: about eight bits of 64 set, so a place where no
     // text stands passes about one time in 60.
@@ -304,7 +301,13 @@ PatternIndex::Place PatternIndex::placeOf(std::span<const std::string_view> fami
             value[i] = static_cast<unsigned char>(first[bestAt + i]);
             mask[i] = 0xff;
         }
-    return {load64(value), load64(mask), offset, length, static_cast<std::uint32_t>(bestAt)};
+    Place place;
+    place.check = load64(value);
+    place.checkMask = load64(mask);
+    place.offset = offset;
+    place.length = length;
+    place.checkAt = static_cast<std::uint32_t>(bestAt);
+    return place;
 }
 
 void PatternIndex::buildAutomaton(const std::vector<std::string>& texts, std::size_t denseBudget) {
@@ -457,21 +460,17 @@ void PatternIndex::scanLong(std::string_view text, Report&& report) {
         return static_cast<unsigned>(filter[bit >> 6] >> (bit & 63)) & 1u;
     };
     std::size_t p = 0;
-    // A block of windows is tested without a branch a window: each writes
-    // its place and the count grows by its bit. Only the few that pass
-    // are looked up, after the block.
+    // A block of 64 windows is tested without a branch a window, each
+    // giving one bit of a word; only the few that pass are looked up,
+    // after the block.
     constexpr std::size_t kBlock = 64;
-    std::uint32_t passed[kBlock];
     while (p + 8 <= n) {
         const std::size_t windows = std::min(kBlock, (n - 8 - p) / stride + 1);
-        std::size_t count = 0;
-        for (std::size_t w = 0; w < windows; ++w) {
-            const std::size_t at = p + w * stride;
-            passed[count] = static_cast<std::uint32_t>(w);
-            count += passes((load64(s + at) & mask) * kMultiplier);
-        }
-        for (std::size_t c = 0; c < count; ++c) {
-            const std::size_t at = p + passed[c] * stride;
+        std::uint64_t hits = 0;
+        for (std::size_t w = 0; w < windows; ++w)
+            hits |= std::uint64_t{passes((load64(s + p + w * stride) & mask) * kMultiplier)} << w;
+        for (; hits != 0; hits &= hits - 1) {
+            const std::size_t at = p + static_cast<std::size_t>(std::countr_zero(hits)) * stride;
             const std::uint64_t key = load64(s + at) & mask;
             verify(s, n, at, key, key * kMultiplier, report);
         }
@@ -492,35 +491,32 @@ void PatternIndex::scanLong(std::string_view text, Report&& report) {
 template <class Report>
 void PatternIndex::verify(const unsigned char* text, std::size_t size, std::size_t at, std::uint64_t key,
                           std::uint64_t hash, Report& report) {
-    const std::size_t bucketMask = buckets_.size() - 1;
-    std::size_t i = hash >> bucketShift_;
-    while (buckets_[i].key != key) {
-        if (buckets_[i].end == 0) return;
-        i = (i + 1) & bucketMask;
-    }
-    const Bucket& b = buckets_[i];
-    if (b.end == 0) return;
     const std::size_t textMask = textSlots_.size() - 1;
-    for (std::uint32_t r = b.begin; r < b.end; ++r) {
-        const Place place = places_[r];
+    auto tryPlace = [&](const Place& place) {
         // The text must start and end inside the one searched.
-        if (place.offset > at || place.length > size - (at - place.offset)) continue;
+        if (place.offset > at || place.length > size - (at - place.offset)) return;
         const std::size_t start = at - place.offset;
         const std::uint64_t word =
             place.length >= 8 ? load64(text + start + place.checkAt) : headOf(text + start, place.length);
-        if ((word & place.checkMask) != place.check) continue;
+        if ((word & place.checkMask) != place.check) return;
         const std::uint64_t head = headOf(text + start, place.length), tail = tailOf(text + start, place.length);
         const std::uint64_t h = textHash(head, tail, place.length);
-        if (!filterPasses(textFilter_[filterWord(h, textFilter_.size() - 1)], h)) continue;
-        for (std::size_t i = h >> textShift_; textSlots_[i].length != 0;
-             i = (i + 1) & textMask) {
+        if (!filterPasses(textFilter_[filterWord(h, textFilter_.size() - 1)], h)) return;
+        for (std::size_t i = h >> textShift_; textSlots_[i].length != 0; i = (i + 1) & textMask) {
             const TextSlot& t = textSlots_[i];
             if (t.head != head || t.tail != tail || t.length != place.length) continue;
             if (t.length <= 16 || std::memcmp(text + start, textBytes_.data() + t.begin, t.length) == 0) {
                 report(t.text, start, start + t.length);
-                break;  // texts are distinct: no other one stands here
+                return;  // texts are distinct: no other one stands here
             }
         }
+    };
+    const std::size_t placeMask = places_.size() - 1;
+    for (std::size_t r = hash >> placeShift_; places_[r].length != 0; r = (r + 1) & placeMask) {
+        const Place& place = places_[r];
+        if (place.key != key) continue;
+        tryPlace(place);
+        if (place.last) return;
     }
 }
 

@@ -130,10 +130,10 @@ private:
     // with the other bytes masked off; each text has one at each of
     // stride_ neighbouring offsets, where its windows look rarest in prose
     // (keyOffset). The top bits of a key's hash pick one bit of a bitset,
-    // which must be set. A window that
-    // passes finds its key's bucket in an open table, which lists each
-    // place (offset in the text, length) where the key stands in some
-    // text. For each, the text that would stand there is looked up whole
+    // which must be set. A window that passes finds, in an open table, each
+    // place (offset in the text, length) where its key stands in some text,
+    // one after another along the key's probe. For each, the text that
+    // would stand there is looked up whole
     // in a second open table, by its first and last 8 bytes and length:
     // texts that share a window (near misses of one another, or phrases
     // with the same words) cost one lookup a place, not one comparison each.
@@ -144,18 +144,16 @@ private:
     // that every text of the place shares. Most windows that are a key
     // stand where no text does, and this turns them away with one load.
     struct Place {
-        std::uint64_t check, checkMask;
-        std::uint32_t offset;  // of the window in the text
-        std::uint32_t length;
-        std::uint32_t checkAt;
+        std::uint64_t key = 0;
+        std::uint64_t check = 0, checkMask = 0;
+        std::uint32_t offset = 0;  // of the window in the text
+        std::uint32_t length = 0;  // 0: a free slot
+        std::uint32_t checkAt = 0;
+        std::uint32_t last = 0;  // the key's last place along its probe
     };
     // Where the `stride` key windows of a text begin.
     static std::size_t keyOffset(std::string_view text, std::size_t keyLen, std::size_t stride);
     static Place placeOf(std::span<const std::string_view> family, std::uint32_t offset, std::size_t keyLen);
-    struct Bucket {
-        std::uint64_t key = 0;
-        std::uint32_t begin = 0, end = 0;  // into places_; end 0: a free bucket
-    };
     struct TextSlot {
         std::uint64_t head = 0, tail = 0;  // first and last bytes, up to 8 each
         std::uint32_t begin = 0;           // into textBytes_
@@ -167,8 +165,7 @@ private:
     std::uint64_t keyMask_ = 0;
     std::vector<std::uint64_t> filter_;
     unsigned filterShift_ = 64;
-    unsigned bucketShift_ = 64;
-    std::vector<Bucket> buckets_;
+    unsigned placeShift_ = 64;
     std::vector<Place> places_;
     std::vector<std::uint64_t> textFilter_;
     unsigned textShift_ = 64;
