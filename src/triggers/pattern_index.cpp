@@ -465,10 +465,13 @@ void PatternIndex::scanLong(std::string_view text, Report&& report) {
     // after the block.
     constexpr std::size_t kBlock = 64;
     while (p + 8 <= n) {
-        const std::size_t windows = std::min(kBlock, (n - 8 - p) / stride + 1);
+        const std::size_t windows =
+            p + (kBlock - 1) * stride + 8 <= n ? kBlock : (n - 8 - p) / stride + 1;
+        // From the last window down, so that the first ends in the low bit
+        // and each step is a doubling, not a shift by a count.
         std::uint64_t hits = 0;
-        for (std::size_t w = 0; w < windows; ++w)
-            hits |= std::uint64_t{passes((load64(s + p + w * stride) & mask) * kMultiplier)} << w;
+        for (const unsigned char* w = s + p + (windows - 1) * stride; w >= s + p; w -= stride)
+            hits = hits * 2 + passes((load64(w) & mask) * kMultiplier);
         for (; hits != 0; hits &= hits - 1) {
             const std::size_t at = p + static_cast<std::size_t>(std::countr_zero(hits)) * stride;
             const std::uint64_t key = load64(s + at) & mask;
