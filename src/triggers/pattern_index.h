@@ -132,17 +132,17 @@ private:
     // (keyOffset). The top bits of a key's hash pick one bit of a bitset,
     // which must be set. A window that passes finds, in an open table, each
     // place (offset in the text, length) where its key stands in some text,
-    // one after another along the key's probe. For each, the text that
-    // would stand there is looked up whole
-    // in a second open table, by its first and last 8 bytes and length:
-    // texts that share a window (near misses of one another, or phrases
-    // with the same words) cost one lookup a place, not one comparison each.
-    // A bitset of the texts' hashes, small enough to stay in the first-level
-    // cache, turns away most places before the table is read.
-    // A place also carries a check: one word of the text (the bytes at
-    // checkAt, all of them in a text shorter than 8) masked to the bytes
-    // that every text of the place shares. Most windows that are a key
-    // stand where no text does, and this turns them away with one load.
+    // one after another along the key's probe. A place carries a check: one
+    // word of the text (the bytes at checkAt, all of a text shorter than 8)
+    // masked to the bytes that every text of the place shares; most windows
+    // that are a key stand where no text does, and this turns them away
+    // with one load. Past the check, the text that would stand there is
+    // looked up whole in a second open table, by its first and last 8 bytes
+    // and length: texts that share a window (near misses of one another,
+    // phrases with the same words) cost one lookup a place, not one
+    // comparison each. A bitset of the texts' hashes, small enough to stay
+    // in the first-level cache, turns away most of those before the table
+    // is read.
     struct Place {
         std::uint64_t key = 0;
         std::uint64_t check = 0, checkMask = 0;

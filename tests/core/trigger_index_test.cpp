@@ -216,5 +216,56 @@ TEST(TriggerIndex, FiresWhatAWalkOfEveryRecordFiresOnRandomTablesAndTexts) {
     EXPECT_EQ(windows.size(), 8u);  // every shortest text from 4 to 11 bytes
 }
 
+// Prose: lines of a few words, and trigger sets of phrases of those words
+// with near misses that share all but the last byte, so that the keys meet
+// their words and stems everywhere and whole families share a place. The
+// shortest phrase decides the window and its step.
+TEST(TriggerIndex, FiresWhatAWalkFiresOnPhrasesOfAFewWordsAndTheirNearMisses) {
+    static const char* words[] = {"a", "on", "lie", "gold", "sword", "dragon", "between", "ancient"};
+    std::mt19937 rng(7);
+    auto word = [&] { return std::string(words[rng() % std::size(words)]); };
+    int fired = 0;
+    for (int round = 0; round < 40; ++round) {
+        FakePlatform fp;
+        OutputWindow debugWindow;
+        DebugChannel debug(debugWindow);
+        FlagTable flags, plainFlags;
+        std::vector<std::string> got, want;
+        TriggerStore store(fp.files, debug, flags, [&](std::string command) { got.push_back(command); });
+        const int phrases = 1 + static_cast<int>(rng() % 12);
+        for (int k = 0; k < phrases; ++k) {
+            std::string phrase = word() + " " + word();
+            if (round % 3) phrase += " " + word();
+            // The phrase and near misses: the last byte changed, or cut.
+            std::vector<std::string> family{phrase, phrase.substr(0, phrase.size() - 1)};
+            for (const char* last : {"x", "d", "n", "Q", "t"}) family.push_back(phrase.substr(0, phrase.size() - 1) + last);
+            for (const std::string& text : family) {
+                if (text.size() < PatternIndex::kLongText) continue;
+                TriggerRecord r;
+                r.PatternGroupCount = 1;
+                r.PatternGroups.resize(2);
+                r.PatternGroups[1].Texts = {text};
+                r.Action = std::to_string(store.TriggerTable.size()) + " n 0 $*";
+                store.TriggerTable.push_back(r);
+            }
+        }
+        store.indexTables();
+        for (int chunk = 0; chunk < 10; ++chunk) {
+            std::string text;
+            for (int line = 0; line < 20; ++line) {
+                for (int w = 0; w < 12; ++w) text += (w ? " " : "") + word();
+                text += "\r\n";
+            }
+            text.resize(text.size() - rng() % 40);  // a read can end anywhere
+            store.matchLines(text);
+            LineCursor lines(text);
+            for (std::string_view line; lines.next(line);) plainMatch(store.TriggerTable, line, plainFlags, want);
+            ASSERT_EQ(got, want) << "round " << round << " chunk " << chunk;
+        }
+        fired += static_cast<int>(got.size());
+    }
+    EXPECT_GT(fired, 1000);
+}
+
 }  // namespace
 }  // namespace kelpa::test
