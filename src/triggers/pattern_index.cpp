@@ -470,8 +470,8 @@ void PatternIndex::scanLong(std::string_view text, Report&& report) {
         // From the last window down, so that the first ends in the low bit
         // and each step is a doubling, not a shift by a count.
         std::uint64_t hits = 0;
-        for (const unsigned char* w = s + p + (windows - 1) * stride; w >= s + p; w -= stride)
-            hits = hits * 2 + passes((load64(w) & mask) * kMultiplier);
+        const unsigned char* block = s + p;
+        for (std::size_t w = windows; w-- > 0;) hits = hits * 2 + passes((load64(block + w * stride) & mask) * kMultiplier);
         for (; hits != 0; hits &= hits - 1) {
             const std::size_t at = p + static_cast<std::size_t>(std::countr_zero(hits)) * stride;
             const std::uint64_t key = load64(s + at) & mask;
