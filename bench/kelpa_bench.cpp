@@ -38,6 +38,7 @@
 
 #include "bench_form.h"
 #include "cpu_clock.h"
+#include "flood_triggers.h"
 #include "output/output_view_qt.h"
 #include "shell/main_form_qt.h"
 #include "shell/qt_platform_qt.h"
@@ -84,45 +85,13 @@ public:
     }
 };
 
-// The stream's own words, so that patterns meet real prefixes.
-const char* const kWords[] = {"the",   "dragon", "sword", "gleams", "north", "you",   "see",    "a",
-                              "dark",  "forest", "path",  "winds",  "between", "ancient", "oaks", "and",
-                              "glowing", "runes", "guard", "shouts", "gold",  "coins", "lie",    "on",
-                              "floor", "tavern", "keeper", "smiles", "warmly", "east",  "west",   "stairs"};
-
-// Whether a text can stand where a word of the stream begins: a whole word
-// or the start of one (the last word of a line is cut at the line's width).
-bool startsAWord(const std::string& s) {
-    for (const char* w : kWords)
-        if (std::string_view(w).starts_with(s)) return true;
-    return false;
-}
-
-// Trigger i: in each block of twenty, the first a three-word phrase of the
-// stream, the others the same phrase with the last letter changed so that
-// it begins no word: such a text never occurs, yet it shares all but its
-// last byte with one that does.
-std::string triggerPattern(int i) {
-    const int k = i / 20;
-    const std::string head = std::string(kWords[k % 32]) + " " + kWords[(k / 32 + 7 * k + 1) % 32] + " ";
-    const std::string third = kWords[(3 * k + 5) % 32];
-    if (i % 20 == 0) return head + third;
-    // The (i % 20)-th of the letters that begin no word after the stem,
-    // capitals last, so that the near misses of a phrase are all different.
-    const std::string stem = third.substr(0, third.size() - 1);
-    int left = i % 20;
-    for (const char* letters : {"abcdefghijklmnopqrstuvwxyz", "ABCDEFGHIJKLMNOPQRSTUVWXYZ"})
-        for (const char* c = letters; *c; ++c)
-            if (!startsAWord(stem + *c) && --left == 0) return head + stem + *c;
-    return head + stem + "?";
-}
-
 void writeTriggers(const QString& folder, int n) {
     QDir(folder).mkpath(QStringLiteral("triggers"));
     for (int i = 0; i < n; ++i) {
         QFile f(folder + QStringLiteral("/triggers/t%1.trigger").arg(i, 5, 10, QLatin1Char('0')));
         f.open(QIODevice::WriteOnly);
-        f.write(QByteArray::fromStdString("pattern1=" + triggerPattern(i) + "\r\naction=#math hits + %hits 1\r\n"));
+        f.write(QByteArray::fromStdString("pattern1=" + bench::floodTriggerPattern(i) + "\r\naction=" +
+                                            bench::kFloodTriggerAction + "\r\n"));
     }
 }
 

@@ -10,7 +10,9 @@
 #include <string>
 #include <vector>
 
+#include "flood_triggers.h"
 #include "history_probe.h"
+#include "stream_gen.h"
 #include "shell/client.h"
 #include "support/fakes.h"
 
@@ -31,11 +33,13 @@ std::vector<std::string> patterns(int n) {
     return p;
 }
 
-// Writes one file per pattern, the way players keep them.
-void writeTriggers(test::FakePlatform& fp, const std::vector<std::string>& pats) {
+// Writes one file per pattern, the way players keep them; the action is
+// "react <i>" unless given.
+void writeTriggers(test::FakePlatform& fp, const std::vector<std::string>& pats, const std::string& action = {}) {
     for (std::size_t i = 0; i < pats.size(); ++i)
         fp.folder.write("triggers/t" + std::to_string(i) + ".trigger",
-                        "pattern1=" + pats[i] + "\r\naction=react " + std::to_string(i) + "\r\n");
+                        "pattern1=" + pats[i] + "\r\naction=" +
+                            (action.empty() ? "react " + std::to_string(i) : action) + "\r\n");
 }
 
 // Coloured lines of words; 2% carry a real pattern, 30% a pattern cut
@@ -61,8 +65,9 @@ std::string stream(std::size_t bytes, const std::vector<std::string>& pats) {
 struct Road {
     test::FakePlatform fp;
     Client c{fp.platform};
-    explicit Road(int triggers) {
-        writeTriggers(fp, patterns(triggers));
+    explicit Road(int triggers) : Road(patterns(triggers)) {}
+    explicit Road(const std::vector<std::string>& pats, const std::string& action = {}) {
+        writeTriggers(fp, pats, action);
         c.Form_Load();
         fp.socket.connected = true;
         c.parts().session.s_Connect();
@@ -94,6 +99,35 @@ void BM_ReceiveRoadWithTriggers(benchmark::State& state) {
         static_cast<double>(fired) / (static_cast<double>(state.iterations() * chunk) / (1 << 20));
 }
 BENCHMARK(BM_ReceiveRoadWithTriggers)->Arg(0)->Arg(100)->Arg(1000)->Arg(10000)->Unit(benchmark::kMicrosecond);
+
+// The core road under the whole-program flood: kelpa-streamgen's stream in
+// 16 KB reads, with the trigger set of kelpa-bench (phrases of the stream's
+// words and their near misses, each firing "#math hits + %hits 1").
+void BM_FloodRoadWithTriggers(benchmark::State& state) {
+    std::vector<std::string> pats;
+    for (int i = 0; i < state.range(0); ++i) pats.push_back(bench::floodTriggerPattern(i));
+    Road road(pats, bench::kFloodTriggerAction);
+    bench::StreamOptions o;
+    o.size = 8 << 20;
+    const std::string data = bench::generateStream(o, nullptr);
+    const std::size_t chunk = 16 << 10;
+    std::size_t pos = 0, bytes = 0;
+    for (auto _ : state) {
+        if (pos >= data.size()) {
+            pos = 0;
+            HistoryTextProbe::clear(road.c.parts().history);
+        }
+        road.fp.socket.incoming.assign(data, pos, chunk);
+        bytes += road.fp.socket.incoming.size();
+        pos += chunk;
+        road.c.parts().session.s_DataArrival();
+    }
+    state.SetBytesProcessed(static_cast<int64_t>(bytes));
+    // "%HITS" stays as it is until the first firing sets the variable.
+    const std::string hits = road.c.parts().variables.S_ExpandVars("%HITS");
+    state.counters["fired_per_MB"] = hits[0] == '%' ? 0.0 : std::stod(hits) / (static_cast<double>(bytes) / (1 << 20));
+}
+BENCHMARK(BM_FloodRoadWithTriggers)->Arg(0)->Arg(1000)->Arg(10000)->Unit(benchmark::kMicrosecond);
 
 // The same road with a plain walk of every record for every line, for
 // comparison: flags, then a search for each pattern text.

@@ -31,11 +31,11 @@ std::uint64_t load64(const unsigned char* p) {
     return v;
 }
 
-// The top bits of a hash pick the bitset's word (at most 2^kMaxWordBits
-// of them); the 12 bits below those pick two bits in it. The shifts are
-// constants, and each bit is tested on its own, to keep the test of a
-// window a handful of instructions.
+// The texts' bitset: the top bits of a hash pick its word (at most
+// 2^kMaxWordBits of them); the 12 bits below those pick two bits in it.
 constexpr unsigned kMaxWordBits = 14;
+// The window bitset has at most 2^kMaxFilterBits bits, one a key.
+constexpr unsigned kMaxFilterBits = 20;
 std::size_t filterWord(std::uint64_t h, std::size_t mask) { return static_cast<std::size_t>(h >> (64 - kMaxWordBits)) & mask; }
 bool filterPasses(std::uint64_t word, std::uint64_t h) {
     return (word >> (h >> (64 - kMaxWordBits - 6) & 63) & word >> (h >> (64 - kMaxWordBits - 12) & 63) & 1) != 0;
@@ -59,6 +59,23 @@ std::uint64_t tailOf(const unsigned char* text, std::size_t length) {
 }
 std::uint64_t textHash(std::uint64_t head, std::uint64_t tail, std::size_t length) {
     return ((head * kMultiplier) ^ tail ^ length) * 0xC2B2AE3D27D4EB4Fu;
+}
+
+// Bytes of a word: letters, digits and anything beyond ASCII.
+bool wordByte(unsigned char c) { return c >= 0x80 || (c >= '0' && c <= '9') || ((c | 0x20) >= 'a' && (c | 0x20) <= 'z'); }
+
+// How rare a window is likely to be in prose: the bytes of words other than
+// its longest piece of one. A window inside a single word (or a word with
+// the blanks around it) meets every use of that word; one that spans the
+// end of a word and the start of the next meets only that pair.
+int rarity(std::string_view window) {
+    int letters = 0, run = 0, longest = 0;
+    for (char ch : window) {
+        run = wordByte(static_cast<unsigned char>(ch)) ? run + 1 : 0;
+        letters += run != 0;
+        longest = std::max(longest, run);
+    }
+    return letters - longest;
 }
 
 unsigned log2Ceil(std::size_t n) { return n <= 1 ? 0u : static_cast<unsigned>(std::bit_width(n - 1)); }
@@ -136,7 +153,6 @@ void PatternIndex::buildFilter(const std::vector<std::string>& texts, unsigned f
     keyLen_ = 0;
     stride_ = 1;
     filter_.clear();
-    buckets_.clear();
     places_.clear();
     textSlots_.clear();
     textFilter_.clear();
@@ -159,52 +175,65 @@ void PatternIndex::buildFilter(const std::vector<std::string>& texts, unsigned f
     unsigned char bytes[8] = {};
     std::memset(bytes, 0xff, keyLen_);
     keyMask_ = load64(bytes);
-    std::vector<std::pair<std::uint64_t, Place>> keyed;
+    struct Keyed {
+        std::uint64_t key;
+        std::uint32_t offset, length;
+        std::int32_t text;
+    };
+    std::vector<Keyed> keyed;
     std::size_t longTexts = 0;
-    for (const std::string& t : texts) {
+    for (std::size_t id = 0; id < texts.size(); ++id) {
+        const std::string& t = texts[id];
         if (t.size() < kLongText) continue;
         ++longTexts;
+        const std::size_t first = keyOffset(t, keyLen_, stride_);
         for (std::size_t j = 0; j < stride_; ++j) {
-            const auto offset = static_cast<std::uint32_t>(t.size() - keyLen_ - j);
             unsigned char window[8] = {};
-            std::memcpy(window, t.data() + offset, keyLen_);
-            keyed.push_back({load64(window), {offset, static_cast<std::uint32_t>(t.size())}});
+            std::memcpy(window, t.data() + first + j, keyLen_);
+            keyed.push_back({load64(window), static_cast<std::uint32_t>(first + j),
+                             static_cast<std::uint32_t>(t.size()), static_cast<std::int32_t>(id)});
         }
     }
-    std::sort(keyed.begin(), keyed.end(), [](const auto& a, const auto& b) {
-        return std::tie(a.first, a.second.offset, a.second.length) < std::tie(b.first, b.second.offset, b.second.length);
+    std::sort(keyed.begin(), keyed.end(), [](const Keyed& a, const Keyed& b) {
+        return std::tie(a.key, a.offset, a.length, a.text) < std::tie(b.key, b.offset, b.length, b.text);
     });
-    keyed.erase(std::unique(keyed.begin(), keyed.end(),
-                            [](const auto& a, const auto& b) {
-                                return a.first == b.first && a.second.offset == b.second.offset &&
-                                       a.second.length == b.second.length;
-                            }),
-                keyed.end());
-    places_.reserve(keyed.size());
-    for (const auto& k : keyed) places_.push_back(k.second);
-    std::size_t keys = 0;
-    for (std::size_t k = 0; k < keyed.size(); ++k) keys += k == 0 || keyed[k].first != keyed[k - 1].first;
-
-    // One or two keys a word, so about four bits of 64 set: a window that
-    // is no key passes about one time in 250.
-    const unsigned wordBits =
-        std::clamp(filterWordsLog2 ? filterWordsLog2 : log2Ceil(keys / 2), filterWordsLog2 ? 1u : 4u, kMaxWordBits);
-    filter_.assign(std::size_t{1} << wordBits, 0);
-    // Both tables at most two thirds full.
-    const unsigned bucketBits = std::max(1u, log2Ceil(keys + keys / 2));
-    bucketShift_ = 64 - bucketBits;
-    buckets_.assign(std::size_t{1} << bucketBits, Bucket{});
-    const std::size_t bucketMask = buckets_.size() - 1;
+    // One place for each run of texts with the same key at the same offset
+    // and of the same length, with the check word of its shared bytes.
+    std::vector<Place> places;
     for (std::size_t k = 0; k < keyed.size();) {
-        const std::uint64_t key = keyed[k].first;
         std::size_t end = k + 1;
-        while (end < keyed.size() && keyed[end].first == key) ++end;
-        const std::uint64_t h = key * kMultiplier;
-        filter_[filterWord(h, filter_.size() - 1)] |= filterBits(h);
-        std::size_t i = h >> bucketShift_;
-        while (buckets_[i].end != 0) i = (i + 1) & bucketMask;
-        buckets_[i] = {key, static_cast<std::uint32_t>(k), static_cast<std::uint32_t>(end)};
+        while (end < keyed.size() && keyed[end].key == keyed[k].key && keyed[end].offset == keyed[k].offset &&
+               keyed[end].length == keyed[k].length)
+            ++end;
+        std::vector<std::string_view> family;
+        for (std::size_t m = k; m < end; ++m) family.push_back(texts[static_cast<std::size_t>(keyed[m].text)]);
+        places.push_back(placeOf(family, keyed[k].offset, keyLen_));
+        places.back().key = keyed[k].key;
         k = end;
+    }
+    std::size_t keys = 0;
+    for (std::size_t k = 0; k < places.size(); ++k) keys += k == 0 || places[k].key != places[k - 1].key;
+
+    // One bit a key, one set in 128 or fewer: a window that is no key
+    // passes about one time in 128 or less. 16 KB for about a thousand
+    // keys, which stays in the first-level cache; 128 KB at most.
+    const unsigned bits =
+        filterWordsLog2 ? filterWordsLog2 + 6 : std::clamp(log2Ceil(keys) + 7, 9u, kMaxFilterBits);
+    filter_.assign(std::size_t{1} << (bits - 6), 0);
+    filterShift_ = 64 - bits;
+    // The places of a key stand one after another along its probe, the
+    // last one marked; both tables at most two thirds full.
+    const unsigned placeBits = std::max(1u, log2Ceil(places.size() + places.size() / 2));
+    placeShift_ = 64 - placeBits;
+    places_.assign(std::size_t{1} << placeBits, Place{});
+    const std::size_t placeMask = places_.size() - 1;
+    for (std::size_t k = 0; k < places.size(); ++k) {
+        const std::uint64_t h = places[k].key * kMultiplier;
+        filter_[(h >> filterShift_) >> 6] |= std::uint64_t{1} << ((h >> filterShift_) & 63);
+        places[k].last = k + 1 == places.size() || places[k + 1].key != places[k].key;
+        std::size_t i = h >> placeShift_;
+        while (places_[i].length != 0) i = (i + 1) & placeMask;
+        places_[i] = places[k];
     }
     // Four texts a word: about eight bits of 64 set, so a place where no
     // text stands passes about one time in 60.
@@ -225,6 +254,60 @@ void PatternIndex::buildFilter(const std::vector<std::string>& texts, unsigned f
         while (textSlots_[i].length != 0) i = (i + 1) & textMask;
         textSlots_[i] = slot;
     }
+}
+
+std::size_t PatternIndex::keyOffset(std::string_view text, std::size_t keyLen, std::size_t stride) {
+    // The run of `stride` neighbouring windows whose least rare window is
+    // the rarest; the first such run, so that texts that differ only in
+    // their last bytes share their keys.
+    std::size_t best = 0;
+    int bestRarity = -1;
+    for (std::size_t first = 0; first + stride - 1 + keyLen <= text.size(); ++first) {
+        int r = std::numeric_limits<int>::max();
+        for (std::size_t j = 0; j < stride; ++j) r = std::min(r, rarity(text.substr(first + j, keyLen)));
+        if (r > bestRarity) {
+            bestRarity = r;
+            best = first;
+        }
+    }
+    return best;
+}
+
+PatternIndex::Place PatternIndex::placeOf(std::span<const std::string_view> family, std::uint32_t offset,
+                                          std::size_t keyLen) {
+    const std::string_view first = family.front();
+    const auto length = static_cast<std::uint32_t>(first.size());
+    auto shared = [&](std::size_t i) {
+        for (std::string_view t : family)
+            if (t[i] != first[i]) return false;
+        return true;
+    };
+    // The 8 bytes (all of a shorter text) that hold the most shared bytes
+    // outside the key window: those tell the most that the key did not.
+    const std::size_t width = std::min<std::size_t>(8, length);
+    std::size_t bestAt = 0;
+    int bestCount = -1;
+    for (std::size_t at = 0; at + width <= length; ++at) {
+        int count = 0;
+        for (std::size_t i = at; i < at + width; ++i) count += (i < offset || i >= offset + keyLen) && shared(i);
+        if (count > bestCount) {
+            bestCount = count;
+            bestAt = at;
+        }
+    }
+    unsigned char value[8] = {}, mask[8] = {};
+    for (std::size_t i = 0; i < width; ++i)
+        if (shared(bestAt + i)) {
+            value[i] = static_cast<unsigned char>(first[bestAt + i]);
+            mask[i] = 0xff;
+        }
+    Place place;
+    place.check = load64(value);
+    place.checkMask = load64(mask);
+    place.offset = offset;
+    place.length = length;
+    place.checkAt = static_cast<std::uint32_t>(bestAt);
+    return place;
 }
 
 void PatternIndex::buildAutomaton(const std::vector<std::string>& texts, std::size_t denseBudget) {
@@ -371,24 +454,30 @@ void PatternIndex::scanLong(std::string_view text, Report&& report) {
     const std::size_t n = text.size(), stride = stride_;
     const std::uint64_t mask = keyMask_;
     const std::uint64_t* filter = filter_.data();
-    const std::size_t words = filter_.size() - 1;
+    const unsigned shift = filterShift_;
+    auto passes = [filter, shift](std::uint64_t h) {
+        const std::uint64_t bit = h >> shift;
+        return static_cast<unsigned>(filter[bit >> 6] >> (bit & 63)) & 1u;
+    };
     std::size_t p = 0;
-    // Each window is tested on its own, two at a time with one branch: the
-    // loads and multiplications of neighbouring windows overlap.
-    for (; p + stride + 8 <= n; p += 2 * stride) {
-        const std::uint64_t k0 = load64(s + p) & mask, k1 = load64(s + p + stride) & mask;
-        const std::uint64_t h0 = k0 * kMultiplier, h1 = k1 * kMultiplier;
-        const bool pass0 = filterPasses(filter[filterWord(h0, words)], h0);
-        const bool pass1 = filterPasses(filter[filterWord(h1, words)], h1);
-        if (pass0 | pass1) [[unlikely]] {
-            if (pass0) verify(s, n, p, k0, h0, report);
-            if (pass1) verify(s, n, p + stride, k1, h1, report);
+    // A block of 64 windows is tested without a branch a window, each
+    // giving one bit of a word; only the few that pass are looked up,
+    // after the block.
+    constexpr std::size_t kBlock = 64;
+    while (p + 8 <= n) {
+        const std::size_t windows =
+            p + (kBlock - 1) * stride + 8 <= n ? kBlock : (n - 8 - p) / stride + 1;
+        // From the last window down, so that the first ends in the low bit
+        // and each step is a doubling, not a shift by a count.
+        std::uint64_t hits = 0;
+        const unsigned char* block = s + p;
+        for (std::size_t w = windows; w-- > 0;) hits = hits * 2 + passes((load64(block + w * stride) & mask) * kMultiplier);
+        for (; hits != 0; hits &= hits - 1) {
+            const std::size_t at = p + static_cast<std::size_t>(std::countr_zero(hits)) * stride;
+            const std::uint64_t key = load64(s + at) & mask;
+            verify(s, n, at, key, key * kMultiplier, report);
         }
-    }
-    for (; p + 8 <= n; p += stride) {
-        const std::uint64_t key = load64(s + p) & mask;
-        const std::uint64_t h = key * kMultiplier;
-        if (filterPasses(filter[filterWord(h, words)], h)) verify(s, n, p, key, h, report);
+        p += windows * stride;
     }
     // The last windows, from a copy with room for the 64-bit loads.
     if (p + keyLen_ <= n) {
@@ -397,7 +486,7 @@ void PatternIndex::scanLong(std::string_view text, Report&& report) {
         for (std::size_t q = 0; p + keyLen_ <= n; p += stride, q += stride) {
             const std::uint64_t key = load64(tail + q) & mask;
             const std::uint64_t h = key * kMultiplier;
-            if (filterPasses(filter[filterWord(h, words)], h)) verify(s, n, p, key, h, report);
+            if (passes(h)) verify(s, n, p, key, h, report);
         }
     }
 }
@@ -405,32 +494,32 @@ void PatternIndex::scanLong(std::string_view text, Report&& report) {
 template <class Report>
 void PatternIndex::verify(const unsigned char* text, std::size_t size, std::size_t at, std::uint64_t key,
                           std::uint64_t hash, Report& report) {
-    const std::size_t bucketMask = buckets_.size() - 1;
-    std::size_t i = hash >> bucketShift_;
-    while (buckets_[i].key != key) {
-        if (buckets_[i].end == 0) return;
-        i = (i + 1) & bucketMask;
-    }
-    const Bucket& b = buckets_[i];
-    if (b.end == 0) return;
     const std::size_t textMask = textSlots_.size() - 1;
-    for (std::uint32_t r = b.begin; r < b.end; ++r) {
-        const Place place = places_[r];
+    auto tryPlace = [&](const Place& place) {
         // The text must start and end inside the one searched.
-        if (place.offset > at || place.length > size - (at - place.offset)) continue;
+        if (place.offset > at || place.length > size - (at - place.offset)) return;
         const std::size_t start = at - place.offset;
+        const std::uint64_t word =
+            place.length >= 8 ? load64(text + start + place.checkAt) : headOf(text + start, place.length);
+        if ((word & place.checkMask) != place.check) return;
         const std::uint64_t head = headOf(text + start, place.length), tail = tailOf(text + start, place.length);
         const std::uint64_t h = textHash(head, tail, place.length);
-        if (!filterPasses(textFilter_[filterWord(h, textFilter_.size() - 1)], h)) continue;
-        for (std::size_t i = h >> textShift_; textSlots_[i].length != 0;
-             i = (i + 1) & textMask) {
+        if (!filterPasses(textFilter_[filterWord(h, textFilter_.size() - 1)], h)) return;
+        for (std::size_t i = h >> textShift_; textSlots_[i].length != 0; i = (i + 1) & textMask) {
             const TextSlot& t = textSlots_[i];
             if (t.head != head || t.tail != tail || t.length != place.length) continue;
             if (t.length <= 16 || std::memcmp(text + start, textBytes_.data() + t.begin, t.length) == 0) {
                 report(t.text, start, start + t.length);
-                break;  // texts are distinct: no other one stands here
+                return;  // texts are distinct: no other one stands here
             }
         }
+    };
+    const std::size_t placeMask = places_.size() - 1;
+    for (std::size_t r = hash >> placeShift_; places_[r].length != 0; r = (r + 1) & placeMask) {
+        const Place& place = places_[r];
+        if (place.key != key) continue;
+        tryPlace(place);
+        if (place.last) return;
     }
 }
 

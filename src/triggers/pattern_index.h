@@ -3,7 +3,7 @@
 //
 // A pass reports the non-empty pattern texts of both tables that occur in
 // the text. Texts of four bytes or more are found through short windows
-// near their ends: every first, second, third or fourth window of the text
+// of theirs: every first, second, third or fourth window of the text
 // (the longer the shortest text, the wider the step) is hashed and tested
 // in a bitset, and only the windows that pass are looked up and the text
 // compared. The work per window does not depend on the byte before, so it
@@ -62,6 +62,12 @@ public:
     void findLong(std::string_view chunk, std::vector<Found>& out);
     void lineCandidates(int t, std::string_view line, std::size_t offset, std::span<const Found> found,
                         std::vector<Candidate>& out);
+    // Whether a line of table `t` where no long text occurs has no
+    // candidates: no short texts, no record that holds without a search
+    // or names a flag that does not exist.
+    bool onlyFoundLinesMatch(int t) const {
+        return nodes_.size() <= 1 && tables_[t].free.empty() && tables_[t].risky.empty();
+    }
 
 
 private:
@@ -69,7 +75,7 @@ private:
     friend struct PatternIndexProbe;
     // Bounds the automaton's table of full rows, in entries.
     std::size_t denseBudget_ = kDenseBudget;
-    // log2 of the bitset's 64-bit words; 0 sizes it by the number of texts.
+    // log2 of the window bitset's 64-bit words; 0 sizes it by the number of keys.
     unsigned filterWordsLog2_ = 0;
 
     struct Node {
@@ -121,25 +127,33 @@ private:
 
     // The window filter over the texts of kLongText bytes or more. A key
     // is a window of keyLen_ bytes, as they lie in memory, in a 64-bit word
-    // with the other bytes masked off; each text has one at each of the
-    // last stride_ offsets where a window fits. A key's hash picks one word
-    // of the bitset and two bits in it; both must be set. A window that
-    // passes finds its key's bucket in an open table, which lists each
-    // place (offset in the text, length) where the key stands in some
-    // text. For each, the text that would stand there is looked up whole
-    // in a second open table, by its first and last 8 bytes and length:
-    // texts that share a window (near misses of one another, or phrases
-    // with the same end) cost one lookup a place, not one comparison each.
-    // A bitset of the texts' hashes, small enough to stay in the first-level
-    // cache, turns away most places before the table is read.
+    // with the other bytes masked off; each text has one at each of
+    // stride_ neighbouring offsets, where its windows look rarest in prose
+    // (keyOffset). The top bits of a key's hash pick one bit of a bitset,
+    // which must be set. A window that passes finds, in an open table, each
+    // place (offset in the text, length) where its key stands in some text,
+    // one after another along the key's probe. A place carries a check: one
+    // word of the text (the bytes at checkAt, all of a text shorter than 8)
+    // masked to the bytes that every text of the place shares; most windows
+    // that are a key stand where no text does, and this turns them away
+    // with one load. Past the check, the text that would stand there is
+    // looked up whole in a second open table, by its first and last 8 bytes
+    // and length: texts that share a window (near misses of one another,
+    // phrases with the same words) cost one lookup a place, not one
+    // comparison each. A bitset of the texts' hashes, small enough to stay
+    // in the first-level cache, turns away most of those before the table
+    // is read.
     struct Place {
-        std::uint32_t offset;  // of the window in the text
-        std::uint32_t length;
-    };
-    struct Bucket {
         std::uint64_t key = 0;
-        std::uint32_t begin = 0, end = 0;  // into places_; end 0: a free bucket
+        std::uint64_t check = 0, checkMask = 0;
+        std::uint32_t offset = 0;  // of the window in the text
+        std::uint32_t length = 0;  // 0: a free slot
+        std::uint32_t checkAt = 0;
+        std::uint32_t last = 0;  // the key's last place along its probe
     };
+    // Where the `stride` key windows of a text begin.
+    static std::size_t keyOffset(std::string_view text, std::size_t keyLen, std::size_t stride);
+    static Place placeOf(std::span<const std::string_view> family, std::uint32_t offset, std::size_t keyLen);
     struct TextSlot {
         std::uint64_t head = 0, tail = 0;  // first and last bytes, up to 8 each
         std::uint32_t begin = 0;           // into textBytes_
@@ -150,8 +164,8 @@ private:
     std::size_t stride_ = 1;
     std::uint64_t keyMask_ = 0;
     std::vector<std::uint64_t> filter_;
-    unsigned bucketShift_ = 64;
-    std::vector<Bucket> buckets_;
+    unsigned filterShift_ = 64;
+    unsigned placeShift_ = 64;
     std::vector<Place> places_;
     std::vector<std::uint64_t> textFilter_;
     unsigned textShift_ = 64;

@@ -89,6 +89,33 @@ void TriggerStore::matchLines(std::string_view chunk) {
     Scratch& s = scratch();
     index_.findLong(chunk, s.found);
     const std::uint64_t generation = generation_;
+    if (index_.onlyFoundLinesMatch(kNormal)) {
+        // Only the lines where a long text occurs can fire: the others are
+        // not cut out at all. Line ends are the CR LF pairs, which cannot
+        // overlap, so the line holding a place starts behind the last pair
+        // before it.
+        std::size_t pos = 0, k = 0;
+        while (k < s.found.size()) {
+            const std::size_t at = s.found[k].start;
+            const std::size_t back = chunk.substr(pos, at - pos).rfind("\r\n");
+            const std::size_t start = back == std::string_view::npos ? pos : pos + back + 2;
+            const std::size_t pair = chunk.find("\r\n", start);
+            const std::size_t end = pair == std::string_view::npos ? chunk.size() : pair;
+            const std::size_t first = k;
+            while (k < s.found.size() && s.found[k].end <= end) ++k;
+            if (k == first) {
+                ++k;  // runs over the line's end: in no line
+                continue;
+            }
+            const std::string_view line = chunk.substr(start, end - start);
+            index_.lineCandidates(kNormal, line, start, std::span(s.found).subspan(first, k - first), s.candidates);
+            fireCandidates(TriggerTable, line, s.candidates);
+            if (end == chunk.size()) return;
+            if (generation_ != generation) return matchLines(chunk.substr(end + 2));
+            pos = end + 2;
+        }
+        return;
+    }
     std::size_t k = 0;
     LineCursor lines(chunk);
     std::string_view line;

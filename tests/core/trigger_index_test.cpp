@@ -21,6 +21,9 @@ struct PatternIndexProbe {
         store.index_.denseBudget_ = denseBudget;
         store.index_.filterWordsLog2_ = filterWordsLog2;
     }
+    static bool onlyFoundLines(const TriggerStore& store) {
+        return store.index_.onlyFoundLinesMatch(TriggerStore::kNormal);
+    }
     static std::pair<std::size_t, std::size_t> window(const TriggerStore& store) {
         return {store.index_.keyLen_, store.index_.stride_};
     }
@@ -126,9 +129,27 @@ bool fails(F run) {
     return false;
 }
 
+// Every record searches, every flag exists and every text is long, so that
+// the line pass need look only at the lines where a text occurs.
+void onlyLongTexts(Random& r, TriggerRecords& table) {
+    for (TriggerRecord& rec : table) {
+        for (FlagGroup& g : rec.FlagGroups)
+            for (std::int32_t& v : g.Values) v = v == 84 ? 1 : v;
+        rec.PatternGroupCount = std::max(rec.PatternGroupCount, 1);
+        rec.PatternGroups.resize(std::max(rec.PatternGroups.size(), static_cast<std::size_t>(rec.PatternGroupCount) + 1));
+        for (PatternGroup& g : rec.PatternGroups) {
+            std::erase_if(g.Texts, [](const std::string& t) { return t.size() < PatternIndex::kLongText; });
+            while (g.Texts.empty()) {
+                std::string p = r.pattern();  // planted in the chunks, as the pool is
+                if (p.size() >= PatternIndex::kLongText) g.Texts.push_back(p);
+            }
+        }
+    }
+}
+
 TEST(TriggerIndex, FiresWhatAWalkOfEveryRecordFiresOnRandomTablesAndTexts) {
     Random r{std::mt19937(20261123), {}, 4};
-    int fired = 0;
+    int fired = 0, foundLinesOnly = 0;
     std::set<std::pair<std::size_t, std::size_t>> windows;  // length, stride
     for (int round = 0; round < 300; ++round) {
         FakePlatform fp;
@@ -146,12 +167,17 @@ TEST(TriggerIndex, FiresWhatAWalkOfEveryRecordFiresOnRandomTablesAndTexts) {
         r.longFrom = round % 2 ? 4 : static_cast<std::size_t>(5 + r.below(8));
         store.TriggerTable = randomTable(r, id);
         store.GlobalTriggerTable = randomTable(r, id);
+        if (round % 4 == 3) {
+            onlyLongTexts(r, store.TriggerTable);
+            onlyLongTexts(r, store.GlobalTriggerTable);
+        }
         // Every other round only the root has a full row of next states;
         // one round in three the bitset has 2 to 8 words, so that windows collide.
         PatternIndexProbe::tune(store, round % 2 ? PatternIndex::kDenseBudget : 1,
                                 round % 3 ? 0 : static_cast<unsigned>(1 + r.below(4)));
         store.indexTables();
         windows.insert(PatternIndexProbe::window(store));
+        foundLinesOnly += PatternIndexProbe::onlyFoundLines(store);
         for (int k = 0; k < 6; ++k) flags.set(k, r.below(2) == 0);
         plainFlags = flags;
         for (int chunk = 0; chunk < 20; ++chunk) {
@@ -176,8 +202,60 @@ TEST(TriggerIndex, FiresWhatAWalkOfEveryRecordFiresOnRandomTablesAndTexts) {
         fired += static_cast<int>(got.size());
     }
     EXPECT_GT(fired, 10000);  // the tables do fire, often
+    EXPECT_GE(foundLinesOnly, 60);
     windows.erase({0, 1});  // no text of 4 bytes or more
     EXPECT_EQ(windows.size(), 8u);  // every shortest text from 4 to 11 bytes
+}
+
+// Prose: lines of a few words, and trigger sets of phrases of those words
+// with near misses that share all but the last byte, so that the keys meet
+// their words and stems everywhere and whole families share a place. The
+// shortest phrase decides the window and its step.
+TEST(TriggerIndex, FiresWhatAWalkFiresOnPhrasesOfAFewWordsAndTheirNearMisses) {
+    static const char* words[] = {"a", "on", "lie", "gold", "sword", "dragon", "between", "ancient"};
+    std::mt19937 rng(7);
+    auto word = [&] { return std::string(words[rng() % std::size(words)]); };
+    int fired = 0;
+    for (int round = 0; round < 40; ++round) {
+        FakePlatform fp;
+        OutputWindow debugWindow;
+        DebugChannel debug(debugWindow);
+        FlagTable flags, plainFlags;
+        std::vector<std::string> got, want;
+        TriggerStore store(fp.files, debug, flags, [&](std::string command) { got.push_back(command); });
+        const int phrases = 1 + static_cast<int>(rng() % 12);
+        for (int k = 0; k < phrases; ++k) {
+            std::string phrase = word() + " " + word();
+            if (round % 3) phrase += " " + word();
+            // The phrase and near misses: the last byte changed, or cut.
+            std::vector<std::string> family{phrase, phrase.substr(0, phrase.size() - 1)};
+            for (const char* last : {"x", "d", "n", "Q", "t"}) family.push_back(phrase.substr(0, phrase.size() - 1) + last);
+            for (const std::string& text : family) {
+                if (text.size() < PatternIndex::kLongText) continue;
+                TriggerRecord r;
+                r.PatternGroupCount = 1;
+                r.PatternGroups.resize(2);
+                r.PatternGroups[1].Texts = {text};
+                r.Action = std::to_string(store.TriggerTable.size()) + " n 0 $*";
+                store.TriggerTable.push_back(r);
+            }
+        }
+        store.indexTables();
+        for (int chunk = 0; chunk < 10; ++chunk) {
+            std::string text;
+            for (int line = 0; line < 20; ++line) {
+                for (int w = 0; w < 12; ++w) text += (w ? " " : "") + word();
+                text += "\r\n";
+            }
+            text.resize(text.size() - rng() % 40);  // a read can end anywhere
+            store.matchLines(text);
+            LineCursor lines(text);
+            for (std::string_view line; lines.next(line);) plainMatch(store.TriggerTable, line, plainFlags, want);
+            ASSERT_EQ(got, want) << "round " << round << " chunk " << chunk;
+        }
+        fired += static_cast<int>(got.size());
+    }
+    EXPECT_GT(fired, 1000);
 }
 
 }  // namespace
