@@ -147,59 +147,68 @@ void onlyLongTexts(Random& r, TriggerRecords& table) {
     }
 }
 
+// A store whose actions are gathered in `got` (and with `apply` set the flags
+// as a run would), beside the flags and results of a plain walk.
+struct Walked {
+    FakePlatform fp;
+    OutputWindow debugWindow;
+    DebugChannel debug{debugWindow};
+    FlagTable flags, plainFlags;
+    std::vector<std::string> got, want;
+    TriggerStore store;
+    explicit Walked(bool apply)
+        : store(fp.files, debug, flags, [this, apply](std::string command) {
+              got.push_back(command);
+              if (apply) applyAction(command, flags);
+          }) {}
+};
+
 TEST(TriggerIndex, FiresWhatAWalkOfEveryRecordFiresOnRandomTablesAndTexts) {
     Random r{std::mt19937(20261123), {}, 4};
     int fired = 0, foundLinesOnly = 0;
     std::set<std::pair<std::size_t, std::size_t>> windows;  // length, stride
     for (int round = 0; round < 300; ++round) {
-        FakePlatform fp;
-        OutputWindow debugWindow;
-        DebugChannel debug(debugWindow);
-        FlagTable flags, plainFlags;
-        std::vector<std::string> got, want;
-        TriggerStore store(fp.files, debug, flags, [&](std::string command) {
-            got.push_back(command);
-            applyAction(command, flags);
-        });
+        Walked s(true);
         int id = 0;
         r.pool.clear();
         // The shortest text of 4 bytes or more sets the window and its step.
         r.longFrom = round % 2 ? 4 : static_cast<std::size_t>(5 + r.below(8));
-        store.TriggerTable = randomTable(r, id);
-        store.GlobalTriggerTable = randomTable(r, id);
+        s.store.TriggerTable = randomTable(r, id);
+        s.store.GlobalTriggerTable = randomTable(r, id);
         if (round % 4 == 3) {
-            onlyLongTexts(r, store.TriggerTable);
-            onlyLongTexts(r, store.GlobalTriggerTable);
+            onlyLongTexts(r, s.store.TriggerTable);
+            onlyLongTexts(r, s.store.GlobalTriggerTable);
         }
         // Every other round only the root has a full row of next states;
         // one round in three the bitset has 2 to 8 words, so that windows collide.
-        PatternIndexProbe::tune(store, round % 2 ? PatternIndex::kDenseBudget : 1,
+        PatternIndexProbe::tune(s.store, round % 2 ? PatternIndex::kDenseBudget : 1,
                                 round % 3 ? 0 : static_cast<unsigned>(1 + r.below(4)));
-        store.indexTables();
-        windows.insert(PatternIndexProbe::window(store));
-        foundLinesOnly += PatternIndexProbe::onlyFoundLines(store);
-        for (int k = 0; k < 6; ++k) flags.set(k, r.below(2) == 0);
-        plainFlags = flags;
+        s.store.indexTables();
+        windows.insert(PatternIndexProbe::window(s.store));
+        foundLinesOnly += PatternIndexProbe::onlyFoundLines(s.store);
+        for (int k = 0; k < 6; ++k) s.flags.set(k, r.below(2) == 0);
+        s.plainFlags = s.flags;
         for (int chunk = 0; chunk < 20; ++chunk) {
             const std::string text = r.chunk();
             const bool gotError = fails([&] {
-                store.T_Match(TriggerStore::kGlobal, text);
+                s.store.T_Match(TriggerStore::kGlobal, text);
                 // The road's pass over the whole chunk, or T_Match line by line.
-                if (chunk % 2) return store.matchLines(text);
+                if (chunk % 2) return s.store.matchLines(text);
                 LineCursor lines(text);
-                for (std::string_view line; lines.next(line);) store.T_Match(TriggerStore::kNormal, line);
+                for (std::string_view line; lines.next(line);) s.store.T_Match(TriggerStore::kNormal, line);
             });
             const bool wantError = fails([&] {
-                plainMatch(store.GlobalTriggerTable, text, plainFlags, want);
+                plainMatch(s.store.GlobalTriggerTable, text, s.plainFlags, s.want);
                 LineCursor lines(text);
-                for (std::string_view line; lines.next(line);) plainMatch(store.TriggerTable, line, plainFlags, want);
+                for (std::string_view line; lines.next(line);)
+                    plainMatch(s.store.TriggerTable, line, s.plainFlags, s.want);
             });
             SCOPED_TRACE("round " + std::to_string(round) + " chunk " + std::to_string(chunk));
             ASSERT_EQ(gotError, wantError);
-            ASSERT_EQ(got, want);
-            ASSERT_EQ(flags.value, plainFlags.value);
+            ASSERT_EQ(s.got, s.want);
+            ASSERT_EQ(s.flags.value, s.plainFlags.value);
         }
-        fired += static_cast<int>(got.size());
+        fired += static_cast<int>(s.got.size());
     }
     EXPECT_GT(fired, 10000);  // the tables do fire, often
     EXPECT_GE(foundLinesOnly, 60);
@@ -217,12 +226,7 @@ TEST(TriggerIndex, FiresWhatAWalkFiresOnPhrasesOfAFewWordsAndTheirNearMisses) {
     auto word = [&] { return std::string(words[rng() % std::size(words)]); };
     int fired = 0;
     for (int round = 0; round < 40; ++round) {
-        FakePlatform fp;
-        OutputWindow debugWindow;
-        DebugChannel debug(debugWindow);
-        FlagTable flags, plainFlags;
-        std::vector<std::string> got, want;
-        TriggerStore store(fp.files, debug, flags, [&](std::string command) { got.push_back(command); });
+        Walked s(false);
         const int phrases = 1 + static_cast<int>(rng() % 12);
         for (int k = 0; k < phrases; ++k) {
             std::string phrase = word() + " " + word();
@@ -236,11 +240,11 @@ TEST(TriggerIndex, FiresWhatAWalkFiresOnPhrasesOfAFewWordsAndTheirNearMisses) {
                 r.PatternGroupCount = 1;
                 r.PatternGroups.resize(2);
                 r.PatternGroups[1].Texts = {text};
-                r.Action = std::to_string(store.TriggerTable.size()) + " n 0 $*";
-                store.TriggerTable.push_back(r);
+                r.Action = std::to_string(s.store.TriggerTable.size()) + " n 0 $*";
+                s.store.TriggerTable.push_back(r);
             }
         }
-        store.indexTables();
+        s.store.indexTables();
         for (int chunk = 0; chunk < 10; ++chunk) {
             std::string text;
             for (int line = 0; line < 20; ++line) {
@@ -248,12 +252,13 @@ TEST(TriggerIndex, FiresWhatAWalkFiresOnPhrasesOfAFewWordsAndTheirNearMisses) {
                 text += "\r\n";
             }
             text.resize(text.size() - rng() % 40);  // a read can end anywhere
-            store.matchLines(text);
+            s.store.matchLines(text);
             LineCursor lines(text);
-            for (std::string_view line; lines.next(line);) plainMatch(store.TriggerTable, line, plainFlags, want);
-            ASSERT_EQ(got, want) << "round " << round << " chunk " << chunk;
+            for (std::string_view line; lines.next(line);)
+                plainMatch(s.store.TriggerTable, line, s.plainFlags, s.want);
+            ASSERT_EQ(s.got, s.want) << "round " << round << " chunk " << chunk;
         }
-        fired += static_cast<int>(got.size());
+        fired += static_cast<int>(s.got.size());
     }
     EXPECT_GT(fired, 1000);
 }
