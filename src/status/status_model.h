@@ -60,11 +60,15 @@ public:
         const std::uint64_t bit = std::uint64_t{1} << n;
         const auto k = static_cast<std::size_t>(n);
         std::string_view& last = queued1_[k];
-        // Most captions are a few digits: one comparison of words.
-        if (value.size() == lastSize_[k] &&
-            (value.size() <= 8 ? word == lastWord_[k]
-                               : sameCaption((queued1Mask_ & bit) ? last : std::string_view(info1_[k]), value)))
+        // Most captions are a few digits: one test of size and word
+        // together (a new value's length varies, so a test of the length
+        // alone mispredicts).
+        if (value.size() <= 8) {
+            if (((value.size() ^ lastSize_[k]) | (word ^ lastWord_[k])) == 0) return;
+        } else if (value.size() == lastSize_[k] &&
+                   sameCaption((queued1Mask_ & bit) ? last : std::string_view(info1_[k]), value)) {
             return;
+        }
         lastSize_[k] = value.size();
         lastWord_[k] = word;
         last = value;

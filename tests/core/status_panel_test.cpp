@@ -183,6 +183,13 @@ TEST(StatusPanel, OneBitDifferenceIsAChangeAtEveryLengthByBothRoads) {
             }
         }
     }
+    // The old caption cut short by a byte is a change, a NUL or a ninth byte too.
+    for (const std::string was : {std::string("5\0", 2), std::string("aaaaaaaaa"), std::string(20, 'a')}) {
+        p.m.setInfo1(23, was);
+        p.m.takeChanges();
+        byFrame(was.substr(0, was.size() - 1));
+        EXPECT_TRUE(p.m.takeChanges().info1.test(23)) << was.size() << " bytes";
+    }
     // A direct caption of a new length, then the same text by a frame.
     p.m.setInfo1(23, "12345");
     p.m.takeChanges();
