@@ -170,7 +170,7 @@ void PatternIndex::buildFilter(const std::vector<std::string>& texts, unsigned f
     // scan that tests only every stride_-th window of the text still meets
     // each occurrence, exactly once. A wider stride costs keys, a shorter
     // window more windows that pass by chance; the shortest text decides.
-    stride_ = std::clamp<std::size_t>((shortest - 2) / 2, 1, 4);
+    stride_ = std::clamp<std::size_t>((shortest - 2) / 2, 1, 8);
     keyLen_ = std::min<std::size_t>(8, shortest - stride_ + 1);
     unsigned char bytes[8] = {};
     std::memset(bytes, 0xff, keyLen_);

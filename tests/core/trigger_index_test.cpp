@@ -172,7 +172,7 @@ TEST(TriggerIndex, FiresWhatAWalkOfEveryRecordFiresOnRandomTablesAndTexts) {
         int id = 0;
         r.pool.clear();
         // The shortest text of 4 bytes or more sets the window and its step.
-        r.longFrom = round % 2 ? 4 : static_cast<std::size_t>(5 + r.below(8));
+        r.longFrom = round % 2 ? 4 : static_cast<std::size_t>(5 + r.below(14));
         s.store.TriggerTable = randomTable(r, id);
         s.store.GlobalTriggerTable = randomTable(r, id);
         if (round % 4 == 3) {
@@ -213,7 +213,7 @@ TEST(TriggerIndex, FiresWhatAWalkOfEveryRecordFiresOnRandomTablesAndTexts) {
     EXPECT_GT(fired, 10000);  // the tables do fire, often
     EXPECT_GE(foundLinesOnly, 60);
     windows.erase({0, 1});  // no text of 4 bytes or more
-    EXPECT_EQ(windows.size(), 8u);  // every shortest text from 4 to 11 bytes
+    EXPECT_EQ(windows.size(), 12u);  // every window and step of a shortest text from 4 to 18 bytes
 }
 
 // Prose: lines of a few words, and trigger sets of phrases of those words
