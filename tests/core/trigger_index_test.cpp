@@ -244,6 +244,17 @@ TEST(TriggerIndex, FiresWhatAWalkFiresOnPhrasesOfAFewWordsAndTheirNearMisses) {
                 s.store.TriggerTable.push_back(r);
             }
         }
+        // Some rounds also hold phrases across a line end, which the scan
+        // may find before a phrase that ends earlier, and a short text, so
+        // that every line is walked.
+        for (int k = 0; round % 4 == 1 && k < 6; ++k) {
+            TriggerRecord r;
+            r.PatternGroupCount = 1;
+            r.PatternGroups.resize(2);
+            r.PatternGroups[1].Texts = {k ? word() + " " + word() + "\r\n" + word() : std::string("on")};
+            r.Action = std::to_string(s.store.TriggerTable.size()) + " n 0 $*";
+            s.store.TriggerTable.push_back(r);
+        }
         s.store.indexTables();
         for (int chunk = 0; chunk < 10; ++chunk) {
             std::string text;
