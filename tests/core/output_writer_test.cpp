@@ -362,15 +362,10 @@ TEST(Telnet, WontEchoTurnsInkOnForTheWindowBeingWritten) {
 // After `before`, `seq` leaves the text behind it in `shown`, with the flags
 // NotBold, Underline, Blink and Reverse ("nubr" where set) and BackColour.
 TEST(Ansi, SgrParametersChangeTheWindowState) {
-    struct Row {
-        std::string before, seq;
-        std::uint32_t shown;
-        std::string flags;
-        std::uint32_t back;
-        std::string debug;
-    };
+    using Row = std::tuple<std::string, std::string, std::uint32_t, std::string, std::uint32_t, std::string>;
     const std::uint32_t red = rgb(128, 0, 0);
     const std::vector<Row> rows = {
+        {"", "K", rgb(255, 255, 255), "", 0, ""},  // a new window is bold until the first reset
         {csi("0m"), "1;31m", rgb(255, 127, 127), "", 0, ""},
         {csi("0m"), "31;1m", rgb(255, 127, 127), "", 0, ""},
         {csi("4;5;7m") + csi("1m"), "m", rgb(192, 192, 192), "nubr", 0, ""},
@@ -386,27 +381,18 @@ TEST(Ansi, SgrParametersChangeTheWindowState) {
         {csi("0;34m"), "47m", rgb(64, 64, 192), "n", rgb(128, 128, 128), ""},
         {csi("0;31m"), "3xm", rgb(192, 192, 192), "n", 0, ""},
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.before.substr(1) + " then " + row.seq);
+    for (const auto& [before, seq, shown, flags, back, debug] : rows) {
+        SCOPED_TRACE(before + " then " + seq);
         Writer h;
-        h.print(row.before);
+        h.print(before);
         ASSERT_EQ(h.debugText(), "");
-        h.print(csi(row.seq) + "x" + csi("K"));
+        h.print(csi(seq) + "x" + csi("K"));
         const WindowState& st = h.state(kMainWindow);
-        const std::string flags = std::string(st.NotBold ? "n" : "") + (st.Underline ? "u" : "") +
-                                  (st.Blink ? "b" : "") + (st.Reverse ? "r" : "");
-        const std::uint32_t shown = styleAt(h.c.parts().windows.text[kMainWindow], 0).colour;
-        EXPECT_EQ(std::tuple(h.window(kMainWindow), shown, flags, st.BackColour, h.debugText()),
-                  std::tuple("x", row.shown, row.flags, row.back, row.debug));
+        const std::string set = std::string(st.NotBold ? "n" : "") + (st.Underline ? "u" : "") +
+                                (st.Blink ? "b" : "") + (st.Reverse ? "r" : "");
+        EXPECT_EQ(std::tuple(h.window(kMainWindow), h.style(kMainWindow, 0).colour, set, st.BackColour, h.debugText()),
+                  std::tuple("x", shown, flags, back, debug));
     }
-}
-
-TEST(Ansi, NewWindowIsBoldUntilTheFirstReset) {
-    Writer h;
-    h.print("a" + csi("m") + "b" + csi("0m"), kCustom1);
-    const OutputWindow& w = h.c.parts().windows.text[kCustom1];
-    EXPECT_EQ(std::pair(styleAt(w, 0).colour, styleAt(w, 1).colour),
-              std::pair(rgb(255, 255, 255), rgb(192, 192, 192)));
 }
 
 TEST(Ansi, FinalsOtherThanSgr) {
