@@ -85,18 +85,24 @@ TEST(OutputWriter, LimitCutKeepsTheFirstCharacterAndFourFifths) {
     }
 }
 
-TEST(OutputWriter, InkOffInterpretsButWritesNothingAndStillCuts) {
+// WILL ECHO changes nothing; WONT ECHO turns Ink on for the window being
+// written.
+TEST(OutputWriter, InkOffInterpretsButWritesNothingAndStillCutsUntilWontEcho) {
     Writer h;
     h.state(kMainWindow).Ink = false;
-    h.print("a" + ESC + "[0;31mb");
+    h.state(kHistT).Ink = false;
+    h.print("a" + ESC + "[0;31mb" + bytes({255, 251, 1}) + "still");
     EXPECT_EQ(std::pair(h.window(kMainWindow), h.state(kMainWindow).Colour),
               std::pair(std::string(), rgb(128, 0, 0)));
+    h.print("gone" + bytes({255, 252, 1}) + "shown", kHistT);
+    EXPECT_TRUE(h.state(kHistT).Ink && !h.state(kMainWindow).Ink);
+    EXPECT_EQ(h.window(kHistT) + "|" + h.debugText(), "shown|IAC  WILL  echo \r\nIAC  WONT  echo \r\n");
     // The debug channel may leave window 1 above its limit; the next W_Print
     // cuts it even though it writes nothing.
     h.c.parts().debug.DebugLog(std::string(6000, 'd'));
     h.state(kDebugWindow).Ink = false;
     h.print("zzz", kDebugWindow);
-    EXPECT_EQ(h.debugText(), std::string(3998, 'd') + "\r\n");
+    EXPECT_EQ(h.debugText(), "I" + std::string(3997, 'd') + "\r\n");
 }
 
 TEST(OutputWriter, LastSegmentTakesTheUnderlineOfTheCharacterBeforeIt) {
@@ -293,6 +299,8 @@ TEST(Telnet, NegotiationIsSwallowedOrWaitsWhenCutShort) {
         {"IAC alone", "ab" + IAC, "ab", "", IAC},
         {"SB without option", "ab" + bytes({255, 250}), "ab", "", bytes({255, 250})},
         {"linemode without SE", "ab" + bytes({255, 250, 34}) + "wait", "ab", "", bytes({255, 250, 34}) + "wait"},
+        {"linemode past the bound", bytes({255, 250, 34}) + std::string(80000, 'p'), "",
+         "IAC  SB  linemode dropped 80000 bytes of a subnegotiation without its end\r\n"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
@@ -318,16 +326,6 @@ TEST(Telnet, SequenceCutAtEveryPositionIsTheSameAsWhole) {
     }
 }
 
-TEST(Telnet, LinemodeWithoutItsEndIsDroppedPastTheBound) {
-    Writer h;
-    h.print(bytes({255, 250, 34}) + std::string(40000, 'p'));
-    h.print(std::string(40000, 'p'));
-    EXPECT_EQ(h.state(kMainWindow).Pending + h.debugText(),
-              "IAC  SB  linemode dropped 80000 bytes of a subnegotiation without its end\r\n");
-    h.print("text");
-    EXPECT_EQ(h.window(kMainWindow), "text");
-}
-
 // The answer is logged, kept and echoed like any sent text; the echo's own
 // IAC SB 24 and IAC SE vanish, and NUL "ANSI" NUL stay as text. Asked
 // twice, answered twice, also by a replay in the history view.
@@ -345,18 +343,6 @@ TEST(Telnet, DoTerminalTypeAnswersElevenBytesThroughTheSender) {
     Writer off(/*connected=*/false);
     off.print("a" + doTtype + "b");
     EXPECT_EQ(off.window(kMainWindow) + "|" + off.history() + off.fp.socket.sent, "ab|");
-}
-
-TEST(Telnet, WontEchoTurnsInkOnForTheWindowBeingWritten) {
-    Writer h;
-    h.state(kMainWindow).Ink = false;
-    h.state(kHistT).Ink = false;
-    h.print("hidden" + bytes({255, 251, 1}) + "still");
-    EXPECT_EQ(h.window(kMainWindow), "") << "WILL echo must change nothing";
-    h.print("gone" + bytes({255, 252, 1}) + "shown", kHistT);
-    EXPECT_TRUE(h.state(kHistT).Ink && !h.state(kMainWindow).Ink);
-    EXPECT_EQ(h.window(kHistT), "shown");
-    EXPECT_EQ(h.debugText(), "IAC  WILL  echo \r\nIAC  WONT  echo \r\n");
 }
 
 // After `before`, `seq` leaves the text behind it in `shown`, with the flags

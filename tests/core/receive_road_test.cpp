@@ -171,14 +171,17 @@ TEST(SessionLog, RecallFileShowsTheWindowAndIsDeletedEachTime) {
 }
 
 TEST(LinePipeline, ChunkReachesWindowLogAndBothTriggerPasses) {
-    const std::vector<std::pair<std::string, Lines>> rows = {
-        {"abc\r\n", {"abc", ""}}, {"one\n\rtwo\n\r", {"one\n\rtwo\n\r"}}, {"a\r\n\r\nb", {"a", "", "b"}},
+    struct Row { std::string chunk, shown; Lines lines; };
+    const std::vector<Row> rows = {
+        {"abc\r\n", "abc\r\n", {"abc", ""}}, {"one\n\rtwo\n\r", "one\n\rtwo\n\r", {"one\n\rtwo\n\r"}},
+        {"a\r\n\r\nb", "a\r\n\r\nb", {"a", "", "b"}},
+        {"hp\r\nGold: 5 MPP: 3", "hp\r\r\n\r\nGold: 5 MPP: 3", {"hp\r", "", "Gold: 5 MPP: 3"}},  // cleaned first
     };
-    for (const auto& [chunk, lines] : rows) {
+    for (const auto& [chunk, shown, lines] : rows) {
         PipelineHarness h;
         h.process(chunk);
-        EXPECT_EQ(h.window(kMainWindow) + "|" + h.logFile(), chunk + "|" + chunk + "\r\n");
-        EXPECT_EQ(std::pair(h.triggers.global, h.triggers.lines), std::pair(Lines{chunk}, lines));
+        EXPECT_EQ(h.window(kMainWindow) + "|" + h.logFile(), shown + "|" + shown + "\r\n");
+        EXPECT_EQ(std::pair(h.triggers.global, h.triggers.lines), std::pair(Lines{shown}, lines));
     }
     // A line split across chunks joins only on screen.
     PipelineHarness h;
@@ -203,12 +206,6 @@ TEST(LinePipeline, CleanerTextBreaksAheadOfGoldWhenMppIsThere) {
         LinePipeline::cleanerText(in);
         EXPECT_EQ(in, out) << before;
     }
-
-    PipelineHarness h;
-    h.process("hp\r\nGold: 5 MPP: 3");
-    const std::string changed = "hp\r\r\n\r\nGold: 5 MPP: 3";
-    EXPECT_EQ(h.window(kMainWindow) + "|" + h.logFile(), changed + "|" + changed + "\r\n");
-    EXPECT_EQ(h.triggers.lines, (Lines{"hp\r", "", "Gold: 5 MPP: 3"}));
 
     PipelineHarness off;
     off.c.setCleanerText(false);
