@@ -93,15 +93,5 @@ TEST(Edges, TheTriggerEditorInAFolderThatRefusesFilesSaysWhyAndKeepsTheText) {
     EXPECT_EQ(trigger.txtTRGBody, "pattern1=?\r\naction=#nop\r\npattern1=?\r\naction=#nop");
 }
 
-TEST(Edges, TheDebugWindowKeepsItsFirstCharacterAndFourFifthsPastItsBound) {
-    ClientHarness h;
-    const std::string line(998, 'd');
-    h.c.parts().debug.DebugLog("first");
-    for (int i = 0; i < 100; ++i) h.c.parts().debug.DebugLog(line);
-    const std::string text = h.debugText();
-    EXPECT_TRUE(text.size() <= DebugChannel::kMaxChars && text.size() >= DebugChannel::kMaxChars * 4 / 5);
-    EXPECT_EQ(text.front() + text.substr(text.size() - 1002), "f\r\n" + line + "\r\n");
-}
-
 }  // namespace
 }  // namespace kelpa::test

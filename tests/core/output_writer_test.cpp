@@ -239,7 +239,7 @@ TEST(OutputWriter, FastPathsLeaveWhatTheByteByByteReadingLeaves) {
 // DebugLog: a final ";" leaves the line open, the switch loses text for
 // good, and a debug line flattens the window's colours. A window number
 // outside 0 to 7 is only a debug line.
-TEST(DebugChannel, OpenLinesTheSwitchAndFlatColours) {
+TEST(DebugChannel, OpenLinesTheSwitchFlatColoursAndTheBound) {
     Writer h;
     for (const char* piece : {"IAC ;", " WILL ;", " echo ", "a;;", ";", "", "semi;colon"}) h.c.parts().debug.DebugLog(piece);
     h.print("x", 8);
@@ -257,6 +257,11 @@ TEST(DebugChannel, OpenLinesTheSwitchAndFlatColours) {
     EXPECT_EQ(off.debugText(), "redkept\r\n");
     EXPECT_EQ(runsOf(off.c.parts().windows.text[kDebugWindow]),
               (Runs{{0, 3, 0, false, true, true}, {3, 9, 0, false, true, false}}));
+    // Past its bound the window keeps its first character and four fifths.
+    for (int i = 0; i < 100; ++i) off.c.parts().debug.DebugLog(std::string(998, 'd'));
+    const std::string text = off.debugText();
+    EXPECT_TRUE(text.size() <= DebugChannel::kMaxChars && text.size() >= DebugChannel::kMaxChars * 4 / 5);
+    EXPECT_EQ(text.front() + text.substr(text.size() - 1002), "r\r\n" + std::string(998, 'd') + "\r\n");
 }
 
 // Other controls are text; an ESC fragment without a final waits if it is

@@ -164,8 +164,8 @@ TEST(SessionLog, RecallFileShowsTheWindowAndIsDeletedEachTime) {
         if (round < 3) h.c.Text1_Escape();  // the last round: deleted while not hidden too
         h.fp.folder.write(Client::kShowFile, round == 1 ? "any content" : "");
         h.c.as_timer_Timer();
-        EXPECT_EQ(std::pair(h.fp.host.hidden, h.fp.host.shows), std::pair(false, round));
-        EXPECT_FALSE(h.fp.files.exists(Client::kShowFile));
+        EXPECT_EQ(std::tuple(h.fp.host.hidden, h.fp.host.shows, h.fp.files.exists(Client::kShowFile)),
+                  std::tuple(false, round, false));
     }
 }
 
