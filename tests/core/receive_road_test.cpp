@@ -86,27 +86,21 @@ TEST(ReceiveRoad, NothingIsReadOrShownWhenNotConnectedOrEmpty) {
     EXPECT_EQ(h.history() + h.window(kMainWindow) + h.logFile(), "");
 }
 
-TEST(ServerSession, InitStringMarksBecomeCharacters) {
-    const std::vector<std::pair<std::string, std::string>> rows = {
-        {"#24#a#25#b#26#c#10#", "\x18" "a\x19" "b\x1A" "c\n"}, {"#1O#", "#1O#"},
-        {"#10#24#", "#10\x18"},  // "#24#" is replaced first
-    };
-    for (const auto& [init, sent] : rows) EXPECT_EQ(ServerSession::expandInitString(init), sent);
-}
-
 TEST(ServerSession, ConnectCloseAndErrorSetTheButtonsAndTheLog) {
     ClientHarness h(/*connected=*/false);
-    h.c.parts().bar.Sites = {site("mud", "hi#10#"), site("quiet", "")};
+    h.c.parts().bar.Sites = {site("mud", "#24#a#25#b#26#c#10#hi#1O##10#24#"), site("quiet", "")};
     h.c.parts().bar.CB_Connections_Click(0);
     const auto& bar = h.c.parts().bar;
     h.c.parts().session.CMD_CONNECT_Click();
     EXPECT_EQ(h.fp.socket.connects, std::vector<std::string>{"mud.example:4000"});
     EXPECT_TRUE(!bar.connectEnabled && bar.disconnectEnabled);
 
-    // The init string is sent straight: not logged, kept or echoed.
+    // The init string is sent straight: not logged, kept or echoed. Its
+    // marks become characters, "#24#" first.
     h.fp.socket.connected = true;
     h.c.parts().session.s_Connect();
-    EXPECT_EQ(std::pair(h.fp.socket.writes, h.fp.host.focuses), std::pair(Lines{"hi\n"}, 1));
+    EXPECT_EQ(std::pair(h.fp.socket.writes, h.fp.host.focuses),
+              std::pair(Lines{"\x18" "a\x19" "b\x1A" "c\nhi#1O##10\x18"}, 1));
     EXPECT_EQ(h.c.parts().log.currentPath() + "|" + h.logFile() + h.history() + h.window(kMainWindow),
               "logs/mud/H.20261123.txt|");
 
