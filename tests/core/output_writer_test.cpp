@@ -303,10 +303,10 @@ TEST(OutputWriter, FragmentsAndNegotiationAreSwallowedOrWaitWhenCutShort) {
                   std::tuple(row.display, row.debug, row.pending, ""));
         const bool whole = row.text.size() > 99 || row.text.find(ESC) != std::string::npos;
         for (std::size_t cut = 1; cut < row.text.size() && !whole; ++cut) {
-            Writer split;
-            split.print(row.text.substr(0, cut));
-            split.print(row.text.substr(cut));
-            EXPECT_EQ(split.window(kMainWindow) + "|" + split.debugText() + "|" + split.state(kMainWindow).Pending,
+            Writer two;
+            two.print(row.text.substr(0, cut));
+            two.print(row.text.substr(cut));
+            EXPECT_EQ(two.window(kMainWindow) + "|" + two.debugText() + "|" + two.state(kMainWindow).Pending,
                       row.display + "|" + row.debug + "|" + row.pending) << "cut at " << cut;
         }
     }
@@ -362,7 +362,8 @@ TEST(Ansi, SgrParametersChangeTheWindowState) {
         const WindowState& st = h.state(kMainWindow);
         const std::string set = std::string(st.NotBold ? "n" : "") + (st.Underline ? "u" : "") +
                                 (st.Blink ? "b" : "") + (st.Reverse ? "r" : "");
-        EXPECT_EQ(std::tuple(h.window(kMainWindow), h.style(kMainWindow, 0).colour, set, st.BackColour, h.debugText()),
+        EXPECT_EQ(std::tuple(h.window(kMainWindow), h.style(kMainWindow, 0).colour, set, st.BackColour,
+                             h.debugText()),
                   std::tuple("x", shown, flags, back, debug));
     }
 }
