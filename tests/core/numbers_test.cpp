@@ -2,6 +2,7 @@
 
 #include <clocale>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <tuple>
 #include <utility>
@@ -48,17 +49,11 @@ TEST(Numbers, PrintShortestWithAtMost15Digits) {
 
 // Qt sets the C library's locale from the environment; a German system
 // writes 1,5. Numbers in files and commands must not care.
-class GermanNumbers : public ::testing::Test {
-protected:
-    void SetUp() override {
-        if (!std::setlocale(LC_ALL, "de_DE.UTF-8") && !std::setlocale(LC_ALL, "de_DE.utf8"))
-            GTEST_SKIP() << "no German locale on this system";
-        ASSERT_STREQ(std::localeconv()->decimal_point, ",");
-    }
-    void TearDown() override { std::setlocale(LC_ALL, "C"); }
-};
-
-TEST_F(GermanNumbers, TriggerNumbersValAndNumberTextKeepThePoint) {
+TEST(Numbers, TriggerNumbersValAndNumberTextKeepThePointInAGermanLocale) {
+    if (!std::setlocale(LC_ALL, "de_DE.UTF-8") && !std::setlocale(LC_ALL, "de_DE.utf8"))
+        GTEST_SKIP() << "no German locale on this system";
+    const std::shared_ptr<void> restore(nullptr, [](void*) { std::setlocale(LC_ALL, "C"); });
+    ASSERT_STREQ(std::localeconv()->decimal_point, ",");
     TriggerRecords table;
     ASSERT_TRUE(readTriggerFile("flag1.5=3.5\r\npattern0.5e1=x\r\naction=y\r\n", "t", table, [](const std::string&) {}).ok);
     ASSERT_EQ(table.size(), 1u);

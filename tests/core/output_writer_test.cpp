@@ -52,24 +52,6 @@ auto stateOf(const WindowState& x) {
 
 }  // namespace
 
-// The differential test below holds the fast paths against a reading that
-// shares these rules; these rows pin the rules themselves.
-TEST(OutputWriter, FragmentWithoutFinalWaitsUpToFiveCharacters) {
-    struct Row { std::string text, shown, pending; };
-    const std::vector<Row> rows = {
-        {"a\x07" "b\x08" "c\td\r\n\x1A", "a\x07" "b\x08" "c\td\r\n\x1A", ""},  // other controls are text
-        {"ab" + ESC + "[1;2", "ab", ESC + "[1;2"},   // 5 characters: kept
-        {"ab" + ESC + "[1;22", "ab[1;22", ""},       // 6: only the ESC goes
-        {ESC + "[?25hi there", "re", ""},            // h is no final; e is
-    };
-    for (const auto& row : rows) {
-        Writer h;
-        h.print(row.text);
-        EXPECT_EQ(h.window(kMainWindow) + "|" + h.state(kMainWindow).Pending, row.shown + "|" + row.pending)
-            << row.text.substr(1);
-    }
-}
-
 // Window 0 at its limit is held by the plain copy below.
 TEST(OutputWriter, LimitCutKeepsTheFirstCharacterAndFourFifths) {
     for (const auto& [win, limit] : std::vector<std::pair<int, std::size_t>>{{1, 5000}, {7, 10000}, {6, 0}}) {
@@ -85,18 +67,24 @@ TEST(OutputWriter, LimitCutKeepsTheFirstCharacterAndFourFifths) {
     }
 }
 
-TEST(OutputWriter, InkOffInterpretsButWritesNothingAndStillCuts) {
+// WILL ECHO changes nothing; WONT ECHO turns Ink on for the window being
+// written.
+TEST(OutputWriter, InkOffInterpretsButWritesNothingAndStillCutsUntilWontEcho) {
     Writer h;
     h.state(kMainWindow).Ink = false;
-    h.print("a" + ESC + "[0;31mb");
+    h.state(kHistT).Ink = false;
+    h.print("a" + ESC + "[0;31mb" + bytes({255, 251, 1}) + "still");
     EXPECT_EQ(std::pair(h.window(kMainWindow), h.state(kMainWindow).Colour),
               std::pair(std::string(), rgb(128, 0, 0)));
+    h.print("gone" + bytes({255, 252, 1}) + "shown", kHistT);
+    EXPECT_TRUE(h.state(kHistT).Ink && !h.state(kMainWindow).Ink);
+    EXPECT_EQ(h.window(kHistT) + "|" + h.debugText(), "shown|IAC  WILL  echo \r\nIAC  WONT  echo \r\n");
     // The debug channel may leave window 1 above its limit; the next W_Print
     // cuts it even though it writes nothing.
     h.c.parts().debug.DebugLog(std::string(6000, 'd'));
     h.state(kDebugWindow).Ink = false;
     h.print("zzz", kDebugWindow);
-    EXPECT_EQ(h.debugText(), std::string(3998, 'd') + "\r\n");
+    EXPECT_EQ(h.debugText(), "I" + std::string(3997, 'd') + "\r\n");
 }
 
 TEST(OutputWriter, LastSegmentTakesTheUnderlineOfTheCharacterBeforeIt) {
@@ -251,7 +239,7 @@ TEST(OutputWriter, FastPathsLeaveWhatTheByteByByteReadingLeaves) {
 // DebugLog: a final ";" leaves the line open, the switch loses text for
 // good, and a debug line flattens the window's colours. A window number
 // outside 0 to 7 is only a debug line.
-TEST(DebugChannel, OpenLinesTheSwitchAndFlatColours) {
+TEST(DebugChannel, OpenLinesTheSwitchFlatColoursAndTheBound) {
     Writer h;
     for (const char* piece : {"IAC ;", " WILL ;", " echo ", "a;;", ";", "", "semi;colon"}) h.c.parts().debug.DebugLog(piece);
     h.print("x", 8);
@@ -269,13 +257,24 @@ TEST(DebugChannel, OpenLinesTheSwitchAndFlatColours) {
     EXPECT_EQ(off.debugText(), "redkept\r\n");
     EXPECT_EQ(runsOf(off.c.parts().windows.text[kDebugWindow]),
               (Runs{{0, 3, 0, false, true, true}, {3, 9, 0, false, true, false}}));
+    // Past its bound the window keeps its first character and four fifths.
+    for (int i = 0; i < 100; ++i) off.c.parts().debug.DebugLog(std::string(998, 'd'));
+    const std::string text = off.debugText();
+    EXPECT_TRUE(text.size() <= DebugChannel::kMaxChars && text.size() >= DebugChannel::kMaxChars * 4 / 5);
+    EXPECT_EQ(text.front() + text.substr(text.size() - 1002), "r\r\n" + std::string(998, 'd') + "\r\n");
 }
 
-// Negotiation is swallowed and told only in the debug window; telnet's
-// two-byte commands go whole; a sequence cut by the end of the text is told
-// nothing yet and waits whole for the next text.
-TEST(Telnet, NegotiationIsSwallowedOrWaitsWhenCutShort) {
+// Other controls are text; an ESC fragment without a final waits if it is
+// at most five characters long. Negotiation is swallowed and told only in
+// the debug window; telnet's two-byte commands go whole; a sequence cut by
+// the end of the text is told nothing yet and waits whole for the next
+// text, so a text without ESC leaves the same cut anywhere in two.
+TEST(OutputWriter, FragmentsAndNegotiationAreSwallowedOrWaitWhenCutShort) {
     const std::vector<IacRow> rows = {
+        {"other controls", "a\x07" "b\x08" "c\td\r\n\x1A", "a\x07" "b\x08" "c\td\r\n\x1A", ""},
+        {"5 characters: kept", "ab" + ESC + "[1;2", "ab", "", ESC + "[1;2"},
+        {"6: only the ESC goes", "ab" + ESC + "[1;22", "ab[1;22", ""},
+        {"h is no final; e is", ESC + "[?25hi there", "re", "ANSI not supported " + ESC + "[?25hi the\r\n"},
         {"will echo", "a" + bytes({255, 251, 1}) + "b", "ab", "IAC  WILL  echo \r\n"},
         {"do naws", bytes({255, 253, 31}), "", "IAC  DO  window size \r\n"},
         {"wont unknown option", bytes({255, 252, 99}), "", "IAC  WONT unknown valopt 99\r\n"},
@@ -293,6 +292,8 @@ TEST(Telnet, NegotiationIsSwallowedOrWaitsWhenCutShort) {
         {"IAC alone", "ab" + IAC, "ab", "", IAC},
         {"SB without option", "ab" + bytes({255, 250}), "ab", "", bytes({255, 250})},
         {"linemode without SE", "ab" + bytes({255, 250, 34}) + "wait", "ab", "", bytes({255, 250, 34}) + "wait"},
+        {"linemode past the bound", bytes({255, 250, 34}) + std::string(80000, 'p'), "",
+         "IAC  SB  linemode dropped 80000 bytes of a subnegotiation without its end\r\n"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
@@ -300,32 +301,15 @@ TEST(Telnet, NegotiationIsSwallowedOrWaitsWhenCutShort) {
         h.print(row.text);
         EXPECT_EQ(std::tuple(h.window(kMainWindow), h.debugText(), h.state(kMainWindow).Pending, h.fp.socket.sent),
                   std::tuple(row.display, row.debug, row.pending, ""));
+        const bool whole = row.text.size() > 99 || row.text.find(ESC) != std::string::npos;
+        for (std::size_t cut = 1; cut < row.text.size() && !whole; ++cut) {
+            Writer two;
+            two.print(row.text.substr(0, cut));
+            two.print(row.text.substr(cut));
+            EXPECT_EQ(two.window(kMainWindow) + "|" + two.debugText() + "|" + two.state(kMainWindow).Pending,
+                      row.display + "|" + row.debug + "|" + row.pending) << "cut at " << cut;
+        }
     }
-}
-
-TEST(Telnet, SequenceCutAtEveryPositionIsTheSameAsWhole) {
-    const std::string whole = "a" + bytes({255, 251, 1}) + "b" + bytes({255, 249}) + "c" + bytes({255, 255}) +
-                              bytes({255, 250, 34}) + "lm" + bytes({255, 240}) + "d" + bytes({255, 254, 3}) + "e";
-    Writer ref;
-    ref.print(whole);
-    ASSERT_EQ(ref.window(kMainWindow), "abc" + bytes({255}) + "de");
-    for (std::size_t cut = 0; cut <= whole.size(); ++cut) {
-        SCOPED_TRACE(cut);
-        Writer h;
-        h.print(whole.substr(0, cut));
-        h.print(whole.substr(cut));
-        EXPECT_EQ(h.window(kMainWindow) + "|" + h.debugText(), ref.window(kMainWindow) + "|" + ref.debugText());
-    }
-}
-
-TEST(Telnet, LinemodeWithoutItsEndIsDroppedPastTheBound) {
-    Writer h;
-    h.print(bytes({255, 250, 34}) + std::string(40000, 'p'));
-    h.print(std::string(40000, 'p'));
-    EXPECT_EQ(h.state(kMainWindow).Pending + h.debugText(),
-              "IAC  SB  linemode dropped 80000 bytes of a subnegotiation without its end\r\n");
-    h.print("text");
-    EXPECT_EQ(h.window(kMainWindow), "text");
 }
 
 // The answer is logged, kept and echoed like any sent text; the echo's own
@@ -335,8 +319,8 @@ TEST(Telnet, DoTerminalTypeAnswersElevenBytesThroughTheSender) {
     const std::string doTtype = bytes({255, 253, 24}), echo = bytes({0}) + "ANSI" + bytes({0});
     Writer h;
     h.print("a" + doTtype + "b");
-    EXPECT_EQ(h.history(), kAnswer);
-    EXPECT_EQ(h.debugText(), "IAC  DO  terminal type \r\nIAC  SB  terminal type  \r\nIAC  EON \r\n");
+    EXPECT_EQ(h.history() + "|" + h.debugText(),
+              kAnswer + "|IAC  DO  terminal type \r\nIAC  SB  terminal type  \r\nIAC  EON \r\n");
     h.print(doTtype);
     h.print("old" + doTtype, kHistT);
     EXPECT_EQ(h.fp.socket.writes, (std::vector<std::string>{kAnswer, kAnswer, kAnswer}));
@@ -347,30 +331,13 @@ TEST(Telnet, DoTerminalTypeAnswersElevenBytesThroughTheSender) {
     EXPECT_EQ(off.window(kMainWindow) + "|" + off.history() + off.fp.socket.sent, "ab|");
 }
 
-TEST(Telnet, WontEchoTurnsInkOnForTheWindowBeingWritten) {
-    Writer h;
-    h.state(kMainWindow).Ink = false;
-    h.state(kHistT).Ink = false;
-    h.print("hidden" + bytes({255, 251, 1}) + "still");
-    EXPECT_EQ(h.window(kMainWindow), "") << "WILL echo must change nothing";
-    h.print("gone" + bytes({255, 252, 1}) + "shown", kHistT);
-    EXPECT_TRUE(h.state(kHistT).Ink && !h.state(kMainWindow).Ink);
-    EXPECT_EQ(h.window(kHistT), "shown");
-    EXPECT_EQ(h.debugText(), "IAC  WILL  echo \r\nIAC  WONT  echo \r\n");
-}
-
 // After `before`, `seq` leaves the text behind it in `shown`, with the flags
 // NotBold, Underline, Blink and Reverse ("nubr" where set) and BackColour.
 TEST(Ansi, SgrParametersChangeTheWindowState) {
-    struct Row {
-        std::string before, seq;
-        std::uint32_t shown;
-        std::string flags;
-        std::uint32_t back;
-        std::string debug;
-    };
+    using Row = std::tuple<std::string, std::string, std::uint32_t, std::string, std::uint32_t, std::string>;
     const std::uint32_t red = rgb(128, 0, 0);
     const std::vector<Row> rows = {
+        {"", "K", rgb(255, 255, 255), "", 0, ""},  // a new window is bold until the first reset
         {csi("0m"), "1;31m", rgb(255, 127, 127), "", 0, ""},
         {csi("0m"), "31;1m", rgb(255, 127, 127), "", 0, ""},
         {csi("4;5;7m") + csi("1m"), "m", rgb(192, 192, 192), "nubr", 0, ""},
@@ -386,27 +353,19 @@ TEST(Ansi, SgrParametersChangeTheWindowState) {
         {csi("0;34m"), "47m", rgb(64, 64, 192), "n", rgb(128, 128, 128), ""},
         {csi("0;31m"), "3xm", rgb(192, 192, 192), "n", 0, ""},
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.before.substr(1) + " then " + row.seq);
+    for (const auto& [before, seq, shown, flags, back, debug] : rows) {
+        SCOPED_TRACE(before + " then " + seq);
         Writer h;
-        h.print(row.before);
+        h.print(before);
         ASSERT_EQ(h.debugText(), "");
-        h.print(csi(row.seq) + "x" + csi("K"));
+        h.print(csi(seq) + "x" + csi("K"));
         const WindowState& st = h.state(kMainWindow);
-        const std::string flags = std::string(st.NotBold ? "n" : "") + (st.Underline ? "u" : "") +
-                                  (st.Blink ? "b" : "") + (st.Reverse ? "r" : "");
-        const std::uint32_t shown = styleAt(h.c.parts().windows.text[kMainWindow], 0).colour;
-        EXPECT_EQ(std::tuple(h.window(kMainWindow), shown, flags, st.BackColour, h.debugText()),
-                  std::tuple("x", row.shown, row.flags, row.back, row.debug));
+        const std::string set = std::string(st.NotBold ? "n" : "") + (st.Underline ? "u" : "") +
+                                (st.Blink ? "b" : "") + (st.Reverse ? "r" : "");
+        EXPECT_EQ(std::tuple(h.window(kMainWindow), h.style(kMainWindow, 0).colour, set, st.BackColour,
+                             h.debugText()),
+                  std::tuple("x", shown, flags, back, debug));
     }
-}
-
-TEST(Ansi, NewWindowIsBoldUntilTheFirstReset) {
-    Writer h;
-    h.print("a" + csi("m") + "b" + csi("0m"), kCustom1);
-    const OutputWindow& w = h.c.parts().windows.text[kCustom1];
-    EXPECT_EQ(std::pair(styleAt(w, 0).colour, styleAt(w, 1).colour),
-              std::pair(rgb(255, 255, 255), rgb(192, 192, 192)));
 }
 
 TEST(Ansi, FinalsOtherThanSgr) {

@@ -99,22 +99,21 @@ TEST(EventGate, EventsDuringAHandlerWaitAndRunInOrderOnceItIsOver) {
     EXPECT_EQ(seen, (std::vector<std::string>{"idle", "after", "box opens", "inner", "box closes", "data", "tick",
                                               "close", "error", "after"}));
     EXPECT_EQ(gate.waiting(), 0u);
-}
 
-TEST(EventGate, AWaitingEventThatOpensABoxLetsTheNextOnesWaitBehindIt) {
-    EventGate gate;
-    std::vector<std::string> seen;
-    gate.run([&] {
-        gate.enter(EventGate::kData, [&] {
+    // A waiting event that opens a box lets the next ones wait behind it.
+    EventGate next;
+    seen.clear();
+    next.run([&] {
+        next.enter(EventGate::kData, [&] {
             seen.push_back("data opens a box");
-            gate.enter(EventGate::kQueueTimer, [&] { seen.push_back("queue tick"); });
-            gate.enter(EventGate::kData, [&] { seen.push_back("data again"); });
+            next.enter(EventGate::kQueueTimer, [&] { seen.push_back("queue tick"); });
+            next.enter(EventGate::kData, [&] { seen.push_back("data again"); });
             seen.push_back("box closes");
         });
-        gate.enter(EventGate::kEach, [&] { seen.push_back("close"); });
+        next.enter(EventGate::kEach, [&] { seen.push_back("close"); });
     });
     EXPECT_EQ(seen, (std::vector<std::string>{"data opens a box", "box closes", "close", "queue tick", "data again"}));
-    EXPECT_FALSE(gate.busy());
+    EXPECT_FALSE(next.busy());
 }
 
 // A change after a quiet frame is shown at once; changes within a frame of
