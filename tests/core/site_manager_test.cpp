@@ -5,7 +5,6 @@
 #include <optional>
 #include <tuple>
 
-#include "command/words.h"
 #include "sites/site_manager.h"
 #include "support/memory_file_system.h"
 

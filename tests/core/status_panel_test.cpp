@@ -7,7 +7,6 @@
 #include <tuple>
 
 #include "common/numbers.h"
-#include "command/words.h"
 #include "output/debug_channel.h"
 #include "output/output_window.h"
 #include "status/status_frames.h"
@@ -49,7 +48,6 @@ TEST(StatusPanel, BarWidthsAndLadderColours) {
         {"item 9 redraws bar 0", {{7, "100"}, {8, "50"}, {7, "200"}, {9, "x"}}, 0, 150, yellow},
         {"item 9 leaves bar 1 alone", {{9, "100"}, {10, "50"}, {9, "200"}}, 1, 300, green},
         {"move pair is bar 4", {{15, "200"}, {16, "150"}}, 4, 450, cyan},
-        {"current rounds half to even", {{7, "600"}, {8, "2.5"}}, 0, 2, red},
         {"percentage full", {{48, "100"}}, 6, 600, red},
         {"percentage 25", {{49, "25"}}, 7, 150, cyan},
         {"percentage 24", {{50, "24"}}, 8, 144, blue},
@@ -90,7 +88,6 @@ TEST(StatusPanel, DerivedWords) {
         {"position of 52", {{52, "15"}}, 5, "Jumping"},
         {"position past the table", {{52, "16"}}, 5, "Unknown"},
         {"negative position", {{53, "-1"}}, 4, "Unknown"},
-        {"position rounds half to even", {{53, "4.5"}}, 4, "Sleeping"},
     };
     for (const auto& [name, items, xinfo, text] : rows) EXPECT_EQ(Panel(items).m.XInfo(xinfo), text) << name;
 }
