@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <random>
+#include <tuple>
 
 #include "support/client_harness.h"
 
@@ -36,12 +37,8 @@ void press(Client& c, char key) {
 }
 
 TEST(HistoryPager, KeySequencesShowTheExpectedPage) {
-    struct Row {
-        int lines;
-        const char* keys;
-        const char* shown;  // first and last line
-    };
-    const Row rows[] = {
+    // Lines of text, keys pressed, the page's first and last line.
+    const std::tuple<int, const char*, const char*> rows[] = {
         {0, "O", ""},            {0, "HEUDudx", ""},      {1, "O", "l1 l1"},       {1, "Od", ""},
         {1, "OU", "l1 l1"},      {27, "O", "l1 l27"},     {27, "E", "l1 l27"},     {27, "OU", "l1 l27"},
         {27, "HD", ""},          {27, "Hd", "l2 l27"},    {28, "O", "l1 l28"},     {28, "HD", "l28 l28"},
@@ -52,11 +49,11 @@ TEST(HistoryPager, KeySequencesShowTheExpectedPage) {
         {100, "Hdu", "l1 l28"},  {100, "Ed", "l74 l100"}, {100, "EdE", "l73 l100"}, {100, "Ou", "l72 l99"},
         {100, "HDx", "l28 l55"},
     };
-    for (const Row& r : rows) {
+    for (const auto& [lines, keys, shown] : rows) {
         ClientHarness h;
-        h.c.parts().history.append(linesText(r.lines));
-        for (const char* k = r.keys; *k; ++k) press(h.c, *k);
-        EXPECT_EQ(shownPage(h), r.shown) << r.lines << " lines, keys " << r.keys;
+        h.c.parts().history.append(linesText(lines));
+        for (const char* k = keys; *k; ++k) press(h.c, *k);
+        EXPECT_EQ(shownPage(h), shown) << lines << " lines, keys " << keys;
     }
 }
 

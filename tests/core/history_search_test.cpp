@@ -1,6 +1,6 @@
 // Seek and Filter: lines as the player saw them (colour and telnet left
 // out, case folded), the wrap at the end, the newest lines when they do not
-// all fit, a search replaced by the next, and a day loaded from disk.
+// all fit, and a search replaced by the next.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -139,19 +139,6 @@ TEST(HistorySearch, ANewSearchReplacesTheRunningOne) {
     EXPECT_EQ(t.topLine(), "the dragon");
     EXPECT_FALSE(t.s.running());
     EXPECT_EQ(t.window(kHistView), "");  // the filter never ended
-}
-
-TEST(HistorySearch, SeekAndFilterReachALoadedDay) {
-    Search t;
-    t.c.parts().bar.CurrentSite.ShortName = "mud";
-    t.fp.folder.write("logs/mud/H.20261122.txt", "yesterday: a \x1b[32mtroll\x1b[0m fled\r\n");
-    t.receive("today\r\n");
-    t.c.historyViews().browser.DList_DblClick("H.20261122.txt");
-    t.c.historyViews().browser.finish();
-    t.seek("TROLL");
-    EXPECT_EQ(t.topLine(), "yesterday: a troll fled");
-    t.filter("troll fled");
-    EXPECT_EQ(t.window(kHistView), "1 line holds \"troll fled\"\r\nyesterday: a troll fled\r\n");
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 // are not frames, and the items applied to the panel.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <tuple>
 
 #include "support/client_harness.h"
@@ -46,42 +47,36 @@ TEST(StatusFrames, FrameCutAtEveryPositionGivesTheSameResult) {
     }
 }
 
-TEST(StatusFrames, TelnetOptionTwentyFourIsNotAFrameStart) {
-    // What is read, then the text shown and the number of answers sent.
-    using Row = std::tuple<const char*, std::string, std::string, std::size_t>;
+TEST(StatusFrames, TelnetOptionTwentyFourIsNotAFrameStartAndItemsTellTheDebugWindow) {
+    // What is read, then the text shown, the number of answers sent and what
+    // the debug window is told of frames.
+    using Row = std::tuple<const char*, std::string, std::string, std::size_t, std::string>;
     const std::vector<Row> rows = {
         {"tinymux burst", bytes({255, 251, 25, 255, 253, 24, 255, 253, 31}) + "Welcome",
-         std::string("\0ANSI\0", 6) + "Welcome", 1},
-        {"WILL, WONT and DONT 24", bytes({255, 251, 24, 255, 252, 24, 255, 254, 24}) + "x", "x", 0},
-        {"24 inside a subnegotiation", bytes({255, 250, 24, 1, 255, 240}) + "x", bytes({1}) + "x", 0},
-        {"IAC IAC then a frame", bytes({255, 255}) + frame({"1,8,1"}) + "x", bytes({255}) + "x", 0},
+         std::string("\0ANSI\0", 6) + "Welcome", 1, ""},
+        {"WILL, WONT and DONT 24", bytes({255, 251, 24, 255, 252, 24, 255, 254, 24}) + "x", "x", 0, ""},
+        {"24 in a subnegotiation", bytes({255, 250, 24, 1, 255, 240}) + "x", bytes({1}) + "x", 0, ""},
+        {"IAC IAC then a frame", bytes({255, 255}) + frame({"1,8,1"}) + "x", bytes({255}) + "x", 0,
+         "Interpreting 1,8,1\r\n"},
+        {"empty item", frame({""}), "", 0, "Interpreting \r\nWhich i know nothing ...\r\n"},
+        {"kind 3", frame({"3,1,x"}), "", 0, "Interpreting 3,1,x\r\nWhich i know nothing ...\r\n"},
+        {"cell item", frame({"1,57,x"}), "", 0, "Interpreting 1,57,x\r\n"},
+        {"text item", frame({"2,4,text"}), "", 0, "Interpreting 2,4,text\r\n"},
     };
-    for (const auto& [name, read, shown, answers] : rows) {
+    for (const auto& [name, read, shown, answers, debug] : rows) {
         SCOPED_TRACE(name);
         ClientHarness h;
         h.receive(read);
         EXPECT_EQ(h.window(kMainWindow), shown);
         EXPECT_EQ(h.fp.socket.writes.size(), answers);
         EXPECT_FALSE(h.c.parts().frames.inFrame()) << "nothing is swallowed";
+        const std::string told = h.debugText();
+        EXPECT_EQ(told.substr(std::min(told.find("Interpreting"), told.size())), debug);
     }
     // A subnegotiation that never ends is taken to be over past its bound.
     ClientHarness h;
     h.receive(bytes({255, 250, 24}) + std::string(StatusFrames::kMaxSubnegotiation, 'x') + frame({"1,8,7"}));
     EXPECT_EQ(h.c.parts().status.Info1(8), "7");
-}
-
-TEST(StatusFrames, ItemsTellTheDebugWindow) {
-    const std::vector<std::pair<std::string, std::string>> rows = {
-        {"", "Interpreting \r\nWhich i know nothing ...\r\n"},
-        {"3,1,x", "Interpreting 3,1,x\r\nWhich i know nothing ...\r\n"},
-        {"1,57,x", "Interpreting 1,57,x\r\n"},
-        {"2,4,text", "Interpreting 2,4,text\r\n"},
-    };
-    for (const auto& [item, debug] : rows) {
-        ClientHarness h;
-        h.receive(frame({item}));
-        EXPECT_EQ(h.debugText(), debug) << item;
-    }
 }
 
 TEST(StatusFrames, AFrameWithoutEndSwallowsTheStreamWithinItsBound) {

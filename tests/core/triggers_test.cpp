@@ -5,6 +5,8 @@
 // trigger index test.
 #include <gtest/gtest.h>
 
+#include <array>
+
 #include "support/trigger_fixture.h"
 #include "common/text.h"
 #include "triggers/trigger_file.h"
@@ -36,13 +38,8 @@ std::string describe(const TriggerRecords& t) {
     return s;
 }
 
-struct Case {
-    const char* name;
-    const char* file;
-    const char* records;  // "" when the file is not loaded
-};
-
-const Case kCases[] = {
+// The name, the file, and its records ("" when the file is not loaded).
+const std::array<const char*, 3> kCases[] = {
     {"same flag group", "flag1=3\r\nFLAG1=4\r\npattern1=x\r\naction=go", "part1 F1 f1:3,4, P1 p1:'x' a'go'"},
     {"two flag groups", "flag1=3\r\nflag2=4\r\npattern1=x\r\naction=go", "part1 F2 f1:3, f2:4, P1 p1:'x' a'go'"},
     {"last group counts", "flag2=3\r\nflag1=4\r\npattern2=a\r\npattern1=b\r\naction=go",
@@ -76,14 +73,14 @@ const Case kCases[] = {
 };
 
 TEST(TriggerFiles, EveryCaseOfTheFormatLoadsAsItShould) {
-    for (const Case& k : kCases) {
-        SCOPED_TRACE(k.name);
+    for (const auto& [name, file, records] : kCases) {
+        SCOPED_TRACE(name);
         TriggerFixture t;
         t.trigger("a.trigger", "pattern1=before\r\naction=one");
-        t.trigger("b.trigger", k.file);
+        t.trigger("b.trigger", file);
         t.trigger("c.trigger", "pattern1=after\r\naction=three");
         t.c.LoadTriggers();
-        const std::string middle = *k.records ? std::string(k.records) + " | " : "";
+        const std::string middle = *records ? std::string(records) + " | " : "";
         EXPECT_EQ(describe(t.c.parts().triggers.TriggerTable),
                   "part1 F0 P1 p1:'before' a'one' | " + middle + "part1 F0 P1 p1:'after' a'three'");
         const std::string refused = "Trigger file not loaded: " + t.fp.files.absolute("triggers/b.trigger");
