@@ -37,7 +37,7 @@ QString nextMessage(const std::function<void()>& action) {
     return seen;
 }
 
-TEST(SiteManagerDialog, TabRunsThroughTheBoxesAndSavedSitesAreInTheBarAfterCloseWithTheFirstSelected) {
+TEST(SiteManagerDialog, TabOrderAndSavedSitesInTheBarAfterCloseWithTheFirstSelected) {
     FormFixture f;
     f.fake.folder.write("CONN.ZIG", kOldBook);
     f.control<QLineEdit>("Site")->setText("typed.host");
