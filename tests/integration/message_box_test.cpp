@@ -2,22 +2,12 @@
 // meanwhile waits and runs, in order, when it closes, as a run of its own.
 #include <gtest/gtest.h>
 
-#include <QEventLoop>
-#include <QTimer>
-
 #include "common/text.h"
 #include "integration/loopback.h"
 #include "shell/form_fixture.h"
 
 namespace kelpa::test {
 namespace {
-
-// What a modal box does while it is up: it turns the event loop.
-void turnTheEventLoop(int ms) {
-    QEventLoop loop;
-    QTimer::singleShot(ms, &loop, &QEventLoop::quit);
-    loop.exec();
-}
 
 // A server that greets with a line the box trigger answers.
 struct BoxOnTheWire : WireForm {
@@ -33,7 +23,7 @@ TEST(MessageBox, TextSentWhileTheBoxIsUpIsShownLoggedAndMatchedWhenItClosesWitho
     std::string shownInBox, sentInBox;
     t.p.host.onMessageBox = [&] {
         t.server.send("The guard waves.\r\n");
-        turnTheEventLoop(300);
+        QTest::qWait(300);  // the box turns the event loop while it is up
         shownInBox = t.window();
         sentInBox = t.server.received.back();
         closed = true;
@@ -57,7 +47,7 @@ TEST(MessageBox, TheServersCloseWhileTheBoxIsUpComesAfterTheTextSentBeforeIt) {
     t.p.host.onMessageBox = [&] {
         t.server.send("The guard leaves.\r\n");
         t.server.current->disconnectFromHost();
-        turnTheEventLoop(300);
+        QTest::qWait(300);  // the box turns the event loop while it is up
         EXPECT_FALSE(t.c().connectionBar().connectEnabled) << "the close waits too";
         boxClosed = true;
     };
@@ -82,7 +72,7 @@ TEST(MessageBox, AChunkThatArrivesWhileTheBoxIsUpRunsAfterItOnBudgetsOfItsOwn) {
     f.fake.host.onMessageBox = [&] {
         f.fake.socket.incoming = flood;
         form.s_DataArrival();  // the socket's event, delivered by the box's loop
-        turnTheEventLoop(20);
+        QTest::qWait(20);
         sentInBox = f.fake.socket.sent;
         shownInBox = countOf(form.client().window(kMainWindow).text(), "ping");
     };

@@ -8,7 +8,6 @@ namespace kelpa::test {
 namespace {
 
 const std::string kAnswer("\xFF\xFA\x18\x00" "ANSI" "\x00\xFF\xF0", 11);
-const std::string IAC = "\xFF";
 
 void type(QLineEdit* box, const char* line) {
     QTest::keyClicks(box, QString::fromLatin1(line));
@@ -18,7 +17,6 @@ void type(QLineEdit* box, const char* line) {
 TEST(SessionOnTheWire, BytesWindowAndLogOfTwoConnectionsOnOneDay) {
     WireForm t({"\xFF\xFD\x18Welcome\r\n", "Again\r\n"}, {}, "#24#hero#10#secret");
     t.form->show();
-    ASSERT_EQ(t.c().parts().bar.CurrentSite.ShortName, "loc");
 
     // First connection: init string, then the terminal type answer to DO 24,
     // then a typed line with ";;" in it.
@@ -29,14 +27,10 @@ TEST(SessionOnTheWire, BytesWindowAndLogOfTwoConnectionsOnOneDay) {
     type(t.text1, "look;;say hi");
     ASSERT_TRUE(t.until([&] { return got[0].size() >= init.size() + 11 + 14; }));
     EXPECT_EQ(got[0], init + kAnswer + "look\r\nsay hi\r\n");
-    EXPECT_TRUE(t.text1->text().isEmpty());
-    EXPECT_TRUE(t.shows("Welcome"));
-    EXPECT_EQ(t.window().substr(t.window().size() - 14), "look\r\nsay hi\r\n");  // the echo
 
     // The server ends the session: the log is closed and the bar allows a new one.
     t.server.current->disconnectFromHost();
     ASSERT_TRUE(t.until([&] { return t.connectButton->isEnabled(); }));
-    EXPECT_FALSE(t.disconnectButton->isEnabled());
 
     // Second connection on the same day appends to the same file.
     QTest::mouseClick(t.connectButton, Qt::LeftButton);
@@ -49,51 +43,6 @@ TEST(SessionOnTheWire, BytesWindowAndLogOfTwoConnectionsOnOneDay) {
     // each sent text; the init string is never logged.
     EXPECT_EQ(t.log(), kAnswer + "\r\n" + "\xFF\xFD\x18Welcome\r\n\r\n" + "look\r\nsay hi\r\n\r\n" +
                            "Again\r\n\r\n" + "quit\r\n\r\n");
-}
-
-// Sequences cut by a read, the terminal type asked for at once, prompts
-// marked with IAC GA, a password after IAC WILL ECHO, and a status frame.
-TEST(TelnetOnTheWire, CutSequencesPromptsPasswordsAndAFrame) {
-    WireForm t;
-    t.form->show();
-    QTest::mouseClick(t.connectButton, Qt::LeftButton);
-    ASSERT_TRUE(t.until([&] { return t.connected(); }));
-    // Sends a piece and waits until the client has read it and holds
-    // `pending` for the next read, so that the next piece comes with another.
-    const auto sendRead = [&t](const std::string& piece, const std::string& pending) {
-        t.server.send(piece);
-        return t.until([&] { return t.c().parts().windows.state[kMainWindow].Pending == pending; });
-    };
-
-    // A read that ends after IAC, then one that ends after IAC DO: the 24
-    // is telnet's, answered once, and swallows nothing.
-    ASSERT_TRUE(sendRead("Hi" + IAC, IAC)) << ::testing::PrintToString(t.window());
-    ASSERT_TRUE(sendRead("\xFD", IAC + "\xFD")) << ::testing::PrintToString(t.window());
-    t.server.send("\x18there\r\n");
-    ASSERT_TRUE(t.until([&] { return t.server.received[0] == kAnswer && t.shows("there"); }));
-    EXPECT_EQ(t.window(), "Hi" + std::string("\0ANSI\0", 6) + "there\r\n");
-
-    // The password prompt, its IAC WILL cut from its option by a read.
-    ASSERT_TRUE(sendRead("Password:" + IAC + "\xFB", IAC + "\xFB"));
-    t.server.send("\x01");
-    ASSERT_TRUE(t.until([&] { return t.text1->echoMode() == QLineEdit::Password; }));
-    type(t.text1, "hunter2");
-    ASSERT_TRUE(t.until([&] { return t.server.received[0] == kAnswer + "hunter2\r\n"; }));
-
-    // The server echoes again; prompts end in IAC GA; a frame rides along.
-    t.server.send(IAC + "\xFC\x01" + "\r\nhp 20>" + IAC + "\xF9" + "\x18" "1,7,40\x19" "1,8,20\x19\x1A" +
-                  "\r\nhp 19>" + IAC + "\xF9");
-    ASSERT_TRUE(t.until([&] { return t.shows("hp 19>"); }));
-    t.form->syncFromCore();
-    EXPECT_EQ(t.text1->echoMode(), QLineEdit::Normal);
-    EXPECT_EQ(t.window().substr(t.window().find("Password:")), "Password:\r\n\r\nhp 20>\r\nhp 19>");
-    EXPECT_EQ(t.c().parts().status.Info1(8), "20");
-    EXPECT_EQ(t.c().parts().status.ShapeParam(0).width, 300);
-
-    QTest::mouseClick(t.disconnectButton, Qt::LeftButton);
-    // Every chunk reached the log, also those that ended inside a sequence.
-    EXPECT_NE(t.log().find("Hi" + IAC + "\r\n"), std::string::npos) << ::testing::PrintToString(t.log());
-    EXPECT_NE(t.log().find("hp 19>" + IAC + "\xF9"), std::string::npos);
 }
 
 // A trigger's answer is with the kernel when the chunk's handler returns:

@@ -23,20 +23,11 @@
 
 namespace kelpa::test {
 
-// The texts of a list's entries, top to bottom.
-inline QStringList itemsOf(QListWidget* list) {
-    QStringList out;
-    for (int i = 0; i < list->count(); ++i) out << list->item(i)->text();
-    return out;
-}
-
-// A double click on a list's entry; it counts only on the entry just pressed.
-inline void doubleClick(QListWidget* list, int row) {
-    QListWidgetItem* item = list->item(row);
-    list->setCurrentItem(item);
-    const QPoint at = list->visualItemRect(item).center();
-    QTest::mousePress(list->viewport(), Qt::LeftButton, {}, at);
-    QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, at);
+// "line 1\r\n" up to "line <to>\r\n", or with another word.
+inline std::string numberedLines(int from, int to, const char* word = "line") {
+    std::string s;
+    for (int i = from; i <= to; ++i) s += std::string(word) + " " + std::to_string(i) + "\r\n";
+    return s;
 }
 
 struct FormFixture {
@@ -58,12 +49,20 @@ struct FormFixture {
         return w;
     }
 
-    // What a box, label or button of that name shows.
+    // What a box, label or button of that name shows, every character as it
+    // is (toPlainText would show a no-break space as a blank).
     QString text(const char* name) {
-        if (auto* box = qobject_cast<QPlainTextEdit*>(control(name))) return box->toPlainText();
+        if (auto* box = qobject_cast<QPlainTextEdit*>(control(name)))
+            return box->document()->toRawText().replace(QChar::ParagraphSeparator, '\n');
         return control(name)->property("text").toString();
     }
-    QStringList list(const char* name) { return itemsOf(control<QListWidget>(name)); }
+    // The texts of a list's entries, top to bottom.
+    QStringList list(const char* name) {
+        QStringList out;
+        auto* list = control<QListWidget>(name);
+        for (int i = 0; i < list->count(); ++i) out << list->item(i)->text();
+        return out;
+    }
 
     // Each action brings the mirrors up to date afterwards, as the frame does.
     void click(const char* name) {
@@ -75,8 +74,13 @@ struct FormFixture {
         QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(index).center());
         form().syncFromCore();
     }
-    void open(const char* list, int row) {
-        doubleClick(control<QListWidget>(list), row);
+    // A double click on a list's entry; it counts only on the entry just pressed.
+    void open(const char* name, int row) {
+        auto* list = control<QListWidget>(name);
+        list->setCurrentItem(list->item(row));
+        const QPoint at = list->visualItemRect(list->item(row)).center();
+        QTest::mousePress(list->viewport(), Qt::LeftButton, {}, at);
+        QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, at);
         form().syncFromCore();
     }
     void retype(const char* box, const QString& text) {

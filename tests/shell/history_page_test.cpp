@@ -11,12 +11,6 @@
 namespace kelpa::test {
 namespace {
 
-std::string numberedLines(int from, int to, const char* word = "line") {
-    std::string s;
-    for (int i = from; i <= to; ++i) s += std::string(word) + " " + std::to_string(i) + "\r\n";
-    return s;
-}
-
 TEST(HistoryPage, HistTShowsAPageAndTakesTheKeys) {
     FormFixture f;
     f.form().client().parts().history.append(numberedLines(1, 100));

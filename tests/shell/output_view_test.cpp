@@ -77,9 +77,7 @@ TEST(OutputView, LongLinesWrapAtTheViewsWidthAndNewTextBringsTheViewToTheEnd) {
     EXPECT_GT(t->columns(), cols);
     EXPECT_EQ(t->rowCount(), 3);
 
-    std::string lines;
-    for (int i = 0; i < 100; ++i) lines += "line " + std::to_string(i) + "\r\n";
-    print(f, lines);
+    print(f, numberedLines(0, 99));
     QScrollBar* bar = t->verticalScrollBar();
     ASSERT_GT(bar->maximum(), 0);
     EXPECT_EQ(bar->value(), bar->maximum());
@@ -124,6 +122,18 @@ TEST(OutputView, TextLaidOutPieceByPieceDrawsAsALayoutFromScratch) {
     }
 }
 
+// The paints of a widget, and those of less than the whole of it.
+struct PaintCounter : QObject {
+    int paints = 0;
+    int partial = 0;
+    bool eventFilter(QObject* o, QEvent* e) override {
+        if (e->type() != QEvent::Paint) return false;
+        ++paints;
+        partial += static_cast<QPaintEvent*>(e)->region() != QRegion(static_cast<QWidget*>(o)->rect());
+        return false;
+    }
+};
+
 // The pixels the window holds after many small repaints, each drawing only
 // what changed and shifting the rest, are what one paint of a new view of
 // the same text draws: after new text, cuts, a restyle, a resize, a
@@ -143,16 +153,7 @@ TEST(OutputView, TheScreenAfterManySmallRepaintsIsWhatAWholePaintDraws) {
         const QRect vp(view.viewport()->mapTo(&view, QPoint(0, 0)), view.viewport()->size());
         return view.screen()->grabWindow(view.winId()).toImage().copy(vp).convertToFormat(QImage::Format_RGB32);
     };
-    // Paints of less than the whole view: the rows that changed.
-    struct PartialPaints : QObject {
-        int count = 0;
-        bool eventFilter(QObject* o, QEvent* e) override {
-            if (e->type() == QEvent::Paint &&
-                static_cast<QPaintEvent*>(e)->region() != QRegion(static_cast<QWidget*>(o)->rect()))
-                ++count;
-            return false;
-        }
-    } partial;
+    PaintCounter partial;
     view.viewport()->installEventFilter(&partial);
     int changed = 0;
     for (int step = 0; step < 300; ++step) {
@@ -192,7 +193,7 @@ TEST(OutputView, TheScreenAfterManySmallRepaintsIsWhatAWholePaintDraws) {
         ASSERT_EQ(after, fresh.viewport()->grab().toImage().convertToFormat(QImage::Format_RGB32)) << "step " << step;
     }
     EXPECT_GT(changed, 150) << "the screen changed at most steps";
-    EXPECT_GT(partial.count, 100) << "most paints drew only the rows that changed";
+    EXPECT_GT(partial.partial, 100) << "most paints drew only the rows that changed";
 }
 
 TEST(OutputView, ASelectionCopiesTheTextAcrossLines) {
@@ -210,14 +211,6 @@ TEST(OutputView, ASelectionCopiesTheTextAcrossLines) {
     QTest::mouseRelease(vp, Qt::LeftButton, {}, to);
     EXPECT_EQ(t->selectedText(), "bc\nde");
 }
-
-struct PaintCounter : QObject {
-    int paints = 0;
-    bool eventFilter(QObject*, QEvent* e) override {
-        paints += e->type() == QEvent::Paint;
-        return false;
-    }
-};
 
 // A flood repaints at most once per frame. A long text that follows its end
 // leaves the scroll bar's handle at the bottom: new lines repaint the text but
@@ -247,9 +240,7 @@ TEST(OutputView, AFloodRepaintsAtMostOncePerFrameAndTheScrollBarOnlyWhenItsHandl
         t->viewport()->removeEventFilter(&counter);
     };
     flood();
-    std::string lines;
-    for (int i = 0; i < 3000; ++i) lines += "line " + std::to_string(i) + "\r\n";
-    print(f, lines);
+    print(f, numberedLines(0, 2999));
     flood();
     PaintCounter bar, text;
     t->verticalScrollBar()->installEventFilter(&bar);
@@ -273,18 +264,15 @@ TEST(OutputView, AFloodRepaintsAtMostOncePerFrameAndTheScrollBarOnlyWhenItsHandl
 // moved at most ten times a second, and its last place is shown.
 TEST(OutputView, AGrowingTextMovesTheHandleAtMostTenTimesASecond) {
     FormFixture f;
-    Client& c = f.form().client();
     qt::OutputView* t = f.form().outputWindow(kMainWindow);
-    for (int i = 0; i < 40; ++i) c.parts().writer.W_Print("line " + std::to_string(i) + "\r\n", kMainWindow);
-    f.form().syncFromCore();
+    print(f, numberedLines(0, 39));
     QTest::qWait(150);
     PaintCounter bar;
     t->verticalScrollBar()->installEventFilter(&bar);
     QElapsedTimer clock;
     clock.start();
     for (int i = 0; i < 60; ++i) {
-        c.parts().writer.W_Print("more " + std::to_string(i) + "\r\n", kMainWindow);
-        f.form().syncFromCore();
+        print(f, numberedLines(i, i, "more"));
         QCoreApplication::processEvents();
     }
     const qint64 ms = clock.elapsed();
@@ -295,8 +283,7 @@ TEST(OutputView, AGrowingTextMovesTheHandleAtMostTenTimesASecond) {
 
     // The player's own scrolling is shown at once, even right after a paint.
     for (int i = 0; i < 2; ++i) {
-        c.parts().writer.W_Print("again\r\n", kMainWindow);
-        f.form().syncFromCore();
+        print(f, "again\r\n");
         QCoreApplication::processEvents();
     }
     const int beforeScroll = bar.paints;

@@ -12,11 +12,11 @@ namespace {
 
 struct ToolsFixture : FormFixture {
     ToolsFixture() {
-        fake.folder.write("macros/b.macro", "say b\r\nsay c");
+        fake.folder.write("macros/b.macro", "say b\r\nsay\xA0" "c");
         fake.folder.write("macros/a.macro", "x");
         fake.folder.write("macros/notes.txt", "-");
         fake.folder.write("macros/AREA/o.macro", "o");
-        fake.folder.write("triggers/b.trigger", "flag1=2\r\npattern1=bee\r\n; note\r\naction=sting");
+        fake.folder.write("triggers/b.trigger", "flag1=2\r\npattern1=b\xA0" "ee\r\n; note\r\naction=st\xE9ng");
         fake.folder.write("triggers/a.trigger", "pattern1=x\r\naction=y");
         fake.folder.write("gtriggers/g.trigger", "pattern1=g\r\naction=global");
     }
@@ -33,13 +33,15 @@ TEST(MacroPage, ListsOpensSavesAndReloads) {
     EXPECT_EQ(f.list("Mlist"), (QStringList{"a.macro", "b.macro"}));
     EXPECT_EQ(f.text("txtMacrosLabel"), "?.macro");
     f.open("Mlist", 1);
-    EXPECT_EQ(f.text("txtMacrosLabel") + "|" + f.text("txtMacrosCommands"), "b.macro|say b\nsay c");
+    EXPECT_EQ(f.text("txtMacrosLabel") + "|" + f.text("txtMacrosCommands"), "b.macro|say b\nsay\u00a0c");
 
-    // Typed text is what Save writes, trimmed, with one CR LF behind it.
+    // Typed text is what Save writes, trimmed, with one CR LF behind it; a
+    // no-break space (0xA0) comes back as one, or a pattern holding it would
+    // stop matching after any edit.
     f.retype("txtMacrosLabel", "new.macro");
-    f.control<QPlainTextEdit>("txtMacrosCommands")->setPlainText("  say new\nsay more  ");
+    f.control<QPlainTextEdit>("txtMacrosCommands")->setPlainText("  say\u00a0new\nsay more  ");
     f.click("BTNMacrosSave");
-    EXPECT_EQ(f.fake.folder.read("macros/new.macro"), "say new\r\nsay more\r\n");
+    EXPECT_EQ(f.fake.folder.read("macros/new.macro"), "say\xA0new\r\nsay more\r\n");
     EXPECT_EQ(f.list("Mlist").size(), 2);  // not refreshed by Save
     f.click("brefresh3");
     EXPECT_EQ(f.list("Mlist"), (QStringList{"a.macro", "b.macro", "new.macro"}));
@@ -50,7 +52,7 @@ TEST(MacroPage, ListsOpensSavesAndReloads) {
     EXPECT_EQ(f.text("MListName"), "Override(AREA)");
     EXPECT_EQ(f.list("Mlist"), QStringList{"o.macro"});
     f.click("BTNMacrosSave");
-    EXPECT_EQ(f.fake.folder.read("macros/AREA/new.macro"), "say new\r\nsay more\r\n");
+    EXPECT_EQ(f.fake.folder.read("macros/AREA/new.macro"), "say\xA0new\r\nsay more\r\n");
 }
 
 TEST(MacroPage, DeleteAsksAndFailuresKeepTheBoxes) {
@@ -93,7 +95,7 @@ TEST(TriggerPage, StartsWithTheTemplateAndLoadsEditsSavesAndDeletesFiles) {
     EXPECT_TRUE(f.control<QRadioButton>("Option1(0)")->isChecked());
     EXPECT_EQ(f.list("TList"), QStringList({"a.trigger", "b.trigger"}));
     f.open("TList", 1);
-    EXPECT_EQ(boxes(), "b.trigger|flag1=2\n|pattern1=bee\naction=sting\n");
+    EXPECT_EQ(boxes(), "b.trigger|flag1=2\n|pattern1=b\u00a0ee\naction=st\u00e9ng\n");
 
     f.control<QPlainTextEdit>("txtTRGBody")->moveCursor(QTextCursor::End);
     f.enter("txtTRGBody", "pattern1=wasp");
@@ -101,7 +103,7 @@ TEST(TriggerPage, StartsWithTheTemplateAndLoadsEditsSavesAndDeletesFiles) {
     f.retype("txtTRGLabel", "c.trigger");
     f.click("btnTRGSave");
     EXPECT_EQ(f.fake.folder.read("triggers/c.trigger"),
-              "flag1=2\r\n\r\npattern1=bee\r\naction=sting\r\npattern1=wasp\r\naction=run\r\n");
+              "flag1=2\r\n\r\npattern1=b\xA0" "ee\r\naction=st\xE9ng\r\npattern1=wasp\r\naction=run\r\n");
     f.click("brefresh2");
     EXPECT_EQ(f.list("TList").size(), 3);
 
@@ -133,25 +135,6 @@ TEST(ToolPages, DoubleClickBesideTheEntriesEmptiesTheBoxes) {
         f.form().syncFromCore();
         EXPECT_EQ(f.text(label) + f.text(box) + f.text(body), "") << list;
     }
-}
-
-// A no-break space (0xA0) shows as one and must come back as one: a pattern
-// holding it would otherwise stop matching after any edit.
-TEST(ToolPages, EditorsGiveBackEveryByteTheyShow) {
-    ToolsFixture f;
-    f.fake.folder.write("triggers/n.trigger", "pattern1=a\xA0" "b\r\naction=say \xA0\xE9");
-    f.fake.folder.write("macros/n.macro", "say \xA0" "x\r\nsay y");
-    f.show(1);
-    f.open("TList", 2);
-    f.control<QPlainTextEdit>("txtTRGBody")->moveCursor(QTextCursor::End);
-    QTest::keyClicks(f.control("txtTRGBody"), "x");  // any edit
-    f.click("btnTRGSave");
-    EXPECT_EQ(f.fake.folder.read("triggers/n.trigger"), "pattern1=a\xA0" "b\r\naction=say \xA0\xE9\r\nx\r\n");
-    f.show(2);
-    f.open("Mlist", 2);
-    QTest::keyClicks(f.control("txtMacrosCommands"), "z");
-    f.click("BTNMacrosSave");
-    EXPECT_EQ(f.fake.folder.read("macros/n.macro"), "zsay \xA0" "x\r\nsay y\r\n");
 }
 
 }  // namespace

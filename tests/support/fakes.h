@@ -8,6 +8,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/platform.h"
@@ -22,11 +23,7 @@ public:
     }
     void close() override { connected = false; }
     int state() const override { return connected ? kConnected : 0; }
-    std::string getData() override {
-        std::string d;
-        d.swap(incoming);
-        return d;
-    }
+    std::string getData() override { return std::exchange(incoming, {}); }
     bool sendData(const std::string& bytes) override {
         if (onSend) onSend(bytes);
         if (refuseWrites) return false;
