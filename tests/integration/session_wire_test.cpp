@@ -8,6 +8,7 @@ namespace kelpa::test {
 namespace {
 
 const std::string kAnswer("\xFF\xFA\x18\x00" "ANSI" "\x00\xFF\xF0", 11);
+const std::string IAC = "\xFF";
 
 void type(QLineEdit* box, const char* line) {
     QTest::keyClicks(box, QString::fromLatin1(line));
@@ -43,6 +44,51 @@ TEST(SessionOnTheWire, BytesWindowAndLogOfTwoConnectionsOnOneDay) {
     // each sent text; the init string is never logged.
     EXPECT_EQ(t.log(), kAnswer + "\r\n" + "\xFF\xFD\x18Welcome\r\n\r\n" + "look\r\nsay hi\r\n\r\n" +
                            "Again\r\n\r\n" + "quit\r\n\r\n");
+}
+
+// Sequences cut by a read, the terminal type asked for at once, prompts
+// marked with IAC GA, a password after IAC WILL ECHO, and a status frame.
+TEST(TelnetOnTheWire, CutSequencesPromptsPasswordsAndAFrame) {
+    WireForm t;
+    t.form->show();
+    QTest::mouseClick(t.connectButton, Qt::LeftButton);
+    ASSERT_TRUE(t.until([&] { return t.connected(); }));
+    // Sends a piece and waits until the client has read it and holds
+    // `pending` for the next read, so that the next piece comes with another.
+    const auto sendRead = [&t](const std::string& piece, const std::string& pending) {
+        t.server.send(piece);
+        return t.until([&] { return t.c().parts().windows.state[kMainWindow].Pending == pending; });
+    };
+
+    // A read that ends after IAC, then one that ends after IAC DO: the 24
+    // is telnet's, answered once, and swallows nothing.
+    ASSERT_TRUE(sendRead("Hi" + IAC, IAC)) << ::testing::PrintToString(t.window());
+    ASSERT_TRUE(sendRead("\xFD", IAC + "\xFD")) << ::testing::PrintToString(t.window());
+    t.server.send("\x18there\r\n");
+    ASSERT_TRUE(t.until([&] { return t.server.received[0] == kAnswer && t.shows("there"); }));
+    EXPECT_EQ(t.window(), "Hi" + std::string("\0ANSI\0", 6) + "there\r\n");
+
+    // The password prompt, its IAC WILL cut from its option by a read.
+    ASSERT_TRUE(sendRead("Password:" + IAC + "\xFB", IAC + "\xFB"));
+    t.server.send("\x01");
+    ASSERT_TRUE(t.until([&] { return t.text1->echoMode() == QLineEdit::Password; }));
+    type(t.text1, "hunter2");
+    ASSERT_TRUE(t.until([&] { return t.server.received[0] == kAnswer + "hunter2\r\n"; }));
+
+    // The server echoes again; prompts end in IAC GA; a frame rides along.
+    t.server.send(IAC + "\xFC\x01" + "\r\nhp 20>" + IAC + "\xF9" + "\x18" "1,7,40\x19" "1,8,20\x19\x1A" +
+                  "\r\nhp 19>" + IAC + "\xF9");
+    ASSERT_TRUE(t.until([&] { return t.shows("hp 19>"); }));
+    t.form->syncFromCore();
+    EXPECT_EQ(t.text1->echoMode(), QLineEdit::Normal);
+    EXPECT_EQ(t.window().substr(t.window().find("Password:")), "Password:\r\n\r\nhp 20>\r\nhp 19>");
+    EXPECT_EQ(t.c().parts().status.Info1(8), "20");
+    EXPECT_EQ(t.c().parts().status.ShapeParam(0).width, 300);
+
+    QTest::mouseClick(t.disconnectButton, Qt::LeftButton);
+    // Every chunk reached the log, also those that ended inside a sequence.
+    EXPECT_NE(t.log().find("Hi" + IAC + "\r\n"), std::string::npos) << ::testing::PrintToString(t.log());
+    EXPECT_NE(t.log().find("hp 19>" + IAC + "\xF9"), std::string::npos);
 }
 
 // A trigger's answer is with the kernel when the chunk's handler returns:

@@ -84,14 +84,6 @@ TEST(CommandLine, EnterSendsTheWholeLineInTheCodePageEscapeHidesAndAFailureIsTol
     f.enter("Text1", "ab");  // typing goes on past any length
     EXPECT_EQ(f.fake.socket.sent, "look\r\n\r\nsay caf\xE9 \x80" "5 ?\r\n" + line + "ab\r\n");
 
-    // The server's IAC WILL ECHO hides what is typed, until its WONT ECHO.
-    for (const auto& [will, mode] :
-         {std::pair{"\xFF\xFB\x01", QLineEdit::Password}, std::pair{"\xFF\xFC\x01", QLineEdit::Normal}}) {
-        f.fake.socket.incoming = will;
-        f.form().s_DataArrival();
-        f.form().syncFromCore();
-        EXPECT_EQ(text1->echoMode(), mode);
-    }
     QTest::keyClicks(text1, "north");
     QTest::keyClick(text1, Qt::Key_Escape);
     EXPECT_TRUE(f.fake.host.hidden);
