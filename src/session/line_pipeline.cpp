@@ -44,15 +44,10 @@ void LinePipeline::run(std::string& data) {
     writer_.W_Print(data, kMainWindow);
     log_.print(data);
     triggers_->matchGlobal(data);
-    if (!triggers_->hasLineTriggers()) return;
-    // The lines are fixed before the first action runs. Each nesting level
-    // keeps its copy's memory: a fresh copy of a large chunk would fault in
-    // new pages every time.
-    const auto level = static_cast<std::size_t>(nesting_.current());
-    if (copies_.size() < level) copies_.resize(level);
-    std::string& chunk = copies_[level - 1];
-    chunk.assign(data);
-    triggers_->matchLines(chunk);
+    // The chunk is read in place: it is this call's own text, which no
+    // action can reach (an injected text is another string, and received
+    // chunks wait until this handler is over).
+    if (triggers_->hasLineTriggers()) triggers_->matchLines(data);
 }
 
 }  // namespace kelpa

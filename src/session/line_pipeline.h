@@ -2,7 +2,6 @@
 // the triggers, in that order. The one failure handler of the receive road.
 #pragma once
 
-#include <deque>
 #include <string>
 
 #include "common/depth.h"
@@ -35,7 +34,6 @@ private:
     SessionLog& log_;
     TriggerPasses* triggers_;
     Depth nesting_;
-    std::deque<std::string> copies_;  // the line pass's copy of the chunk, per nesting level
 };
 
 }  // namespace kelpa
