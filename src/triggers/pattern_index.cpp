@@ -437,6 +437,12 @@ void PatternIndex::scan(std::string_view text) {
     if (nodes_.size() > 1) scanShort(text);
 }
 
+// Each window of the scan shifts twice by a count that is known only at run
+// time; with BMI2 each such shift is one instruction instead of three, which
+// is a quarter of the scan's work. The loader picks the copy once.
+#if defined(__x86_64__) && (defined(__GNUC__) || defined(__clang__))
+__attribute__((target_clones("bmi2", "default")))
+#endif
 void PatternIndex::findLong(std::string_view chunk, std::vector<Found>& out) {
     out.clear();
     if (keyLen_ == 0 || chunk.size() < keyLen_) return;
@@ -448,8 +454,9 @@ void PatternIndex::findLong(std::string_view chunk, std::vector<Found>& out) {
     if (!std::is_sorted(out.begin(), out.end(), byEnd)) std::sort(out.begin(), out.end(), byEnd);
 }
 
+// Inlined, so that the copy of findLong built for BMI2 has a scan built for it.
 template <class Report>
-void PatternIndex::scanLong(std::string_view text, Report&& report) {
+[[gnu::always_inline]] inline void PatternIndex::scanLong(std::string_view text, Report&& report) {
     const auto* s = reinterpret_cast<const unsigned char*>(text.data());
     const std::size_t n = text.size(), stride = stride_;
     const std::uint64_t mask = keyMask_;
