@@ -222,24 +222,6 @@ TEST(Macros, FilesInAnyExtensionCaseAndTheOverrideFolder) {
     EXPECT_EQ(h.c.parts().macroEditor.Mlist, (Writes{"Y.macro", "only.macro", "x.Macro"}));
 }
 
-TEST(Macros, DeepCallsRunAndCirclesStopAtTheLimit) {
-    Lines h;
-    for (int i = 1; i < 30; ++i) h.file("m" + std::to_string(i) + ".macro", "@m" + std::to_string(i + 1) + " %1");
-    h.file("m30.macro", "say deep %1");
-    h.file("loop.macro", "@loop\r\nsay never");
-    h.file("ping.macro", "@pong");
-    h.file("pong.macro", "@ping");
-    h.run("@m1 z\r\n@loop\r\n@ping\r\nsay alive");
-    EXPECT_EQ(std::pair(h.count("Running Macro : @loop\r\n"), h.count("Commands nested more than 64 deep")),
-              std::pair(std::size_t{64}, std::size_t{2}));
-    EXPECT_TRUE(h.has("Commands nested more than 64 deep, not run: @loop\r\n"));
-    // Each stopped level goes on with its next line.
-    Writes sent{"say deep z\r\n"};
-    sent.insert(sent.end(), 63, "say never\r\n");
-    sent.push_back("say alive\r\n");
-    EXPECT_EQ(h.writes(), sent);
-}
-
 // Branching calls and huge expansions stop at the budgets of one run; the
 // next command from outside has the whole budgets again.
 TEST(Macros, BranchingCallsAndHugeExpansionsStopAtTheBudgetsOfOneRun) {

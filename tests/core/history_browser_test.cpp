@@ -24,58 +24,6 @@ std::string pattern(std::size_t n) {
     return s;
 }
 
-TEST(HistoryBrowser, ListsTheDaysOfTheCurrentSiteOldestFirst) {
-    Browser t;
-    t.day("H.20261123.txt", "b");
-    t.day("H.20251231.txt", "a");
-    t.day("notes.txt", "-");
-    t.day("H.20261124.log", "-");
-    t.fp.folder.write("logs/other/H.20261122.txt", "-");
-    t.b.brefresh_Click();
-    EXPECT_EQ(t.b.DList, (std::vector<std::string>{"H.20251231.txt", "H.20261123.txt"}));
-    t.c.parts().bar.CurrentSite.ShortName = "none";  // no folder: no days, no message
-    t.b.brefresh_Click();
-    EXPECT_TRUE(t.b.DList.empty());
-}
-
-TEST(HistoryBrowser, LoadsADayInPiecesWithItsPercentage) {
-    const std::vector<std::pair<std::size_t, std::vector<std::string>>> rows = {
-        {1, {"Loading (100%)"}},
-        {32768, {"Loading (100%)"}},
-        {32769, {"Loading (100%)", "Loading (100%)"}},  // 99.997 rounds up
-        {70000, {"Loading (47%)", "Loading (94%)", "Loading (100%)"}},
-        {700000, {"Loading (05%)"}},  // only the first is checked
-    };
-    for (const auto& [size, captions] : rows) {
-        Browser t;
-        t.day("H.20261123.txt", pattern(size));
-        t.c.parts().history.append("before\r\n");
-        t.b.DList_DblClick("H.20261123.txt");
-        EXPECT_EQ(t.panes(), "loading label");
-        for (std::size_t i = 0; i < captions.size(); ++i) {
-            t.b.step();
-            EXPECT_EQ(t.b.Label8Caption, captions[i]) << size << " piece " << i;
-            EXPECT_EQ(t.c.parts().history.HistoryPos, t.c.parts().history.size());
-        }
-        t.b.finish();
-        EXPECT_TRUE(t.history() == "before\r\n" + pattern(size)) << size;
-        EXPECT_EQ(t.panes(), "view");
-    }
-}
-
-TEST(HistoryBrowser, ReadsOnlyWhatTheDayHeldAndLetsTextInBetween) {
-    Browser t;
-    const std::string first = pattern(40000);
-    t.day("H.20261123.txt", first);
-    t.b.DList_DblClick("H.20261123.txt");
-    t.b.step();
-    // The log grows and the server speaks while the load goes on.
-    t.fp.folder.write("logs/mud/H.20261123.txt", first + "grown later");
-    t.receive("chunk\r\n");
-    t.b.finish();
-    EXPECT_TRUE(t.history() == first.substr(0, 32768) + "chunk\r\n" + first.substr(32768));
-}
-
 TEST(HistoryBrowser, EndsInOrderWhenThereIsNothingToRead) {
     Browser t;
     t.day("H.20261120.txt", "");

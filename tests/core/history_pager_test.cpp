@@ -75,16 +75,6 @@ TEST(HistoryPager, KeysThatDoNothingLeaveThePageAsItWas) {
     EXPECT_EQ(shownPage(h), "l15 prompt> ");
 }
 
-TEST(HistoryPager, NextPageGoesOnInTheColourThePageBeforeEnded) {
-    ClientHarness h;
-    h.c.parts().history.append(linesText(27) + "\x1b[0;31mred\r\n" + linesText(30));  // line 28 turns red
-    press(h.c, 'H');
-    press(h.c, 'D');  // begins with line 28, in red already
-    ASSERT_EQ(shownPage(h).substr(0, 4), "red ");
-    press(h.c, 'D');  // begins with "l27" of the second block: no colour of its own
-    EXPECT_EQ(styleAt(h.c.parts().windows.text[kHistT], 0).colour, rgb(128, 0, 0) + rgb(64, 64, 64));
-}
-
 // The plain reading of the two searches, over the whole text at once.
 std::size_t plainBack(const std::string& s, std::size_t p) {
     const std::size_t at = p < 3 ? s.npos : s.substr(0, p - 1).rfind("\r\n");

@@ -40,13 +40,6 @@ TEST(Numbers, WholeNumbersRoundHalfToEvenAndStayInside32Bits) {
               std::tuple(INT32_MAX, INT32_MIN, 23));
 }
 
-TEST(Numbers, PrintShortestWithAtMost15Digits) {
-    const std::vector<std::pair<double, std::string>> rows = {
-        {0.5, "0.5"}, {-0.0, "0"}, {1e-5, "1E-05"}, {1e15, "1E+15"}, {123456789012345, "123456789012345"}, {3, "3"},
-    };
-    for (const auto& [value, text] : rows) EXPECT_EQ(numberText(value), text) << value;
-}
-
 // Qt sets the C library's locale from the environment; a German system
 // writes 1,5. Numbers in files and commands must not care.
 TEST(Numbers, TriggerNumbersValAndNumberTextKeepThePointInAGermanLocale) {

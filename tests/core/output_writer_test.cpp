@@ -22,7 +22,6 @@ namespace {
 
 const std::string ESC = "\x1B";
 const std::string IAC = bytes({255});
-const std::string kAnswer = bytes({255, 250, 24, 0}) + "ANSI" + bytes({0, 255, 240});
 
 std::string csi(const std::string& body) { return ESC + "[" + body; }
 
@@ -51,21 +50,6 @@ auto stateOf(const WindowState& x) {
 }
 
 }  // namespace
-
-// Window 0 at its limit is held by the plain copy below.
-TEST(OutputWriter, LimitCutKeepsTheFirstCharacterAndFourFifths) {
-    for (const auto& [win, limit] : std::vector<std::pair<int, std::size_t>>{{1, 5000}, {7, 10000}, {6, 0}}) {
-        Writer h;
-        const std::size_t size = limit == 0 ? 150000 : limit;  // window 6 is never cut
-        std::string text = "F";
-        for (std::size_t i = 1; i <= size; ++i) text += static_cast<char>('a' + i % 26);
-        h.print(text.substr(0, size), win);
-        EXPECT_EQ(h.window(win).size(), size) << "at the limit: no cut";
-        h.print(text.substr(size), win);
-        EXPECT_EQ(h.window(win), limit == 0 ? text : "F" + text.substr(text.size() - (limit * 4 / 5 - 1)))
-            << "window " << win;
-    }
-}
 
 // WILL ECHO changes nothing; WONT ECHO turns Ink on for the window being
 // written.
@@ -310,25 +294,6 @@ TEST(OutputWriter, FragmentsAndNegotiationAreSwallowedOrWaitWhenCutShort) {
                       row.display + "|" + row.debug + "|" + row.pending) << "cut at " << cut;
         }
     }
-}
-
-// The answer is logged, kept and echoed like any sent text; the echo's own
-// IAC SB 24 and IAC SE vanish, and NUL "ANSI" NUL stay as text. Asked
-// twice, answered twice, also by a replay in the history view.
-TEST(Telnet, DoTerminalTypeAnswersElevenBytesThroughTheSender) {
-    const std::string doTtype = bytes({255, 253, 24}), echo = bytes({0}) + "ANSI" + bytes({0});
-    Writer h;
-    h.print("a" + doTtype + "b");
-    EXPECT_EQ(h.history() + "|" + h.debugText(),
-              kAnswer + "|IAC  DO  terminal type \r\nIAC  SB  terminal type  \r\nIAC  EON \r\n");
-    h.print(doTtype);
-    h.print("old" + doTtype, kHistT);
-    EXPECT_EQ(h.fp.socket.writes, (std::vector<std::string>{kAnswer, kAnswer, kAnswer}));
-    EXPECT_EQ(h.window(kHistT) + "|" + h.window(kMainWindow), "old|a" + echo + "b" + echo + echo);
-
-    Writer off(/*connected=*/false);
-    off.print("a" + doTtype + "b");
-    EXPECT_EQ(off.window(kMainWindow) + "|" + off.history() + off.fp.socket.sent, "ab|");
 }
 
 // After `before`, `seq` leaves the text behind it in `shown`, with the flags

@@ -18,11 +18,6 @@ using kelpa::test::ClientHarness;
 
 namespace {
 
-class SwallowEverything : public FrameExtractor {
-public:
-    void S_ExtractFrames(std::string& data) override { data.clear(); }
-};
-
 SiteRecord site(std::string name, std::string init) {
     return SiteRecord{name, name, name + ".example", "", 4000, 4001, std::move(init), ""};
 }
@@ -70,20 +65,6 @@ TEST(ReceiveRoad, GraphicsOffTurnsBoxBytesIntoAsciiForGood) {
         const std::string shown = graphics ? "x" + box : "x-|*" + bytes({0xDD, 0xB1}) + "*";
         EXPECT_EQ(h.history() + "|" + h.window(kMainWindow), shown + "|" + shown);
     }
-}
-
-TEST(ReceiveRoad, NothingIsReadOrShownWhenNotConnectedOrEmpty) {
-    ClientHarness h(/*connected=*/false);
-    h.openLog();
-    h.receive("late");
-    EXPECT_EQ(h.fp.socket.incoming + "|" + h.window(kMainWindow), "late|") << "the bytes stay unread";
-
-    h.fp.socket.connected = true;
-    h.receive("");
-    SwallowEverything frames;
-    h.c.parts().session.setFrameExtractor(&frames);
-    h.receive("\x18" "frame\x19\x1A");
-    EXPECT_EQ(h.history() + h.window(kMainWindow) + h.logFile(), "");
 }
 
 TEST(ServerSession, ConnectCloseAndErrorSetTheButtonsAndTheLog) {

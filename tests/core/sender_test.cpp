@@ -32,52 +32,6 @@ struct SendHarness : ClientHarness {
 
 }  // namespace
 
-TEST(CommandRoad, TypedLinesGiveTheseWrites) {
-    const std::vector<std::pair<std::string, Writes>> rows = {
-        {"", {"\r\n"}},          {"   ", {}},                 {"@", {"@\r\n"}},
-        {"  north  ", {"north\r\n"}}, {"say a  b", {"say a  b\r\n"}}, {"\tx", {"\tx\r\n"}},
-        {"a\r\n\r\n", {"a\r\n", "\r\n"}},            {"a\r\n   \r\nb", {"a\r\n", "\r\n", "b\r\n"}},
-        {"a  \r\n  b  ", {"a\r\n", "b\r\n"}},          {"n;;e", {"n\r\ne\r\n"}},
-        {"100% %nothing", {"100% %nothing\r\n"}}, {"x\\.y", {"xy\r\n"}}, {"a\rb\nc", {"a\rb\nc\r\n"}},
-    };
-    for (const auto& [typed, writes] : rows) {
-        ClientHarness h;
-        h.c.Text1_Enter(typed);
-        EXPECT_EQ(h.fp.socket.writes, writes) << "typed: " << typed;
-    }
-}
-
-TEST(CommandRoad, FirstCharacterBeforeExpansionChoosesTheRoadLineByLine) {
-    SendHarness h;
-    h.c.parts().commands.S_RunCommands("#\r\n@m one two\r\nsay @m\r\n#queue x;;\r\n @\r\nend");
-    EXPECT_EQ(h.events, (Writes{"key #", "macro @m one two", "send say @m\r\n", "key #queue x;;", "send @\r\n",
-                                "send end\r\n"}));
-    EXPECT_EQ(h.debugText(), "Running Macro : @m one two\r\n");
-
-    h.events.clear();
-    h.c.parts().commands.setExpander([](const std::string& s) { return s == "%M" ? "@mac" : s; });
-    h.c.Text1_Enter("%M");
-    EXPECT_EQ(h.events, Writes{"send @mac\r\n"});
-
-    // Disconnected, plain lines vanish while the other roads run.
-    SendHarness off(/*connected=*/false);
-    off.c.Text1_Enter("north\r\n#nop\r\n@go");
-    EXPECT_EQ(off.events, (Writes{"key #nop", "macro @go"}));
-    EXPECT_EQ(off.window(kMainWindow) + off.history(), "");
-}
-
-TEST(Sender, MarkersAreRewrittenBeforeTheOneWrite) {
-    const std::vector<std::pair<std::string, std::string>> rows = {
-        {";;", "\r\n"}, {"\\.;;", "\r\n"}, {"a\\.b\\.c", "abc"}, {";\\.;", ";;"}, {";;;", "\r\n;"}, {"\\\\..", "\\."},
-    };
-    for (const auto& [in, wire] : rows) {
-        SendHarness h;
-        const std::string seen = h.send(in);  // the caller sees the rewritten text
-        EXPECT_EQ(std::tuple(seen, h.fp.socket.writes, h.logFile(), h.history()),
-                  std::tuple(wire, Writes{wire}, wire + "\r\n", wire)) << in;
-    }
-}
-
 TEST(Sender, LogEchoAndHistoryComeBeforeTheWriteInTheServersColour) {
     SendHarness h;
     h.c.parts().writer.W_Print("\x1B[0;32mgreen ", kMainWindow);
@@ -91,21 +45,6 @@ TEST(Sender, LogEchoAndHistoryComeBeforeTheWriteInTheServersColour) {
     h.send("a\x1BMb;;");
     EXPECT_EQ(h.window(kMainWindow) + "|" + h.history() + "|" + h.fp.socket.writes.back(),
               "green look\r\na|look\r\na\x1BMb\r\n|a\x1BMb\r\n");
-}
-
-// Disconnected, a text is not even rewritten, and a queue entry or a no-spam
-// text is consumed or recorded all the same.
-TEST(Sender, DisconnectedTextLeavesNoTrace) {
-    SendHarness h(/*connected=*/false);
-    EXPECT_EQ(h.send("north;;"), "north;;");
-    EXPECT_EQ(h.logFile() + h.window(kMainWindow) + h.history(), "");
-    h.queue("lost");
-    h.c.Queue_Timer();
-    h.noSpam("x");
-    h.fp.socket.connected = true;
-    h.noSpam("x");
-    h.c.Queue_Timer();
-    EXPECT_TRUE(h.fp.socket.writes.empty());
 }
 
 TEST(Sender, QueueTickPicksAnIntervalAndSendsOneEntryInOrderUpToTwenty) {
@@ -144,30 +83,6 @@ TEST(Sender, NoSpamRefusesRepeatsUntilTheNextTick) {
     h.c.Queue_Timer();  // an empty tick clears the memory too
     h.noSpam("kill rat;;");
     EXPECT_EQ(h.fp.socket.writes.size(), 4u);
-}
-
-// After the server's IAC WILL ECHO a typed line (or a queued one) reaches the
-// server, but only its line end is echoed, logged and kept, until IAC WONT
-// ECHO or a new connection.
-TEST(Sender, PasswordAfterWillEchoIsSentButNotShownLoggedOrKept) {
-    SendHarness h;
-    h.receive("Password: \xFF\xFB\x01");
-    h.c.Text1_Enter("hunter2");
-    h.queue("queued2;;");
-    h.c.Queue_Timer();
-    EXPECT_EQ(h.fp.socket.writes, (Writes{"hunter2\r\n", "queued2\r\n"}));
-    EXPECT_EQ(h.logFile() + "|" + h.history() + "|" + h.window(kMainWindow),
-              "Password: \xFF\xFB\x01\r\n\r\n\r\n\r\n\r\n|Password: \xFF\xFB\x01\r\n\r\n|Password: \r\n\r\n");
-
-    h.receive("\xFF\xFC\x01ok");
-    h.c.Text1_Enter("look");
-    EXPECT_EQ(h.window(kMainWindow), "Password: \r\n\r\noklook\r\n");
-
-    // A new connection forgets a WILL ECHO that was never taken back.
-    h.receive("\xFF\xFB\x01");
-    h.c.parts().session.s_Connect();
-    h.c.Text1_Enter("north");
-    EXPECT_NE(h.history().find("north"), std::string::npos);
 }
 
 // A write the socket refuses is told on the debug window; the text is still

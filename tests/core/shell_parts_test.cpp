@@ -56,22 +56,6 @@ TEST(SystemInfo, TheFirstKnownProgramOnThePathStartsOrTheMessageIsShown) {
     EXPECT_EQ(started, (std::vector<std::string>{"/usr/bin/hardinfo", "/usr/bin/hardinfo"}));
 }
 
-// Form_Resize: a tiny window skips rules that would give negative sizes and
-// restores cleanly. The places themselves are held by the widget test of a
-// resize, which compares moves, not copied numbers.
-TEST(FormLayout, ATinyWindowSkipsTheRulesThatWouldGoNegativeAndRestores) {
-    FormLayout f;
-    f.Form_Resize(12150, 8130);
-    const auto normal = f.all();
-    f.Form_Resize(100, 100);
-    for (const auto& [name, r] : f.all()) EXPECT_TRUE(r.width >= 0 && r.height >= 0) << name;
-    EXPECT_EQ(f["PlayGround"].width, normal.at("PlayGround").width) << "the failing rule is skipped";
-    EXPECT_LT(f["InfoTabs"].top, 0) << "later rules still run";
-    f.Form_Resize(0, 0);
-    f.Form_Resize(12150, 8130);
-    EXPECT_EQ(f.all(), normal);
-}
-
 // The gate keeps one handler at a time: events that come while a handler
 // is busy wait and run in order once it is over.
 TEST(EventGate, EventsDuringAHandlerWaitAndRunInOrderOnceItIsOver) {
@@ -114,14 +98,4 @@ TEST(EventGate, EventsDuringAHandlerWaitAndRunInOrderOnceItIsOver) {
     });
     EXPECT_EQ(seen, (std::vector<std::string>{"data opens a box", "box closes", "close", "queue tick", "data again"}));
     EXPECT_FALSE(next.busy());
-}
-
-// A change after a quiet frame is shown at once; changes within a frame of
-// the last repaint wait for the rest of that frame, never longer.
-TEST(FramePacer, RepaintsAtOnceAfterAQuietFrameAndAtMostOncePerFrame) {
-    FramePacer pacer(17);
-    EXPECT_EQ(pacer.delayMs(5), 0) << "never painted";
-    pacer.synced(100);
-    const std::pair<long long, long long> rows[] = {{100, 17}, {105, 12}, {116, 1}, {117, 0}, {500, 0}, {90, 17}};
-    for (const auto& [now, delay] : rows) EXPECT_EQ(pacer.delayMs(now), delay) << now;
 }

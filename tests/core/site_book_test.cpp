@@ -91,34 +91,3 @@ TEST(SiteBook, DamagedPortsAndCutBlocksLoseNoOtherSite) {
     EXPECT_EQ(sites[2], rec("b", "z"));
     EXPECT_EQ(warnings.size(), 3u) << "two ports and one cut block";
 }
-
-TEST(ConnectionBar, SelectionFillsTheBoxesAndCurrentSite) {
-    test::FakePlatform fp;
-    fp.folder.write(kSiteBookFile, formatSites({rec("a", "d", 4000), rec("b", "d", 5000)}));
-    Client c(fp.platform);
-    c.Form_Load();
-    EXPECT_EQ(c.parts().bar.items, (std::vector<std::string>{"a", "b"}));
-    EXPECT_EQ(c.parts().bar.CurrentSite, rec("a", "d", 4000));
-
-    fp.socket.connected = true;
-    c.parts().session.s_Connect();
-    c.parts().bar.CB_Connections_Click(1);
-    EXPECT_EQ(c.parts().bar.CurrentSite.ShortName, "sb");
-    EXPECT_TRUE(fp.socket.connected) << "picking a site leaves the connection alone";
-    EXPECT_EQ(c.parts().log.currentPath(), "logs/sa/H.20261123.txt") << "nor the open log";
-
-    // Typed values are overwritten by picking the same site again.
-    c.parts().bar.Site = "typed.host";
-    c.parts().bar.PPort = "9999";
-    c.parts().bar.CB_Connections_Click(1);
-    EXPECT_EQ(c.parts().bar.Site + ":" + c.parts().bar.PPort, "b.org:5000");
-}
-
-TEST(ConnectionBar, AMissingBookIsCreatedEmptyAndTheDefaultServerIsUsed) {
-    ClientHarness h(/*connected=*/false);
-    EXPECT_TRUE(h.fp.files.exists(kSiteBookFile));
-    EXPECT_TRUE(h.c.parts().bar.items.empty());
-    EXPECT_EQ(h.c.parts().bar.selected(), nullptr);
-    h.c.parts().session.CMD_CONNECT_Click();
-    EXPECT_EQ(h.fp.socket.connects, std::vector<std::string>{"localhost:23"});
-}

@@ -31,25 +31,6 @@ struct Manager {
 
 }  // namespace
 
-TEST(SiteManager, PortBoxesReadTheNumberAtTheirHeadAndRefuseWhatLeaves32Bits) {
-    const std::vector<std::pair<std::string, std::optional<std::int32_t>>> rows = {
-        {"23", 23},          {"  23", 23},         {"23abc", 23},          {"abc", 0},
-        {"", 0},             {"2.5", 2},           {"3.5", 4},             {"-7", -7},
-        {"1e3", 1000},       {"2147483647", 2147483647},                   {"2147483648", std::nullopt},
-        {"-2147483648", INT32_MIN},                {"-2147483649", std::nullopt},
-        {"2147483647.4", 2147483647},              {"99999999999999999999", std::nullopt},
-    };
-    Manager s;
-    for (const auto& [text, port] : rows) EXPECT_EQ(s.m.portOf(text), port) << text;
-
-    // A port beyond the range stores nothing and says which box.
-    s.m.boxes = {"New", "n", "h", "", "23", "4294967296", "", ""};
-    const std::string why = s.m.CMD_SiteAdd_Click();
-    EXPECT_NE(why.find("Alternate Port \"4294967296\""), std::string::npos) << why;
-    EXPECT_TRUE(s.m.Sites.empty());
-    EXPECT_EQ(s.m.boxes.Aport, "4294967296");
-}
-
 TEST(SiteManager, AddOrModifyIsDecidedByTheExactName) {
     Manager s;
     // An empty book gets its first entry; the init string loses its outer blanks only.
@@ -74,15 +55,6 @@ TEST(SiteManager, AddOrModifyIsDecidedByTheExactName) {
     EXPECT_EQ(s.book(), "") << "nothing reaches the file before Save";
 }
 
-TEST(SiteManager, ClickShowsTheFirstEntryOfThatNameWithItsMarks) {
-    Manager s({site("A"), site("B"), site("A", 7000)});
-    s.m.SitesList_Click(2);
-    EXPECT_EQ(s.m.listIndex, 2);
-    EXPECT_EQ(s.m.boxes, (SiteBoxes{"A", "sA", "A.org", "alt.A", "4000", "4001", "#10#", "about A"}));
-    s.m.SitesList_Click(1);
-    EXPECT_EQ(s.m.boxes.DNSIP, "B.org");
-}
-
 TEST(SiteManager, DeleteKeepsTheLastSiteAndSelectsTheEntryInTheDeletedPlace) {
     // Sites in the book, the one selected, then the entries left, the
     // selection and the name in the boxes.
@@ -105,19 +77,4 @@ TEST(SiteManager, DeleteKeepsTheLastSiteAndSelectsTheEntryInTheDeletedPlace) {
             << sites << " sites, " << selected << " selected";
         EXPECT_EQ(s.book(), formatSites(book)) << "Delete does not touch the file";
     }
-}
-
-TEST(SiteManager, SaveWritesTheSameBytesTwiceAndAnEmptyBookAsAnEmptyFile) {
-    Manager s({site("A"), site("B")});
-    s.m.boxes = {"C", "c", "c.org", "", "23", "", "", ""};
-    s.m.CMD_SiteAdd_Click();
-    EXPECT_EQ(s.m.OKButton_Click(), "");
-    const std::string first = s.book();
-    EXPECT_EQ(s.m.OKButton_Click(), "");
-    EXPECT_EQ(s.book(), first);
-
-    Manager empty;
-    empty.files.files[kSiteBookFile] = "junk\r\n";
-    EXPECT_EQ(empty.m.OKButton_Click(), "");
-    EXPECT_EQ(empty.book(), "");
 }

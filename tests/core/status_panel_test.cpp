@@ -118,28 +118,6 @@ TEST(StatusPanel, ChangedCellsFlashUntilTheNextTick) {
     EXPECT_FALSE(p.m.takeChanges().any()) << "a grey cell is not painted grey again";
 }
 
-TEST(StatusPanel, AlignmentWordAndColourAreIndependent) {
-    EXPECT_EQ(Panel().m.XInfo2Colour(), rgb(0, 255, 0));
-    Panel p({{28, "2"}, {29, "1"}});
-    EXPECT_EQ(p.m.XInfo(2), "Evil");
-    EXPECT_EQ(p.m.XInfo2Colour(), rgb(255, 255, 0));
-    p.m.setInfo1(29, "9");
-    EXPECT_EQ(p.m.XInfo2Colour(), rgb(255, 0, 0));
-}
-
-// The quick reading of plain digits gives what Val gives, on any text.
-TEST(StatusPanel, QuickNumbersAgreeWithVal) {
-    std::mt19937 rng(3);
-    const std::string alphabet = "0123456789-,. eE&Hh\t\n+d";
-    for (int i = 0; i < 20000; ++i) {
-        std::string s;
-        const std::size_t len = rng() % 12;
-        for (std::size_t k = 0; k < len; ++k) s += rng() % 3 ? alphabet[rng() % 10] : alphabet[rng() % alphabet.size()];
-        const double quick = statusNumber(s), plain = std::nearbyint(Val(s));
-        EXPECT_TRUE(quick == plain || (std::isnan(quick) && std::isnan(plain))) << s;
-    }
-}
-
 // A caption that differs in one bit of one byte is a change, set directly or
 // by a frame's item read where it lies, in any order of the two; the same
 // caption is none.

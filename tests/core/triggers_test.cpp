@@ -129,21 +129,6 @@ TEST(TriggerMatch, GlobalTriggersSeeTheChunkAndDollarStarBringsTheText) {
     EXPECT_EQ(t.sent(), "tell  on\r\ntell  two\r\n");
 }
 
-TEST(TriggerMatch, AFailureEndsTheChunkAndTheTablesStayUsable) {
-    TriggerFixture t;
-    t.openLog();
-    t.trigger("a.trigger", "flag1=99\r\nflag2=1\r\npattern1=x\r\naction=never");
-    t.trigger("b.trigger", "pattern1=y\r\naction=why");
-    t.c.LoadTriggers();
-    t.receive("y\r\nx\r\ny");  // a tests its flags on every line, patterns or not
-    EXPECT_EQ(t.sent(), "");
-    EXPECT_NE(t.logFile().find("y\r\nx\r\ny\r\n\r\nERROR : 340/Control array element '99' doesn't exist on line T_Match"),
-              std::string::npos);
-    for (int flag : {1, 2}) t.c.parts().flags.set(flag, true);  // group 1 holds, but all its entries are read
-    t.receive("y");
-    EXPECT_EQ(t.sent(), "");
-}
-
 TEST(TriggerMatch, InjectedTextNestsAndTheDepthGuardEndsRunawayLoops) {
     TriggerFixture t;
     t.openLog();

@@ -41,34 +41,6 @@ TEST(StartUp, TabsOpenOnTheirFirstPageAndTheCheckBoxesOfThePageSystemSwitchTheCo
     EXPECT_TRUE(!c.windows.Graphics && !c.pipeline.CleanerText && c.debug.enabled);
 }
 
-TEST(MainFormLayout, WidthWidensTheWorkAreaHeightMovesTheCommandLineAndATinyWindowRestores) {
-    FormFixture f;
-    f.form().resize(802, 520);
-    std::map<QWidget*, QRect> before;
-    for (QWidget* w : f.form().findChildren<QWidget*>()) before[w] = w->geometry();
-    const auto was = [&](const char* name) { return before[f.control(name)]; };
-
-    f.form().resize(802 + 137, 520 + 60);
-    for (const char* name : {"t", "HistT", "DBGWindow", "Mwindow(0)", "Mwindow(3)", "Text1", "SSTab1", "SSTab2",
-                             "ToolsTabs", "HistView", "PlayGround"})
-        EXPECT_EQ(f.control(name)->width(), was(name).width() + 137) << name;
-    // The buttons stay at the end of the command line, which moves down with
-    // the status tabs; the left column stays put.
-    for (const char* name : {"BTN_BULK", "BTN_Flags"})
-        EXPECT_EQ(f.control(name)->geometry(), was(name).translated(137, 60)) << name;
-    EXPECT_EQ(f.control("BTN_BULK")->y(), f.control("Text1")->y() + qt::px(50));
-    EXPECT_EQ(f.control("InfoTabs")->geometry(), was("InfoTabs").translated(0, 60));
-    for (const char* name : {"CB_Connections", "Site", "SPort", "CMD_DISCONNECT", "Frame3"})
-        EXPECT_EQ(f.control(name)->geometry(), was(name)) << name;
-    EXPECT_EQ(f.control("t")->height(), was("t").height() + 60);
-
-    f.form().resize(12, 9);
-    EXPECT_GE(f.control("t")->width(), 0);
-    f.form().resize(802, 520);
-    for (QWidget* w : f.form().findChildren<QWidget*>())
-        EXPECT_EQ(w->geometry(), before[w]) << w->objectName().toStdString();
-}
-
 TEST(CommandLine, EnterSendsTheWholeLineInTheCodePageEscapeHidesAndAFailureIsToldOnTheDebugChannel) {
     FormFixture f;
     f.fake.socket.connected = true;

@@ -66,26 +66,6 @@ TEST(OutputLayout, BytesBecomeTheCharactersTheUserSeesInTheColoursOfTheirRuns) {
         << "plain text takes the view's colour";
 }
 
-TEST(OutputView, LongLinesWrapAtTheViewsWidthAndNewTextBringsTheViewToTheEnd) {
-    FormFixture f;
-    qt::OutputView* t = f.form().outputWindow(kMainWindow);
-    const int cols = t->columns();
-    ASSERT_GT(cols, 10);
-    print(f, std::string(static_cast<std::size_t>(cols * 2 + 1), 'x') + "\r\nshort");
-    EXPECT_EQ(std::pair(t->lineCount(), t->rowCount()), std::pair(2, 4));
-    f.form().resize(f.form().width() + 200, f.form().height());
-    EXPECT_GT(t->columns(), cols);
-    EXPECT_EQ(t->rowCount(), 3);
-
-    print(f, numberedLines(0, 99));
-    QScrollBar* bar = t->verticalScrollBar();
-    ASSERT_GT(bar->maximum(), 0);
-    EXPECT_EQ(bar->value(), bar->maximum());
-    bar->setValue(0);
-    print(f, "more\r\n");
-    EXPECT_EQ(bar->value(), bar->maximum());
-}
-
 TEST(OutputView, TextLaidOutPieceByPieceDrawsAsALayoutFromScratch) {
     // Pieces of every kind of byte and style, cuts at a limit, a restyle and
     // a resize; whenever the view looks, it must draw what a new view of the

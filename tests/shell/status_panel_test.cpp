@@ -29,25 +29,6 @@ struct PanelFixture : FormFixture {
     static QByteArray cellName(int n) { return QStringLiteral("Info1(%1)").arg(n).toLatin1(); }
 };
 
-TEST(StatusPanelView, FrameFillsCellsBarsAndWordsAndTheTickGreysThem) {
-    PanelFixture f;
-    f.tick();
-    EXPECT_EQ(f.ground(8), QColor(128, 128, 128));
-    f.receive("You hit." + F24 + "1,7,300" + I25 + "1,8,150" + I25 + "2,2,Kelpie" + I25 + "1,53,9" + I25 + F26 +
-              "\r\n");
-    EXPECT_EQ(QStringList({f.text("Info1(8)"), f.text("Info1(7)"), f.text("Info2(2)"), f.text("XInfo(4)")}),
-              QStringList({"150", "300", "Kelpie", "Fighting"}));
-    EXPECT_EQ(f.ground(8), QColor(192, 192, 192));
-    EXPECT_EQ(f.bar(0)->width(), qt::px(300));
-    EXPECT_EQ(f.bar(5)->width(), qt::px(1815)) << "bar 5 starts full";
-    f.tick();
-    EXPECT_EQ(f.ground(8), QColor(128, 128, 128));
-
-    // A current value far above its maximum: the bar is held at its frame.
-    f.receive(F24 + "1,7,1" + I25 + "1,8,1e300" + I25 + F26);
-    EXPECT_EQ(f.bar(0)->width(), f.bar(0)->parentWidget()->width());
-}
-
 TEST(StatusPanelView, BarsMergeWithTheirCellsByOr) {
     PanelFixture f;
     f.receive(F24 + "1,7,100" + I25 + "1,8,100" + I25 + F26);  // full, blue
