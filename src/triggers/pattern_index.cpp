@@ -437,13 +437,7 @@ void PatternIndex::scan(std::string_view text) {
     if (nodes_.size() > 1) scanShort(text);
 }
 
-// Each window of the scan shifts twice by a count that is known only at run
-// time; with BMI2 each such shift is one instruction instead of three, which
-// is a quarter of the scan's work. The loader picks the copy once.
-#if defined(__x86_64__) && (defined(__GNUC__) || defined(__clang__))
-__attribute__((target_clones("bmi2", "default")))
-#endif
-void PatternIndex::findLong(std::string_view chunk, std::vector<Found>& out) {
+void PatternIndex::findLongBody(std::string_view chunk, std::vector<Found>& out) {
     out.clear();
     if (keyLen_ == 0 || chunk.size() < keyLen_) return;
     scanLong(chunk, [&out](std::int32_t id, std::size_t start, std::size_t end) {
@@ -454,9 +448,9 @@ void PatternIndex::findLong(std::string_view chunk, std::vector<Found>& out) {
     if (!std::is_sorted(out.begin(), out.end(), byEnd)) std::sort(out.begin(), out.end(), byEnd);
 }
 
-// Inlined, so that the copy of findLong built for BMI2 has a scan built for it.
+// Inlined (see the class), so that the BMI2 copy of findLong has a scan built for BMI2.
 template <class Report>
-[[gnu::always_inline]] inline void PatternIndex::scanLong(std::string_view text, Report&& report) {
+void PatternIndex::scanLong(std::string_view text, Report&& report) {
     const auto* s = reinterpret_cast<const unsigned char*>(text.data());
     const std::size_t n = text.size(), stride = stride_;
     const std::uint64_t mask = keyMask_;
@@ -529,6 +523,25 @@ void PatternIndex::verify(const unsigned char* text, std::size_t size, std::size
         if (place.last) return;
     }
 }
+
+// Each window of the scan shifts twice by a count known only at run time;
+// with BMI2 each such shift is one instruction instead of three. The body
+// is inlined into two functions, one built for BMI2, and the processor's
+// answer is asked once.
+#if defined(__x86_64__) && (defined(__GNUC__) || defined(__clang__))
+void PatternIndex::findLong(std::string_view chunk, std::vector<Found>& out) {
+    static const bool bmi2 = __builtin_cpu_supports("bmi2");
+    if (bmi2) findLongBmi2(chunk, out);
+    else findLongBody(chunk, out);
+}
+
+__attribute__((target("bmi2"))) void PatternIndex::findLongBmi2(std::string_view chunk, std::vector<Found>& out) {
+    findLongBody(chunk, out);
+}
+#else
+void PatternIndex::findLong(std::string_view chunk, std::vector<Found>& out) { findLongBody(chunk, out); }
+void PatternIndex::findLongBmi2(std::string_view chunk, std::vector<Found>& out) { findLongBody(chunk, out); }
+#endif
 
 void PatternIndex::scanShort(std::string_view text) {
     const std::int32_t* dense = dense_.data();

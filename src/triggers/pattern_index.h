@@ -117,7 +117,11 @@ private:
     void scanShort(std::string_view text);
     // Calls report(text id, start, end) for every place a long text occurs.
     template <class Report>
-    void scanLong(std::string_view text, Report&& report);
+    [[gnu::always_inline]] inline void scanLong(std::string_view text, Report&& report);
+    // findLong's work, built once for any x86-64 processor and once more
+    // for one with BMI2; findLong picks.
+    [[gnu::always_inline]] inline void findLongBody(std::string_view chunk, std::vector<Found>& out);
+    void findLongBmi2(std::string_view chunk, std::vector<Found>& out);
     template <class Report>
     void verify(const unsigned char* text, std::size_t size, std::size_t at, std::uint64_t key, std::uint64_t hash,
                 Report& report);
