@@ -529,19 +529,20 @@ void PatternIndex::verify(const unsigned char* text, std::size_t size, std::size
 // is inlined into two functions, one built for BMI2, and the processor's
 // answer is asked once.
 #if defined(__x86_64__) && (defined(__GNUC__) || defined(__clang__))
-void PatternIndex::findLong(std::string_view chunk, std::vector<Found>& out) {
-    static const bool bmi2 = __builtin_cpu_supports("bmi2");
-    if (bmi2) findLongBmi2(chunk, out);
-    else findLongBody(chunk, out);
-}
-
-__attribute__((target("bmi2"))) void PatternIndex::findLongBmi2(std::string_view chunk, std::vector<Found>& out) {
+#define KELPA_SCAN_DISPATCH 1
+__attribute__((target("bmi2")))
+#endif
+void PatternIndex::findLongBmi2(std::string_view chunk, std::vector<Found>& out) {
     findLongBody(chunk, out);
 }
-#else
-void PatternIndex::findLong(std::string_view chunk, std::vector<Found>& out) { findLongBody(chunk, out); }
-void PatternIndex::findLongBmi2(std::string_view chunk, std::vector<Found>& out) { findLongBody(chunk, out); }
+
+void PatternIndex::findLong(std::string_view chunk, std::vector<Found>& out) {
+#ifdef KELPA_SCAN_DISPATCH
+    static const bool bmi2 = __builtin_cpu_supports("bmi2");
+    if (bmi2) return findLongBmi2(chunk, out);
 #endif
+    findLongBody(chunk, out);
+}
 
 void PatternIndex::scanShort(std::string_view text) {
     const std::int32_t* dense = dense_.data();
