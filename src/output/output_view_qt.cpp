@@ -124,11 +124,6 @@ QString OutputView::lineText(int line) {
     return lines_[static_cast<std::size_t>(line)].text;
 }
 
-int OutputView::rowCount() {
-    ensureLaidOut();
-    return static_cast<int>(rows_.size());
-}
-
 int OutputView::columns() const { return qMax(1, viewport()->width() / charWidth_); }
 
 int OutputView::visibleRows() const { return qMax(1, viewport()->height() / lineHeight_); }

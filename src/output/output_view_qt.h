@@ -32,8 +32,7 @@ public:
     int lineCount();
     QString lineText(int line);
     QString selectedText() const;
-    // Screen rows after wrapping at the view's width, and the width in cells.
-    int rowCount();
+    // The width in cells.
     int columns() const;
 
 protected:

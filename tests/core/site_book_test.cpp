@@ -1,14 +1,10 @@
-// CONN.ZIG: the writer's block layout, reading it back, the reader's edge
-// cases, and the connection bar that selects a site.
+// CONN.ZIG: the writer's block layout, reading it back, and damaged blocks.
 #include <gtest/gtest.h>
 
 #include "common/text.h"
-#include "sites/connection_bar.h"
 #include "sites/site_book.h"
-#include "support/client_harness.h"
 
 using namespace kelpa;
-using kelpa::test::ClientHarness;
 
 namespace {
 
@@ -50,33 +46,6 @@ TEST(SiteBook, WriterProducesTheBlockLayoutAndRecordsComeBack) {
         for (const char* end : {"\r\n", "\n", "\r"})
             EXPECT_EQ(parse(replaceAll(crlf, "\r\n", end)), expected) << desc;
     }
-}
-
-TEST(SiteBook, ReaderEdgeCases) {
-    for (const std::string text : {"", "hello\r\nworld\r\n", "site=x\r\nSSNA=y\r\n"}) {
-        std::vector<SiteRecord> sites = {rec("old")};
-        parseSites(text, sites);
-        EXPECT_EQ(sites, std::vector<SiteRecord>{rec("old")}) << "no SITE= line leaves the array: " << text;
-    }
-
-    // Text between blocks is skipped; text behind SDSC= is lost.
-    auto sites = parse("junk\r\n" + block("a", "x\r\n") + "between\r\n#\r\n" + block("b", "y\r\n"));
-    EXPECT_EQ(sites.at(1), rec("b", "y"));
-    sites = parse("SITE=a\r\nSSNA=s\r\nSDNS=h\r\nSDNA=\r\nSDP_=1\r\nSAP_=2\r\nSTRI=\r\nSDSC=lost\r\n#\r\n");
-    EXPECT_EQ(sites.at(0).Description, "");
-
-    // Lines are taken by their place: a missing SDNA= line shifts the rest.
-    sites = parse("SITE=a\r\nSSNA=s\r\nSDNS=h\r\nSDP_=23\r\nSAP_=24\r\nSTRI=go\r\nSDSC=\r\nd\r\n#\r\n");
-    EXPECT_EQ(sites.at(0).DnsAlternate + "/" + sites[0].InitString + "/" + sites[0].Description, "23//");
-    EXPECT_EQ(sites[0].DefaultPort, 24);
-
-    // A "#" line ends the description early; a later SITE= line still opens.
-    sites = parse(block("a", "one\r\n#\r\nthree\r\n") + "tail\r\n" + block("b", "y\r\n"));
-    EXPECT_EQ(sites.at(0).Description + sites.at(1).SiteName, "oneb");
-
-    // A file that ends without "#" keeps the description read so far.
-    sites = parse("SITE=a\r\nSSNA=s\r\nSDNS=h\r\nSDNA=\r\nSDP_=1\r\nSAP_=2\r\nSTRI=\r\nSDSC=\r\nl1\r\nl2");
-    EXPECT_EQ(sites.at(0).Description, "l1\r\nl2");
 }
 
 TEST(SiteBook, DamagedPortsAndCutBlocksLoseNoOtherSite) {
