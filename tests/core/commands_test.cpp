@@ -185,11 +185,14 @@ TEST(Keywords, InjectQueueMessageBossOverrideHelpAndUnknown) {
 TEST(Macros, ParametersAreCleanedAndPutInAscendingOrder) {
     Lines h;
     h.file("go.macro", "say %1 and %2\r\n   \r\n#sv last %3\r\nsay %10|%20\r\n");
-    h.run("@go a b\r\n@go\r\n@go a.b,c;d!e?f\r\n@go %2 q\r\n@go x          y");
-    // %10 lost its head to %1; ten blanks: three halvings leave two, an empty word.
+    h.run("@go a b\r\n@go\r\n@go a.b,c;d!e?f\r\n@go %2 q\r\n@go x          y\r\n@go %4 b c d\r\n@go a %1");
+    // %10 lost its head to %1; ten blanks: three halvings leave two, an empty
+    // word. A word put in may hold a later number, which its own pass fills,
+    // but an earlier one stays.
     EXPECT_EQ(h.writes(), (Writes{"say a and b\r\n", "say a0|b0\r\n", "say  and\r\n", "say 0|0\r\n",
                                   "say a and b\r\n", "say a0|b0\r\n", "say q and q\r\n", "say q0|q0\r\n",
-                                  "say x and\r\n", "say x0|0\r\n"}));
+                                  "say x and\r\n", "say x0|0\r\n", "say d and b\r\n", "say d0|b0\r\n",
+                                  "say a and %1\r\n", "say a0|\r\n"}));
     h.run("@go 1 2 c");
     EXPECT_EQ(h.c.parts().variables.entry(1).Value, "C");  // keyword lines fold the argument
     EXPECT_TRUE(h.has("Running Macro : @go a.b,c;d!e?f\r\n"));

@@ -71,6 +71,7 @@ TEST(HistorySearch, FilterListsEveryMatchingLineUnderItsCount) {
     t.filter("orc");
     EXPECT_EQ(t.window(kHistView),
               "3 lines hold \"orc\"\r\nYou see an Orc here.\r\nThe orc hits you.\r\norcish ORC orc\r\n");
+    EXPECT_FALSE(t.s.running()) << "a filter that has ended is not shown again";
     // Colours stay: "Or" in bold red.
     const std::size_t at = t.window(kHistView).find("Or");
     EXPECT_EQ(styleAt(t.c.parts().windows.text[kHistView], at).colour, rgb(128, 0, 0) + rgb(127, 127, 127));
@@ -139,6 +140,15 @@ TEST(HistorySearch, ANewSearchReplacesTheRunningOne) {
     EXPECT_EQ(t.topLine(), "the dragon");
     EXPECT_FALSE(t.s.running());
     EXPECT_EQ(t.window(kHistView), "");  // the filter never ended
+    // A filter replaced by a filter keeps nothing of the first; an empty
+    // text ends the running search.
+    t.s.BFilter_Click("orc");
+    t.s.step();
+    t.filter("dragon");
+    EXPECT_EQ(t.window(kHistView), "1 line holds \"dragon\"\r\nthe dragon\r\n");
+    t.s.BFilter_Click("orc");
+    t.s.BFilter_Click("");
+    EXPECT_FALSE(t.s.running());
 }
 
 }  // namespace
