@@ -222,8 +222,11 @@ void PatternIndex::buildFilter(const std::vector<std::string>& texts, unsigned f
     filter_.assign(std::size_t{1} << (bits - 6), 0);
     filterShift_ = 64 - bits;
     // The places of a key stand one after another along its probe, the
-    // last one marked; both tables at most two thirds full.
-    const unsigned placeBits = std::max(1u, log2Ceil(places.size() + places.size() / 2));
+    // last one marked. Nearly every window that passes the filter is a key
+    // and reads this table: at most a quarter full, the first slot read is
+    // most often the key's own. The text table, read far less often, is at
+    // most two thirds full.
+    const unsigned placeBits = std::max(1u, log2Ceil(places.size() * 4));
     placeShift_ = 64 - placeBits;
     places_.assign(std::size_t{1} << placeBits, Place{});
     const std::size_t placeMask = places_.size() - 1;
