@@ -38,7 +38,10 @@ TEST(SessionOnTheWire, BytesWindowAndLogOfTwoConnectionsOnOneDay) {
     ASSERT_TRUE(t.until([&] { return got.size() == 2 && got[1] == init && t.shows("Again"); }));
     type(t.text1, "quit");
     ASSERT_TRUE(t.until([&] { return got[1] == init + "quit\r\n"; })) << ::testing::PrintToString(got[1]);
+    ASSERT_TRUE(t.until([&] { return t.disconnectButton->isEnabled(); }));
     QTest::mouseClick(t.disconnectButton, Qt::LeftButton);
+    EXPECT_TRUE(t.until([&] { return t.server.current->state() == QAbstractSocket::UnconnectedState; }))
+        << "the server sees the connection end";
 
     // Every print is one line of its own: the answer, each chunk as it came,
     // each sent text; the init string is never logged.
