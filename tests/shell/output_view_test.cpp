@@ -8,6 +8,7 @@
 #include <QScrollBar>
 
 #include <random>
+#include <set>
 
 #include "form_fixture.h"
 #include "output/output_layout_qt.h"
@@ -238,6 +239,12 @@ TEST(OutputView, AGrowingTextMovesTheHandleAtMostTenTimesASecond) {
     QCoreApplication::processEvents();
     QCoreApplication::processEvents();
     EXPECT_GT(bar.paints, beforeScroll);
+    // And the bar is drawn: its picture is more than its background.
+    const QImage drawn = t->verticalScrollBar()->grab().toImage();
+    std::set<QRgb> colours;
+    for (int y = 0; y < drawn.height(); ++y)
+        for (int x = 0; x < drawn.width(); ++x) colours.insert(drawn.pixel(x, y));
+    EXPECT_GT(colours.size(), 2u);
 }
 
 }  // namespace
