@@ -214,6 +214,15 @@ TEST(Macros, NameAndArgumentsAreExpandedInUpperCaseOnlyAndMissingFilesAreTold) {
 // goes first and falls back to the main one.
 TEST(Macros, FilesInAnyExtensionCaseAndTheOverrideFolder) {
     Lines h;
+    // On a fresh install a save from the main list makes the folder, an
+    // override set or not.
+    MacroEditor& editor = h.c.parts().macroEditor;
+    h.run("#override area");
+    editor.txtMacrosLabel = "first.macro";
+    editor.txtMacrosCommands = "say first";
+    editor.BTNMacrosSave_Click();
+    EXPECT_EQ(h.fp.folder.read("macros/first.macro"), "say first\r\n");
+    h.run("#override");
     for (const auto& [name, text] : std::vector<std::pair<std::string, std::string>>{
              {"x.Macro", "say x"}, {"AREA/Y.MACRO", "say y %1"}, {"z.macro.txt", "say z"},
              {"Y.macro", "say main y %1"}, {"only.macro", "say only main"}})
@@ -222,7 +231,7 @@ TEST(Macros, FilesInAnyExtensionCaseAndTheOverrideFolder) {
     EXPECT_EQ(h.writes(), (Writes{"say x\r\n", "say y a\r\n", "say only main\r\n", "say main y b\r\n"}));
     EXPECT_TRUE(h.has(" UNKNOWN MACRO for command \r\n\r\nMacro names count case: there is macros/x.Macro\r\n"));
     h.c.parts().macroEditor.brefresh3_Click();
-    EXPECT_EQ(h.c.parts().macroEditor.Mlist, (Writes{"Y.macro", "only.macro", "x.Macro"}));
+    EXPECT_EQ(editor.Mlist, (Writes{"Y.macro", "first.macro", "only.macro", "x.Macro"}));
 }
 
 // Branching calls and huge expansions stop at the budgets of one run; the

@@ -34,9 +34,9 @@ struct Manager {
 TEST(SiteManager, AddOrModifyIsDecidedByTheExactName) {
     Manager s;
     // An empty book gets its first entry; the init string loses its outer blanks only.
-    s.m.boxes = {" Mud ", " m ", "mud.org", "", " 23x", "5e1", "  #10#look  ", "a\r\nb"};
+    s.m.boxes = {" Mud ", " m ", "mud.org", "alt.org", " 23x", "5e1", "  #10#look  ", "a\r\nb"};
     EXPECT_EQ(s.m.CMD_SiteAdd_Click(), "");
-    EXPECT_EQ(s.m.Sites, (Book{{" Mud ", " m ", "mud.org", "", 23, 50, "#10#look", "a\r\nb"}}));
+    EXPECT_EQ(s.m.Sites, (Book{{" Mud ", " m ", "mud.org", "alt.org", 23, 50, "#10#look", "a\r\nb"}}));
     EXPECT_EQ(s.m.items, std::vector<std::string>{" Mud "});
     EXPECT_EQ(s.m.listIndex, -1);
     EXPECT_EQ(s.m.boxes.SiteName, " Mud ") << "the boxes keep their text";
@@ -45,7 +45,7 @@ TEST(SiteManager, AddOrModifyIsDecidedByTheExactName) {
     s.m.boxes.Dport = "4000";
     EXPECT_EQ(s.m.CMD_SiteAdd_Click(), "");
     // The same name changes the entry; blanks only: nothing sent on connecting.
-    EXPECT_EQ(s.m.Sites, (Book{{" Mud ", " m ", "mud.org", "", 4000, 50, "", "a\r\nb"}}));
+    EXPECT_EQ(s.m.Sites, (Book{{" Mud ", " m ", "mud.org", "alt.org", 4000, 50, "", "a\r\nb"}}));
 
     for (const std::string name : {" mud ", "Mud"}) {
         s.m.boxes.SiteName = name;

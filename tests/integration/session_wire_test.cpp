@@ -49,6 +49,17 @@ TEST(SessionOnTheWire, BytesWindowAndLogOfTwoConnectionsOnOneDay) {
                            "Again\r\n\r\n" + "quit\r\n\r\n");
 }
 
+// A refused connection is told on the debug window, and Connect comes back.
+TEST(SessionOnTheWire, ARefusedConnectionIsToldAndConnectComesBack) {
+    WireForm t;
+    t.server.server.close();
+    t.form->client().setDebugInfo(true);
+    t.form->show();
+    QTest::mouseClick(t.connectButton, Qt::LeftButton);
+    ASSERT_TRUE(t.until([&] { return t.c().window(kDebugWindow).text().find("Sock 10061 ") != std::string::npos; }));
+    EXPECT_TRUE(t.until([&] { return t.connectButton->isEnabled() && !t.disconnectButton->isEnabled(); }));
+}
+
 // Sequences cut by a read, the terminal type asked for at once, prompts
 // marked with IAC GA, a password after IAC WILL ECHO, and a status frame.
 TEST(TelnetOnTheWire, CutSequencesPromptsPasswordsAndAFrame) {
