@@ -108,8 +108,12 @@ TEST(FlagsForm, KeywordsShowWhileOpenAndClicksReachTheNextKeyword) {
     ASSERT_TRUE(type("#lf 7 hunting", [&] { return box(7)->text() == "HUNTING"; }));
     QTest::mouseClick(box(9), Qt::LeftButton);
     ASSERT_TRUE(type("#cf", [&] { return !box(7)->isChecked() && !box(9)->isChecked() && box(7)->text() == "7"; }));
-    // Window labels reach the custom tabs the same way.
-    ASSERT_TRUE(type("#lw 1 hunt", [&] { return f.form().tabs()->tabCaption(2) == "HUNT"; }));
+    // Window labels reach the custom tabs the same way, and are drawn.
+    qt::TabControl* tabs = f.form().tabs();
+    const auto tab = [&] { return tabs->grab(tabs->tabRect(2)).toImage(); };
+    const QImage before = tab();
+    ASSERT_TRUE(type("#lw 1 hunt", [&] { return tabs->tabCaption(2) == "HUNT"; }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return tab() != before; }, 2000));
 
     // Escape and Close only hide the dialog.
     QTest::mouseClick(box(12), Qt::LeftButton);
