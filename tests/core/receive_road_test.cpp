@@ -75,6 +75,7 @@ TEST(ServerSession, ConnectCloseAndErrorSetTheButtonsAndTheLog) {
     h.c.parts().session.CMD_CONNECT_Click();
     EXPECT_EQ(h.fp.socket.connects, std::vector<std::string>{"mud.example:4000"});
     EXPECT_TRUE(!bar.connectEnabled && bar.disconnectEnabled);
+    EXPECT_EQ(h.debugText(), "hinstance:4242\r\nprev instance:False\r\n");
 
     // The init string is sent straight: not logged, kept or echoed. Its
     // marks become characters, "#24#" first.
