@@ -102,7 +102,8 @@ TEST(TriggerFiles, FullGroupsStopTheFileAndTheDebugLinesNameWhatWasRead) {
     EXPECT_EQ(std::tuple(store.TriggerTable[0].patternGroup(1).Count(), store.TriggerTable[1].PartNumber,
                          store.TriggerTable[1].FilePath, store.GlobalTriggerCount()),
               std::tuple(50, 2, t.fp.files.absolute("triggers/full.trigger"), 1));
-    EXPECT_NE(t.debugText().find("Total parts loaded : 2\r\nloading trigger over.trigger from /triggers\r\n"
+    EXPECT_NE(t.debugText().find("Found a parts , loading parts \r\nTotal parts loaded : 2\r\n"
+                                 "loading trigger over.trigger from /triggers\r\n"
                                  "Trigger file not loaded: " + t.fp.files.absolute("triggers/over.trigger") +
                                  " line 51: more than 50 entries in one group\r\n"),
               std::string::npos);
