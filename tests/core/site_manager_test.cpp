@@ -41,9 +41,11 @@ TEST(SiteManager, AddOrModifyIsDecidedByTheExactName) {
     EXPECT_EQ(s.m.listIndex, -1);
     EXPECT_EQ(s.m.boxes.SiteName, " Mud ") << "the boxes keep their text";
 
+    s.m.SitesList_Click(0);
     s.m.boxes.STRI = "    ";
     s.m.boxes.Dport = "4000";
     EXPECT_EQ(s.m.CMD_SiteAdd_Click(), "");
+    EXPECT_EQ(s.m.listIndex, -1) << "no entry selected after a change";
     // The same name changes the entry; blanks only: nothing sent on connecting.
     EXPECT_EQ(s.m.Sites, (Book{{" Mud ", " m ", "mud.org", "alt.org", 4000, 50, "", "a\r\nb"}}));
 
