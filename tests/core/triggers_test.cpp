@@ -163,21 +163,25 @@ TEST(TriggerMatch, InjectedTextNestsAndTheDepthGuardEndsRunawayLoops) {
 }
 
 TEST(TriggerMatch, AReloadDuringAnActionEndsThePassOverTheOldTables) {
-    TriggerFixture t;
-    t.trigger("a.trigger", "pattern1=xxxxxx\r\naction=#MB reload");
-    t.trigger("b.trigger", "pattern1=xxxxxx\r\naction=after");
-    t.c.LoadTriggers();
-    // The message box waits for the player, who presses Reload meanwhile,
-    // after b.trigger has gone and c.trigger has come: the next line of the
-    // same chunk meets the new tables.
-    t.fp.host.onMessageBox = [&] {
-        std::filesystem::remove(t.fp.folder.path() / "triggers/b.trigger");
-        t.trigger("c.trigger", "pattern1=yyyyyyyy\r\naction=new");
+    // Long texts only, and with a short one that makes the pass walk every line.
+    for (const bool shortText : {false, true}) {
+        TriggerFixture t;
+        t.trigger("a.trigger", "pattern1=xxxxxx\r\naction=#MB reload");
+        t.trigger("b.trigger", "pattern1=xxxxxx\r\naction=after");
+        if (shortText) t.trigger("d.trigger", "pattern1=q\r\naction=never");
         t.c.LoadTriggers();
-    };
-    t.receive("xxxxxx\r\nyyyyyyyy");
-    EXPECT_EQ(t.sent(), "new\r\n");
-    EXPECT_EQ(t.c.parts().triggers.TriggerCount(), 2);
+        // The message box waits for the player, who presses Reload meanwhile,
+        // after b.trigger has gone and c.trigger has come: the next line of the
+        // same chunk meets the new tables.
+        t.fp.host.onMessageBox = [&] {
+            std::filesystem::remove(t.fp.folder.path() / "triggers/b.trigger");
+            t.trigger("c.trigger", "pattern1=yyyyyyyy\r\naction=new");
+            t.c.LoadTriggers();
+        };
+        t.receive("xxxxxx\r\nyyyyyyyy");
+        EXPECT_EQ(t.sent(), "new\r\n") << shortText;
+        EXPECT_EQ(t.c.parts().triggers.TriggerCount(), 2 + shortText);
+    }
 }
 
 TEST(TriggerEditor, TemplateSavesLoadsAndSavesAgain) {
