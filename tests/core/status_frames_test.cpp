@@ -56,8 +56,9 @@ TEST(StatusFrames, TelnetOptionTwentyFourIsNotAFrameStartAndItemsTellTheDebugWin
          std::string("\0ANSI\0", 6) + "Welcome", 1, ""},
         {"WILL, WONT and DONT 24", bytes({255, 251, 24, 255, 252, 24, 255, 254, 24}) + "x", "x", 0, ""},
         {"24 in a subnegotiation", bytes({255, 250, 24, 1, 255, 240}) + "x", bytes({1}) + "x", 0, ""},
-        {"24 in a subnegotiation's payload", bytes({255, 250, 31, 0, 80, 0, 24, 255, 240}) + "x",
-         bytes({0, 80, 0, 24}) + "x", 0, ""},
+        {"24 in a subnegotiation's payload, then a frame",
+         bytes({255, 250, 31, 0, 80, 0, 24, 255, 240}) + frame({"1,8,1"}) + "x", bytes({0, 80, 0, 24}) + "x", 0,
+         "Interpreting 1,8,1\r\nIAC  SB  window size  \r\nIAC  EON \r\n"},  // frames go before the text is printed
         {"IAC IAC then a frame", bytes({255, 255}) + frame({"1,8,1"}) + "x", bytes({255}) + "x", 0,
          "Interpreting 1,8,1\r\n"},
         {"empty item", frame({""}), "", 0, "Interpreting \r\nWhich i know nothing ...\r\n"},
