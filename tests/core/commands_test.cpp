@@ -91,8 +91,8 @@ TEST(Keywords, VariablesFoldOnKeywordLinesOnly) {
 TEST(Keywords, FlagsByNumberAndLabel) {
     Lines h;
     h.run("#sf 5\r\n#sf 6 0\r\n#sf 7 1\r\n#swf 7\r\n#switchflag 8\r\n#lf 3 hunting now\r\n#sf 83\r\n#sf 84\r\n"
-          "#sf 83.4\r\n#sf 0.6\r\n#setflag 2.5\r\n#sf\r\n#sf -1\r\n#labelflag x\r\n");
-    EXPECT_EQ(h.flags(), "0 1 2 5 8 83 |HUNTING|");
+          "#sf 83.4\r\n#sf 0.6\r\n#setflag 2.5\r\n#sf\r\n#sf -1\r\n#labelflag x\r\n#swf 0\r\n");
+    EXPECT_EQ(h.flags(), "1 2 5 8 83 |HUNTING|");
     EXPECT_EQ(h.debugText(), "Flag 84 out of boundries 0,83\r\nFlag 83.4 out of boundries 0,83\r\n"
                              "Flag -1 out of boundries 0,83\r\n");
     h.run("#clearflags");

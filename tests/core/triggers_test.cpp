@@ -102,6 +102,7 @@ TEST(TriggerFiles, FullGroupsStopTheFileAndTheDebugLinesNameWhatWasRead) {
     EXPECT_EQ(std::tuple(store.TriggerTable[0].patternGroup(1).Count(), store.TriggerTable[1].PartNumber,
                          store.TriggerTable[1].FilePath, store.GlobalTriggerCount()),
               std::tuple(50, 2, t.fp.files.absolute("triggers/full.trigger"), 1));
+    EXPECT_EQ(t.debugText().find("Total parts loaded : 1"), std::string::npos) << "told of more than one only";
     EXPECT_NE(t.debugText().find("Found a parts , loading parts \r\nTotal parts loaded : 2\r\n"
                                  "loading trigger over.trigger from /triggers\r\n"
                                  "Trigger file not loaded: " + t.fp.files.absolute("triggers/over.trigger") +
@@ -175,11 +176,11 @@ TEST(TriggerMatch, AReloadDuringAnActionEndsThePassOverTheOldTables) {
         // same chunk meets the new tables.
         t.fp.host.onMessageBox = [&] {
             std::filesystem::remove(t.fp.folder.path() / "triggers/b.trigger");
-            t.trigger("c.trigger", "pattern1=yyyyyyyy\r\naction=new");
+            t.trigger("c.trigger", "pattern1=yyyyyyyy\r\naction=new $*");
             t.c.LoadTriggers();
         };
         t.receive("xxxxxx\r\nyyyyyyyy");
-        EXPECT_EQ(t.sent(), "new\r\n") << shortText;
+        EXPECT_EQ(t.sent(), "new  yyyyyyyy\r\n") << shortText;
         EXPECT_EQ(t.c.parts().triggers.TriggerCount(), 2 + shortText);
     }
 }
