@@ -11,8 +11,8 @@ namespace {
 
 constexpr int kFullPairBar = 600;
 
-// A width in twips: rounded half to even, below 0 counts 0, and a figure too
-// large for the bar (or no figure at all) is held at the widest bar.
+// A width in twips: rounded half to even, below 0 (or no figure at all)
+// counts 0, and a figure too large for the bar is held at the widest bar.
 long long barWidth(double w) {
     if (std::isnan(w) || w <= 0) return 0;
     if (w >= static_cast<double>(StatusModel::kWidestBar)) return StatusModel::kWidestBar;
