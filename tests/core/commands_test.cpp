@@ -118,7 +118,7 @@ TEST(Keywords, MathWithEveryOperatorAndItsFailures) {
 
 TEST(Keywords, ConditionsRunTheirThenPartFoldedExpandedAndNestedUpToTheLimit) {
     Lines h;
-    h.run("#ifgt 5 3 say gt\r\n#ifgt 3 5 say no\r\n#ifgt %unset -1 say unset\r\n#iflt 2 10 say lt\r\n"
+    h.run("#ifgt 5 3 say gt\r\n#ifgt 3 5 say no\r\n#ifgt 4 4 say no\r\n#iflt 4 4 say no\r\n#ifgt %unset -1 say unset\r\n#iflt 2 10 say lt\r\n"
           "#ifgte 4 4 say gte\r\n#iflte 4 3 say no\r\n#ifeq 1 1.0 say no\r\n#ifeq ab AB say eq\r\n"
           "#ifneq %a %b say neq\r\n#ifdif x x say no\r\n#ifeq 1 1 #ifeq 2 2 n;;e\r\n#ifeq 1 1");
     // The null tests look at what expansion left; only the first word of a
