@@ -67,6 +67,7 @@ const std::array<const char*, 3> kCases[] = {
     {"ends in pattern block", "pattern1=x\r\npattern1=y\r\n", ""},
     {"pattern without =", "pattern1x\r\naction=go", ""},
     {"flag without =", "flag1\r\npattern1=x\r\naction=go", ""},
+    {"the bare key", "flag\r\npattern1=x\r\naction=go", ""},
     {"group 51", "pattern51=x\r\naction=go", ""},
     {"negative group", "flag-1=1\r\npattern1=x\r\naction=go", ""},
     {"flag beyond 32 bits", "flag1=1e20\r\npattern1=x\r\naction=go", ""},
