@@ -212,6 +212,10 @@ TEST(LinePipeline, FailureAbandonsTheChunkWithTheLogErrorLine) {
         h.receive("after");
         EXPECT_EQ(h.window(kMainWindow), "before" + row.shown + "after");
     }
+    // A failed print still keeps the window within its limit.
+    PipelineHarness big;
+    big.process(std::string(5000, 'x') + "\x1BM");
+    EXPECT_LE(big.window(kMainWindow).size(), 3500u);
     PipelineHarness noLog;
     noLog.c.parts().log.close();
     noLog.process("x\x1BMlost");

@@ -90,6 +90,9 @@ TEST(StatusPanel, DerivedWords) {
         {"negative position", {{53, "-1"}}, 4, "Unknown"},
     };
     for (const auto& [name, items, xinfo, text] : rows) EXPECT_EQ(Panel(items).m.XInfo(xinfo), text) << name;
+    // The alignment word's colour follows item 29, the word itself item 28.
+    for (const auto& [v, colour] : {std::pair("0", rgb(0, 255, 0)), {"1", rgb(255, 255, 0)}, {"-1", rgb(255, 0, 0)}})
+        EXPECT_EQ(Panel({{29, v}}).m.XInfo2Colour(), colour) << v;
 }
 
 TEST(StatusPanel, ChangedCellsFlashUntilTheNextTick) {
