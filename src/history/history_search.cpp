@@ -35,8 +35,8 @@ constexpr std::array<bool, 256> kFinal = [] {
 std::size_t telnetLength(const unsigned char* p, const unsigned char* end) {
     if (end - p < 2) return 1;
     const unsigned char cmd = p[1];
-    if (cmd == 240) return 2;
-    if (cmd >= 250 && cmd <= 253) {
+    if (cmd >= 239 && cmd <= 249) return 2;
+    if (cmd >= 250 && cmd <= 254) {
         if (end - p < 3 || p[2] == '\r') return 2;
         return 3;
     }

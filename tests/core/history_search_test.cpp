@@ -33,7 +33,7 @@ struct Search : ClientHarness {
 const std::string kRun =
     "You see an \x1b[1;31mOr\x1b[0mc here.\r\n"       // 1: colour inside the word
     "A shopkeeper says: hello\r\n"                    // 2
-    "The o\xff\xfb\x01rc hits you.\r\n"               // 3: telnet inside the word
+    "The o\xff\xfb\x01r\xff\xf9" "c hits\xff\xfe\x01 you.\r\n"  // 3: telnet inside the word
     "Caf\xe9 \xc9T\xc9\r\n"                           // 4: accented letters
     "orcish ORC orc\r\n"                              // 5: three times in one line
     "prompt> ";                                       // 6: no line end yet
