@@ -118,9 +118,10 @@ TEST(Keywords, MathWithEveryOperatorAndItsFailures) {
 
 TEST(Keywords, ConditionsRunTheirThenPartFoldedExpandedAndNestedUpToTheLimit) {
     Lines h;
-    h.run("#ifgt 5 3 say gt\r\n#ifgt 3 5 say no\r\n#ifgt 4 4 say no\r\n#iflt 4 4 say no\r\n#ifgt %unset -1 say unset\r\n#iflt 2 10 say lt\r\n"
-          "#ifgte 4 4 say gte\r\n#iflte 4 3 say no\r\n#iflte 4 4 say lte\r\n#ifeq 1 1.0 say no\r\n#ifeq ab AB say eq\r\n"
-          "#ifneq %a %b say neq\r\n#ifdif x x say no\r\n#ifeq 1 1 #ifeq 2 2 n;;e\r\n#ifeq 1 1");
+    h.run("#ifgt 5 3 say gt\r\n#ifgt 3 5 say no\r\n#ifgt 4 4 say no\r\n#iflt 4 4 say no\r\n"
+          "#ifgt %unset -1 say unset\r\n#iflt 2 10 say lt\r\n#ifgte 4 4 say gte\r\n#iflte 4 3 say no\r\n"
+          "#iflte 4 4 say lte\r\n#ifeq 1 1.0 say no\r\n#ifeq ab AB say eq\r\n#ifneq %a %b say neq\r\n"
+          "#ifdif x x say no\r\n#ifeq 1 1 #ifeq 2 2 n;;e\r\n#ifeq 1 1");
     // The null tests look at what expansion left; only the first word of a
     // value with blanks is dropped.
     h.run("#ifnull %x #sv hit1 y\r\n#sv x\r\n#ifnull %x #sv hit2 y\r\n#ifnotnull %x #sv no y\r\n"
@@ -129,9 +130,9 @@ TEST(Keywords, ConditionsRunTheirThenPartFoldedExpandedAndNestedUpToTheLimit) {
     // Y holds a condition whose then-part runs Y again.
     h.run("#ifdif x y say dif\r\n#sv y ifeq 1 1 #%y\r\n#%y\r\nsay after");
     EXPECT_TRUE(h.has("Commands nested more than 64 deep, not run: #%Y\r\n"));
-    EXPECT_EQ(h.writes(), (Writes{"SAY GT\r\n", "SAY UNSET\r\n", "SAY LT\r\n", "SAY GTE\r\n", "SAY LTE\r\n", "SAY EQ\r\n",
-                                  "SAY NEQ\r\n", "N\r\nE\r\n", "B SAY\r\n", "SAY PLAIN\r\n", "SAY DIF\r\n",
-                                  "say after\r\n"}));
+    EXPECT_EQ(h.writes(), (Writes{"SAY GT\r\n", "SAY UNSET\r\n", "SAY LT\r\n", "SAY GTE\r\n", "SAY LTE\r\n",
+                                  "SAY EQ\r\n", "SAY NEQ\r\n", "N\r\nE\r\n", "B SAY\r\n", "SAY PLAIN\r\n",
+                                  "SAY DIF\r\n", "say after\r\n"}));
     EXPECT_EQ(h.value("HIT1") + h.value("HIT2") + h.value("HIT3") + h.value("NO"), "YYY<unset>");
 }
 
