@@ -10,6 +10,7 @@
 
 #include "common/run_error.h"
 #include "common/text.h"
+#include "output/telnet.h"
 
 namespace kelpa {
 
@@ -34,13 +35,8 @@ constexpr std::array<bool, 256> kFinal = [] {
 // writer takes it; a line break is never part of it.
 std::size_t telnetLength(const unsigned char* p, const unsigned char* end) {
     if (end - p < 2) return 1;
-    const unsigned char cmd = p[1];
-    if (cmd >= 239 && cmd <= 249) return 2;
-    if (cmd >= 250 && cmd <= 254) {
-        if (end - p < 3 || p[2] == '\r') return 2;
-        return 3;
-    }
-    return 1;
+    const std::size_t n = iacCommandLength(p[1]);
+    return n == 3 && (end - p < 3 || p[2] == '\r') ? 2 : n;
 }
 
 }  // namespace

@@ -86,12 +86,9 @@ std::size_t TelnetInterpreter::S_InterpretIac(std::string_view text, int win) {
         default: {
             debug_.DebugLog("IAC ;");
             if (debug_.enabled) debug_.DebugLog("unknown iac command " + decimal(cmd));
-            // Telnet's own commands go whole: EOR and NOP to GA as two
-            // bytes, DONT with its option as three. Any other byte after an
-            // IAC is text.
-            if (cmd == 239 || (cmd >= 241 && cmd <= 249)) return 2;
-            if (cmd == 254) return 3;
-            return 1;
+            // Telnet's own commands go whole; any other byte after an IAC
+            // is text.
+            return iacCommandLength(static_cast<unsigned char>(cmd));
         }
     }
 }

@@ -17,6 +17,15 @@ extern const std::string kTerminalTypeAnswer;
 
 std::string TelnetOptionName(int option);
 
+// How many bytes IAC and the command byte `cmd` take when no payload
+// follows: EOR and NOP to GA two, SB, WILL, WONT, DO and DONT three (with
+// their option); after any other byte only the IAC goes.
+constexpr std::size_t iacCommandLength(unsigned char cmd) {
+    if (cmd >= 239 && cmd <= 249) return 2;
+    if (cmd >= 250 && cmd <= 254) return 3;
+    return 1;
+}
+
 class TelnetInterpreter {
 public:
     using Sender = std::function<void(std::string&)>;
