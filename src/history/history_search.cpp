@@ -32,11 +32,17 @@ constexpr std::array<bool, 256> kFinal = [] {
 }();
 
 // How many bytes the telnet sequence at p takes from the line, as the
-// writer takes it; a line break is never part of it.
+// writer takes it; a line break is never part of it. A linemode
+// subnegotiation goes up to its IAC SE when that ends it within the line.
 std::size_t telnetLength(const unsigned char* p, const unsigned char* end) {
     if (end - p < 2) return 1;
     const std::size_t n = iacCommandLength(p[1]);
-    return n == 3 && (end - p < 3 || p[2] == '\r') ? 2 : n;
+    if (n == 3 && (end - p < 3 || p[2] == '\r')) return 2;
+    if (p[1] == 250 && p[2] == 34) {
+        for (const unsigned char* q = p + 3; q + 1 < end && !(q[0] == '\r' && q[1] == '\n'); ++q)
+            if (q[0] == 255 && q[1] == 240) return static_cast<std::size_t>(q + 2 - p);
+    }
+    return n;
 }
 
 }  // namespace
