@@ -35,6 +35,7 @@ MacroPage::MacroPage(MacroEditor& editor, Runner run, QWidget* page)
     txtMacrosCommands->setLineWrapMode(QPlainTextEdit::NoWrap);
 
     MListName = placed(new QLabel(QStringLiteral("Main"), page), "MListName", 5880, 480, 3255, 285);
+    MListName->setTextFormat(Qt::PlainText);  // a folder name, never markup
     Mlist = placed(new FileList(page), "Mlist", 5880, 840, 3255, 4215);
     Mlist->setSortingEnabled(true);
     Mlist->setFont(small);

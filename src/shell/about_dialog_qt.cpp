@@ -102,9 +102,7 @@ AboutDialog::AboutDialog(QWidget* parent)
         return QProcess::startDetached(QString::fromStdString(program), {});
     };
     message = [this](const std::string& text) {
-        QMessageBox box(QMessageBox::NoIcon, QStringLiteral("Kelpa"), QString::fromStdString(text),
-                        QMessageBox::Ok, this);
-        box.exec();
+        showMessage(this, QMessageBox::NoIcon, QStringLiteral("Kelpa"), QString::fromStdString(text));
     };
 
     Form_Load();

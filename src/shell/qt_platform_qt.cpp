@@ -57,13 +57,12 @@ void QtHost::focusCommandLine() {
 void QtHost::endProgramNow() { std::_Exit(0); }
 
 void QtHost::messageBox(const std::string& text) {
-    QMessageBox box(QMessageBox::NoIcon, QStringLiteral("Kelpa"), toQString(text), QMessageBox::Ok, window_);
-    box.exec();
+    showMessage(window_, QMessageBox::NoIcon, QStringLiteral("Kelpa"), toQString(text));
 }
 
 bool QtHost::askYesNo(const std::string& text, const std::string& title) {
-    return QMessageBox::question(window_, toQString(title), toQString(text), QMessageBox::Yes | QMessageBox::No,
-                                 QMessageBox::No) == QMessageBox::Yes;
+    return showMessage(window_, QMessageBox::Question, toQString(title), toQString(text),
+                       QMessageBox::Yes | QMessageBox::No, QMessageBox::No) == QMessageBox::Yes;
 }
 
 long long QtHost::instanceHandle() const { return QCoreApplication::applicationPid(); }

@@ -189,8 +189,7 @@ void SiteManagerDialog::mirror() {
 }
 
 void SiteManagerDialog::tell(const std::string& why) {
-    QMessageBox box(QMessageBox::Warning, windowTitle(), toQString(why), QMessageBox::Ok, this);
-    box.exec();
+    showMessage(this, QMessageBox::Warning, windowTitle(), toQString(why));
 }
 
 void SiteManagerDialog::SitesList_Click() {

@@ -102,6 +102,7 @@ private:
 
 QLabel* label(QWidget* parent, const QString& name, const QColor& colour, int left, int top, int width) {
     auto* l = new QLabel(parent);
+    l->setTextFormat(Qt::PlainText);  // the server's words, never markup
     if (!name.isEmpty()) l->setObjectName(name);
     l->setGeometry(pxRect(left, top, width, kRow));
     QPalette p = l->palette();

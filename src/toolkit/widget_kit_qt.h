@@ -6,6 +6,7 @@
 #include <QColor>
 #include <QFont>
 #include <QListWidget>
+#include <QMessageBox>
 #include <QRect>
 #include <QString>
 #include <QWidget>
@@ -81,6 +82,12 @@ public:
 protected:
     bool hitButton(const QPoint& p) const override { return rect().contains(p); }
 };
+
+// A modal message box that shows `text` as it stands: words in angle
+// brackets are not taken for markup. Returns the button clicked.
+QMessageBox::StandardButton showMessage(QWidget* parent, QMessageBox::Icon icon, const QString& title,
+                                        const QString& text, QMessageBox::StandardButtons buttons = QMessageBox::Ok,
+                                        QMessageBox::StandardButton defaultButton = QMessageBox::NoButton);
 
 // Paints the widget's own background in a solid colour.
 void setBackground(QWidget* w, const QColor& colour);

@@ -10,6 +10,7 @@
 
 #include "form_fixture.h"
 #include "shell/about_dialog_qt.h"
+#include "shell/qt_platform_qt.h"
 #include "shell/system_info.h"
 #include "sites/site_book.h"
 #include "sites/site_manager_qt.h"
@@ -22,14 +23,16 @@ using SiteManager = qt::SiteManagerDialog;
 const std::string kOldBook =
     "SITE=Old\r\nSSNA=old\r\nSDNS=old.org\r\nSDNA=\r\nSDP_=4000\r\nSAP_=0\r\nSTRI=\r\nSDSC=\r\n\r\n#\r\n";
 
-// Notes the text of the next message box and closes it.
-QString nextMessage(const std::function<void()>& action) {
+// Notes the text of the next message box and closes it with its default
+// button; text the box would read as markup is marked so.
+QString nextMessage(const std::function<void()>& action, QMessageBox::StandardButton* defaultButton = nullptr) {
     QString seen;
     QTimer poll;
     QObject::connect(&poll, &QTimer::timeout, [&] {
         if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
-            seen = box->text();
-            box->accept();
+            seen = (box->textFormat() == Qt::PlainText ? "" : "markup: ") + box->text();
+            if (defaultButton) *defaultButton = box->standardButton(box->defaultButton());
+            box->defaultButton() ? box->defaultButton()->click() : box->accept();
         }
     });
     poll.start(10);
@@ -103,6 +106,16 @@ TEST(SiteManagerDialog, AFailedSaveKeepsTheDialogAndEscapeDiscards) {
     });
     EXPECT_EQ(f.fake.folder.read("CONN.ZIG"), kOldBook);
     EXPECT_EQ(f.control<QComboBox>("CB_Connections")->count(), 1);
+}
+
+TEST(QtHost, BoxesShowTheirTextAsTypedAndDeletionDefaultsToNo) {
+    qt::QtHost host;
+    EXPECT_EQ(nextMessage([&] { host.messageBox("<B>LOW HP</B>"); }), "<B>LOW HP</B>");
+    QMessageBox::StandardButton chosen = QMessageBox::NoButton;
+    bool yes = true;
+    EXPECT_EQ(nextMessage([&] { yes = host.askYesNo("Delete <i>x</i>?", "Delete"); }, &chosen), "Delete <i>x</i>?");
+    EXPECT_EQ(chosen, QMessageBox::No);
+    EXPECT_FALSE(yes);
 }
 
 TEST(AboutDialog, ShowsThePictureAndStartsTheSystemInformation) {

@@ -41,7 +41,9 @@ TEST(StatusPanelView, BarsMergeWithTheirCellsByOr) {
 
 TEST(StatusPanelView, MouseOnThePanel) {
     PanelFixture f;
-    f.receive(F24 + "1,23,abc" + I25 + F26);
+    f.receive(F24 + "1,23,abc" + I25 + "1,24,<b>x</b>" + I25 + F26);
+    EXPECT_EQ(f.control<QLabel>(PanelFixture::cellName(24).constData())->textFormat(), Qt::PlainText)
+        << "the server's words are never markup";
     QMouseEvent move(QEvent::MouseMove, QPointF(2, 2), QPointF(2, 2), Qt::NoButton, Qt::NoButton, Qt::NoModifier);
     QApplication::sendEvent(f.control(PanelFixture::cellName(23).constData()), &move);
     f.form().syncFromCore();

@@ -50,6 +50,7 @@ TEST(MacroPage, ListsOpensSavesAndReloads) {
     f.form().client().Text1_Enter("#override area");
     f.click("Command1");
     EXPECT_EQ(f.text("MListName"), "Override(AREA)");
+    EXPECT_EQ(f.control<QLabel>("MListName")->textFormat(), Qt::PlainText) << "a folder <B> is no markup";
     EXPECT_EQ(f.list("Mlist"), QStringList{"o.macro"});
     f.click("BTNMacrosSave");
     EXPECT_EQ(f.fake.folder.read("macros/AREA/new.macro"), "say\xA0new\r\nsay more\r\n");
