@@ -116,6 +116,11 @@ void StatusFrames::S_ExtractFrames(std::string& data) {
             }
             case State::Iac: {
                 const auto cmd = static_cast<unsigned char>(base[r]);
+                if (cmd == static_cast<unsigned char>(kFrameStart)) {
+                    // No telnet command: the IAC alone is text, and the 24 opens a frame.
+                    state_ = State::Text;
+                    break;
+                }
                 text(r + 1);
                 if (cmd >= 251 && cmd <= 254) {
                     state_ = State::IacOption;

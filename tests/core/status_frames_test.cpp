@@ -25,7 +25,8 @@ std::string frame(std::initializer_list<std::string> items) {
 }  // namespace
 
 TEST(StatusFrames, FrameCutAtEveryPositionGivesTheSameResult) {
-    const std::string stream = "Hp:" + frame({"1,7,300", "1,8,150", "2,0,You fight."}) + "ok\r\n" +
+    // A lone 255 (no telnet command) right before the first frame.
+    const std::string stream = "Hp" + bytes({255}) + frame({"1,7,300", "1,8,150", "2,0,You fight."}) + ":ok\r\n" +
                                bytes({255, 253, 24}) + frame({"1,53,9"}) + "end";
     for (std::size_t cut = 0; cut <= stream.size(); ++cut) {
         for (std::size_t cut2 = cut; cut2 <= stream.size(); cut2 += 7) {
@@ -38,7 +39,7 @@ TEST(StatusFrames, FrameCutAtEveryPositionGivesTheSameResult) {
             // The answer goes in behind the read that asked for it.
             std::string heard = h.history();
             heard.erase(heard.find(std::string("\xFF\xFA\x18\0ANSI\0\xFF\xF0", 11)), 11);
-            EXPECT_EQ(heard, "Hp:ok\r\n" + bytes({255, 253, 24}) + "end");
+            EXPECT_EQ(heard, "Hp" + bytes({255}) + ":ok\r\n" + bytes({255, 253, 24}) + "end");
             const StatusModel& st = h.c.parts().status;
             EXPECT_EQ(std::to_string(st.ShapeParam(0).width) + " " + st.Info2(0) + " " + st.XInfo(4),
                       "300 You fight. Fighting");
