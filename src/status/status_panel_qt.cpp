@@ -3,6 +3,7 @@
 #include <QEvent>
 #include <QFrame>
 #include <QLabel>
+#include <QMouseEvent>
 #include <QPainter>
 
 #include <algorithm>
@@ -76,9 +77,9 @@ public:
 
 protected:
     bool eventFilter(QObject* watched, QEvent* e) override {
+        const auto& cells = panel_.Info1;
+        const auto it = std::find(cells.begin(), cells.end(), watched);
         if (e->type() == QEvent::MouseMove) {
-            const auto& cells = panel_.Info1;
-            const auto it = std::find(cells.begin(), cells.end(), watched);
             if (it != cells.end()) {
                 model_.Info1_MouseMove(static_cast<int>(it - cells.begin()));
                 changed_();
@@ -86,8 +87,13 @@ protected:
         } else if (e->type() == QEvent::MouseButtonDblClick && watched == label11_) {
             model_.Label11_DblClick();
             changed_();
-        } else if (e->type() == QEvent::MouseButtonRelease && watched != label11_) {
-            released_();
+        } else if (e->type() == QEvent::MouseButtonRelease && watched != label11_ && it == cells.end()) {
+            // Only on the tab control's own ground and tabs: a release on a
+            // cell or a caption comes up to the page and leaves the focus.
+            auto* w = static_cast<QWidget*>(watched);
+            const QWidget* hit = w->childAt(static_cast<QMouseEvent*>(e)->position().toPoint());
+            if (!hit) hit = w;
+            if (hit == panel_.InfoTabs || hit->parentWidget() == panel_.InfoTabs) released_();
         }
         return QObject::eventFilter(watched, e);
     }

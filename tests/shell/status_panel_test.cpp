@@ -59,6 +59,9 @@ TEST(StatusPanelView, MouseOnThePanel) {
     EXPECT_EQ(hidden, (std::vector<bool>{true, false, true}));
 
     f.control("CB_Connections")->setFocus();
+    QTest::mouseClick(f.control(PanelFixture::cellName(19).constData()), Qt::LeftButton);
+    QTest::mouseClick(f.control(PanelFixture::cellName(8).constData()), Qt::LeftButton);
+    EXPECT_EQ(f.form().focusWidget(), f.control("CB_Connections")) << "a click on a cell leaves the focus";
     f.clickTab("InfoTabs", 1);
     EXPECT_EQ(f.control<qt::TabControl>("InfoTabs")->currentIndex(), 1);
     EXPECT_EQ(f.form().focusWidget(), f.control("Text1"));
