@@ -129,8 +129,19 @@ void SiteManagerDialog::build() {
     OKButton->setFocus();
 
     connect(SitesList, &QListWidget::itemClicked, this, [this] { SitesList_Click(); });
-    connect(SitesList, &QListWidget::currentRowChanged, this, [this] {
-        if (!mirroring_) SitesList_Click();
+    // A selection, by mouse or keys, fills the boxes; the focus arriving
+    // on the list (which makes a row current) does not. The list keeps its
+    // one selection: a click below the entries does not clear it, so what
+    // Delete removes is always shown.
+    connect(SitesList, &QListWidget::itemSelectionChanged, this, [this] {
+        if (mirroring_) return;
+        if (!SitesList->selectedItems().isEmpty()) {
+            SitesList_Click();
+        } else if (model_.listIndex >= 0) {
+            mirroring_ = true;
+            SitesList->setCurrentRow(model_.listIndex);
+            mirroring_ = false;
+        }
     });
     connect(CMD_SiteAdd, &QPushButton::clicked, this, &SiteManagerDialog::CMD_SiteAdd_Click);
     connect(CMD_SiteDelete, &QPushButton::clicked, this, &SiteManagerDialog::CMD_SiteDelete_Click);

@@ -59,6 +59,14 @@ TEST(SiteManagerDialog, TabOrderAndSavedSitesInTheBarAfterCloseWithTheFirstSelec
         d->TXT_SiteName->setText("New");
         d->TXT_DNSIP->setText("new.org");
         d->TXT_Dport->setText("4201");
+        // Tabbing on into the list selects nothing and keeps what was typed.
+        d->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(d));
+        d->CancelButton->setFocus();
+
+        QTest::keyClick(d->CancelButton, Qt::Key_Tab);
+        EXPECT_EQ(std::tuple(d->focusWidget(), d->SitesList->selectedItems().size(), d->TXT_SiteName->text()),
+                  std::tuple(static_cast<QWidget*>(d->SitesList), 0, u"New"_qs));
         d->CMD_SiteAdd->click();
         EXPECT_EQ(f.fake.folder.read("CONN.ZIG"), kOldBook) << "only Save writes";
 
@@ -75,6 +83,7 @@ TEST(SiteManagerDialog, TabOrderAndSavedSitesInTheBarAfterCloseWithTheFirstSelec
 
         // Enter in a box presses Close.
         d->activateWindow();
+
         d->TXT_SSname->setFocus();
         QTest::keyClick(d->TXT_SSname, Qt::Key_Return);
     });
@@ -91,6 +100,8 @@ TEST(SiteManagerDialog, AFailedSaveKeepsTheDialogAndEscapeDiscards) {
     f.whileOpen<SiteManager>("CMD_SaveConnection", [&](SiteManager* d) {
         d->SitesList->setCurrentRow(0);
         EXPECT_EQ(d->TXT_DNSIP->text(), "old.org") << "a selection shows its site";
+        QTest::mouseClick(d->SitesList->viewport(), Qt::LeftButton, {}, {5, d->SitesList->viewport()->height() - 5});
+        EXPECT_EQ(d->SitesList->selectedItems().size(), 1) << "a click below the entries keeps the selection";
         d->TXT_SiteName->setText("Other");
         d->TXT_Aport->setText("99999999999");
         const QString refused = nextMessage([&] { d->CMD_SiteAdd->click(); });
