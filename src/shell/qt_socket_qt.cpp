@@ -2,8 +2,12 @@
 
 #include <QTimer>
 
+#include <fcntl.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -22,6 +26,9 @@ QtSocket::QtSocket(QObject* parent) : QObject(parent) {
         // Answers and typed lines are a few bytes each: they leave at once,
         // not when the server has acknowledged the one before.
         socket_.setSocketOption(QAbstractSocket::LowDelayOption, 1);
+        releaseWatch();
+        const auto fd = static_cast<int>(socket_.socketDescriptor());
+        if (fd >= 0) watchFd_ = ::fcntl(fd, F_DUPFD_CLOEXEC, 0);
         open_ = true;
         emit connected();
     });
@@ -30,11 +37,15 @@ QtSocket::QtSocket(QObject* parent) : QObject(parent) {
     QObject::connect(&socket_, &QTcpSocket::errorOccurred, this, &QtSocket::onError);
 }
 
+QtSocket::~QtSocket() { releaseWatch(); }
+
 void QtSocket::connect(const std::string& host, const std::string& port) {
     open_ = false;
     closing_ = false;
+    reset_ = false;
     dataWaits_ = false;
     socket_.abort();
+    releaseWatch();
     const int p = portNumber(port);
     if (p == 0) {
         // Error 10049 "Address not available" for anything but a whole port number.
@@ -52,6 +63,21 @@ void QtSocket::close() {
     closing_ = false;
     dataWaits_ = false;
     socket_.close();
+    releaseWatch();
+}
+
+void QtSocket::releaseWatch() {
+    if (watchFd_ >= 0) ::close(watchFd_);
+    watchFd_ = -1;
+}
+
+bool QtSocket::peerReset() const {
+    // A reset leaves the connection CLOSED; the server's FIN leaves it
+    // waiting for our own close.
+    tcp_info info{};
+    socklen_t size = sizeof info;
+    return watchFd_ >= 0 && ::getsockopt(watchFd_, IPPROTO_TCP, TCP_INFO, &info, &size) == 0 &&
+           info.tcpi_state == TCP_CLOSE;
 }
 
 std::string QtSocket::getData() {
@@ -112,7 +138,14 @@ void QtSocket::readLeftovers() {
 
 void QtSocket::finishClose() {
     closing_ = false;
-    emit closed();
+    if (reset_) {
+        // Error 10054, as a socket failure: the log stays open and says why.
+        reset_ = false;
+        releaseWatch();
+        fail(10054, QStringLiteral("Connection reset by peer"));
+    } else {
+        emit closed();
+    }
     open_ = false;
 }
 
@@ -145,6 +178,7 @@ void QtSocket::onDisconnected() {
     if (!open_) return;  // our own close
     // Bytes that arrived with the close come first, chunk by chunk.
     closing_ = true;
+    reset_ = peerReset();
     if (socket_.bytesAvailable() > 0 || dataWaits_)
         postRest();
     else

@@ -1,5 +1,5 @@
-// The one TCP connection over QTcpSocket, with the events of the old
-// socket control: connected, data, closed by the server, error.
+// The one TCP connection over QTcpSocket, with the four events the session
+// takes: connected, data, closed by the server, error.
 #pragma once
 
 #include <QObject>
@@ -21,6 +21,7 @@ public:
     // straight into the chunk, without passing through Qt's buffer.
     static constexpr qint64 kQtBuffer = 4 * 1024;
     explicit QtSocket(QObject* parent = nullptr);
+    ~QtSocket() override;
 
     void connect(const std::string& host, const std::string& port) override;
     void close() override;
@@ -63,14 +64,22 @@ private:
     // Appends to data what waits in the kernel, up to the chunk's size.
     void readWaiting(std::string& data);
     void finishClose();
+    // Whether the server's end came as a reset (RST) rather than a close.
+    bool peerReset() const;
+    void releaseWatch();
 
     QTcpSocket socket_;
+    // A second descriptor of the connection, kept so that its TCP state can
+    // still be read once Qt has closed its own: Qt reports a reset as a
+    // plain close.
+    int watchFd_ = -1;
     // True from the connection until the close has been handled, so that
     // bytes that came with the server's close are still read.
     bool open_ = false;
     bool inConnectCall_ = false;
     // The server closed; the close is told once its bytes were handed on.
     bool closing_ = false;
+    bool reset_ = false;
     bool restPosted_ = false;
     bool dataWaits_ = false;
     bool writesWait_ = false;

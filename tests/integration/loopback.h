@@ -8,6 +8,8 @@
 #include <QTcpSocket>
 #include <QTest>
 
+#include <sys/socket.h>
+
 #include <memory>
 #include <string>
 #include <utility>
@@ -48,6 +50,12 @@ struct ScriptedServer {
     QTcpSocket* current = nullptr;
     // Closes each connection right after its greeting.
     bool hangUp = false;
+    // Ends the latest connection with a reset (RST) instead of a close.
+    void reset() {
+        const linger now{1, 0};
+        ::setsockopt(static_cast<int>(current->socketDescriptor()), SOL_SOCKET, SO_LINGER, &now, sizeof now);
+        current->abort();
+    }
 
 private:
     std::vector<std::string> greetings_;

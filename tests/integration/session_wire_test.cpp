@@ -50,7 +50,7 @@ TEST(SessionOnTheWire, BytesWindowAndLogOfTwoConnectionsOnOneDay) {
 }
 
 // A refused connection is told on the debug window, and Connect comes back.
-TEST(SessionOnTheWire, ARefusedConnectionIsToldAndConnectComesBack) {
+TEST(SessionOnTheWire, ARefusedOrResetConnectionIsToldAndConnectComesBack) {
     WireForm t;
     t.server.server.close();
     t.form->client().setDebugInfo(true);
@@ -58,6 +58,15 @@ TEST(SessionOnTheWire, ARefusedConnectionIsToldAndConnectComesBack) {
     QTest::mouseClick(t.connectButton, Qt::LeftButton);
     ASSERT_TRUE(t.until([&] { return t.c().window(kDebugWindow).text().find("Sock 10061 ") != std::string::npos; }));
     EXPECT_TRUE(t.until([&] { return t.connectButton->isEnabled() && !t.disconnectButton->isEnabled(); }));
+
+    // A reset comes after the bytes sent before it, and the day log says why.
+    WireForm u({"bye\r\n"});
+    u.form->show();
+    QTest::mouseClick(u.connectButton, Qt::LeftButton);
+    ASSERT_TRUE(u.until([&] { return u.shows("bye"); }));
+    u.server.reset();
+    ASSERT_TRUE(u.until([&] { return u.c().connectionBar().connectEnabled; }));
+    EXPECT_EQ(u.log(), "bye\r\n\r\nSock 10054 Connection reset by peer -2146818234\r\n");
 }
 
 // Sequences cut by a read, the terminal type asked for at once, prompts
