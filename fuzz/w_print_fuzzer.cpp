@@ -1,5 +1,6 @@
 // W_Print on the eight windows (and a number outside them), fragments of
-// sequences carried from call to call in each window's Pending.
+// sequences carried from call to call in each window's Pending, and reads
+// of the main window whose cut telnet sequences wait for the next read.
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <cstdlib>
@@ -16,10 +17,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     f.c.setGraphics(in.ConsumeBool());
     while (in.remaining_bytes() > 0) {
         const int win = in.ConsumeIntegralInRange<int>(-1, kWindowCount);
+        const bool received = win == kMainWindow && in.ConsumeBool();
         const auto len = in.ConsumeIntegralInRange<std::size_t>(0, 4096);
         const std::string text = in.ConsumeBytesAsString(len);
         try {
-            f.c.parts().writer.W_Print(text, win);
+            if (received)
+                f.c.parts().writer.W_PrintReceived(text);
+            else
+                f.c.parts().writer.W_Print(text, win);
         } catch (const RunError&) {
             // A sequence that cannot be taken apart ends the call by design.
         }

@@ -179,7 +179,7 @@ void KeywordInterpreter::ECHO(std::string& s) {
     }
 }
 
-void KeywordInterpreter::INJECT(std::string& s) { p_.pipeline.S_ProcessLines(s); }
+void KeywordInterpreter::INJECT(std::string& s) { p_.pipeline.S_ProcessLines(s, LinePipeline::Source::Injected); }
 
 void KeywordInterpreter::QUEUE(std::string& s) { p_.sender.s_queuedata(s); }
 

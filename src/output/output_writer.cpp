@@ -132,7 +132,7 @@ constexpr std::size_t kLongestPending = 5;
 
 }  // namespace
 
-void OutputWriter::W_Print(std::string_view input, int win) {
+void OutputWriter::print(std::string_view input, int win, bool received) {
     if (win < 0 || win >= kWindowCount) {
         debug_.DebugLog("No such window :" + decimal(win));
         return;
@@ -143,16 +143,20 @@ void OutputWriter::W_Print(std::string_view input, int win) {
     // one the caller's text is read where it lies.
     std::string joined;
     std::string_view text = input;
-    if (!st.Pending.empty()) {
-        joined.reserve(st.Pending.size() + input.size());
-        joined.append(st.Pending).append(input);
+    const bool carried = received && !st.TelnetPending.empty();
+    if (!st.Pending.empty() || carried) {
+        joined.reserve(st.Pending.size() + (carried ? st.TelnetPending.size() : 0) + input.size());
+        joined.append(st.Pending);
+        if (carried) joined.append(st.TelnetPending);
+        joined.append(input);
         st.Pending.clear();
+        if (carried) st.TelnetPending.clear();
         text = joined;
     }
     st.StartLen = windows_.text[win].size();
 
     try {
-        writeAll(text, win);
+        writeAll(text, win, received);
     } catch (...) {
         // A failed call still leaves the window within its limit, or a flood
         // of broken sequences would grow it without end.
@@ -162,7 +166,7 @@ void OutputWriter::W_Print(std::string_view input, int win) {
     applyLimit(win);
 }
 
-void OutputWriter::writeAll(std::string_view all, int win) {
+void OutputWriter::writeAll(std::string_view all, int win, bool received) {
     WindowState& st = windows_.state[win];
     OutputWindow& out = windows_.text[win];
     ForwardFinder finals(all, kIsFinal);
@@ -193,7 +197,7 @@ void OutputWriter::writeAll(std::string_view all, int win) {
             }
             const std::size_t used = telnet_.S_InterpretIac(all.substr(pos), win);
             if (used == TelnetInterpreter::kUnfinished) {
-                st.Pending.assign(all.substr(pos));
+                if (received) st.TelnetPending.assign(all.substr(pos));
                 return;
             }
             pos += used;

@@ -27,10 +27,15 @@ public:
     // what was written before stays. `text` must not lie in anything a
     // print can change (a window, the history): a telnet answer prints and
     // records its echo while the text is being read.
-    void W_Print(std::string_view text, int win);
+    void W_Print(std::string_view text, int win) { print(text, win, false); }
+    // A chunk read from the server, for the main window: a telnet sequence
+    // that its end cuts waits for the next chunk. In any other text an
+    // unfinished telnet sequence at the end shows nothing and is dropped.
+    void W_PrintReceived(std::string_view text) { print(text, kMainWindow, true); }
 
 private:
-    void writeAll(std::string_view text, int win);
+    void print(std::string_view text, int win, bool received);
+    void writeAll(std::string_view text, int win, bool received);
     // The same for fewer than 8 parameter bytes, also held in `key` (the
     // bytes in a word, the rest zero), through the cache.
     void applyShortSgr(std::uint64_t key, std::string_view params, int win) {

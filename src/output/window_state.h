@@ -21,6 +21,9 @@ struct WindowState {
     bool Reverse = false;
     bool Ink = true;
     std::string Pending;
+    // A telnet sequence cut by the end of a read: only the next read
+    // completes it, never an echo or another text written meanwhile.
+    std::string TelnetPending;
     std::size_t StartLen = 0;
 };
 

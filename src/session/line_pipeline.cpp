@@ -19,10 +19,10 @@ void LinePipeline::cleanerText(std::string& data) {
     data.insert(p + 1, "\r\n\r");
 }
 
-void LinePipeline::S_ProcessLines(std::string& data) {
+void LinePipeline::S_ProcessLines(std::string& data, Source from) {
     const Depth::Level level = nesting_.enter();
     try {
-        run(data);
+        run(data, from);
     } catch (const RunError& e) {
         if (dynamic_cast<const NestingTooDeep*>(&e) && nesting_.current() > 1) throw;
         printError(e.number(), e.what(), e.source());
@@ -39,9 +39,12 @@ void LinePipeline::printError(int number, const std::string& description, const 
     log_.print("\r\nERROR : " + decimal(number) + "/" + description + " on line " + source);
 }
 
-void LinePipeline::run(std::string& data) {
+void LinePipeline::run(std::string& data, Source from) {
     if (CleanerText) cleanerText(data);
-    writer_.W_Print(data, kMainWindow);
+    if (from == Source::Received)
+        writer_.W_PrintReceived(data);
+    else
+        writer_.W_Print(data, kMainWindow);
     log_.print(data);
     triggers_->matchGlobal(data);
     // The chunk is read in place: it is this call's own text, which no

@@ -21,13 +21,15 @@ public:
 
     void setTriggers(TriggerPasses& triggers) { triggers_ = &triggers; }
 
-    void S_ProcessLines(std::string& data);
+    // Where a text comes from: read from the server, or put in by #INJECT.
+    enum class Source { Received, Injected };
+    void S_ProcessLines(std::string& data, Source from);
 
     // The extra line breaks ahead of "Gold:" when "MPP:" is in the chunk too.
     static void cleanerText(std::string& data);
 
 private:
-    void run(std::string& data);
+    void run(std::string& data, Source from);
     void printError(int number, const std::string& description, const std::string& source);
 
     OutputWriter& writer_;

@@ -19,7 +19,7 @@ void ServerSession::s_DataArrival() {
     // 6. The raw text of the run.
     history_.append(data);
     // 7. Display, log and triggers.
-    pipeline_.S_ProcessLines(data);
+    pipeline_.S_ProcessLines(data, LinePipeline::Source::Received);
 }
 
 }  // namespace kelpa

@@ -32,6 +32,7 @@ struct IacRow { std::string name, text, display, debug, pending = {}; };
 struct Writer : ClientHarness {
     using ClientHarness::ClientHarness;
     void print(const std::string& text, int win = kMainWindow) { c.parts().writer.W_Print(text, win); }
+    void printReceived(const std::string& text) { c.parts().writer.W_PrintReceived(text); }
     TextStyle style(int win, std::size_t pos) { return styleAt(c.parts().windows.text[win], pos); }
 };
 
@@ -46,7 +47,8 @@ Runs runsOf(const OutputWindow& w) {
 }
 
 auto stateOf(const WindowState& x) {
-    return std::tie(x.Colour, x.NotBold, x.BackColour, x.Underline, x.Blink, x.Reverse, x.Ink, x.Pending, x.StartLen);
+    return std::tie(x.Colour, x.NotBold, x.BackColour, x.Underline, x.Blink, x.Reverse, x.Ink, x.Pending,
+                    x.TelnetPending, x.StartLen);
 }
 
 }  // namespace
@@ -119,10 +121,11 @@ namespace {
 // A_ParseCsi, every stretch of text through OutputWindow::append. The
 // writer's block scans, its short-SGR cache and its direct copies must
 // leave exactly what this leaves.
-void slowPrint(Client& c, std::string_view input, int win) {
+void slowPrint(Client& c, std::string_view input, int win, bool received) {
     WindowState& st = c.parts().windows.state[win];
     OutputWindow& out = c.parts().windows.text[win];
-    const std::string all = std::exchange(st.Pending, {}) + std::string(input);
+    const std::string all =
+        std::exchange(st.Pending, {}) + (received ? std::exchange(st.TelnetPending, {}) : "") + std::string(input);
     st.StartLen = out.size();
     std::string text;
     auto flush = [&](bool last) {
@@ -157,7 +160,11 @@ void slowPrint(Client& c, std::string_view input, int win) {
             used = TelnetInterpreter::kUnfinished;
         }
         if (used == TelnetInterpreter::kUnfinished) {
-            st.Pending = all.substr(pos);
+            // ESC fragments wait for any text; telnet ones only for the next read.
+            if (all[pos] == '\x1B')
+                st.Pending = all.substr(pos);
+            else if (received)
+                st.TelnetPending = all.substr(pos);
             break;
         }
     }
@@ -197,13 +204,18 @@ TEST(OutputWriter, FastPathsLeaveWhatTheByteByByteReadingLeaves) {
             const std::string piece = stream.substr(pos, len);
             pos += len;
             const int win = std::array{0, 0, 0, 1, 2, 7}[rng() % 6];
-            const bool graphics = rng() % 4 != 0, ink = rng() % 8 != 0;
+            const bool graphics = rng() % 4 != 0, ink = rng() % 8 != 0, received = win == 0 && rng() % 4 != 0;
             std::string errors[2];
             for (ClientHarness* h : {&fast, &slow}) {
                 h->c.setGraphics(graphics);
                 h->state(win).Ink = ink;
                 try {
-                    h == &fast ? h->c.parts().writer.W_Print(piece, win) : slowPrint(h->c, piece, win);
+                    if (h == &slow)
+                        slowPrint(h->c, piece, win, received);
+                    else if (received)
+                        h->c.parts().writer.W_PrintReceived(piece);
+                    else
+                        h->c.parts().writer.W_Print(piece, win);
                 } catch (const RunError& e) {
                     errors[h == &slow] = e.source();
                 }
@@ -282,15 +294,16 @@ TEST(OutputWriter, FragmentsAndNegotiationAreSwallowedOrWaitWhenCutShort) {
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         Writer h;
-        h.print(row.text);
-        EXPECT_EQ(std::tuple(h.window(kMainWindow), h.debugText(), h.state(kMainWindow).Pending, h.fp.socket.sent),
+        h.printReceived(row.text);
+        const auto pending = [](WindowState& st) { return st.Pending + st.TelnetPending; };
+        EXPECT_EQ(std::tuple(h.window(kMainWindow), h.debugText(), pending(h.state(kMainWindow)), h.fp.socket.sent),
                   std::tuple(row.display, row.debug, row.pending, ""));
         const bool whole = row.text.size() > 99 || row.text.find(ESC) != std::string::npos;
         for (std::size_t cut = 1; cut < row.text.size() && !whole; ++cut) {
             Writer two;
-            two.print(row.text.substr(0, cut));
-            two.print(row.text.substr(cut));
-            EXPECT_EQ(two.window(kMainWindow) + "|" + two.debugText() + "|" + two.state(kMainWindow).Pending,
+            two.printReceived(row.text.substr(0, cut));
+            two.printReceived(row.text.substr(cut));
+            EXPECT_EQ(two.window(kMainWindow) + "|" + two.debugText() + "|" + pending(two.state(kMainWindow)),
                       row.display + "|" + row.debug + "|" + row.pending) << "cut at " << cut;
         }
     }

@@ -11,6 +11,7 @@
 
 #include "session/server_session.h"
 #include "support/client_harness.h"
+#include "support/trigger_fixture.h"
 
 using namespace kelpa;
 using kelpa::test::bytes;
@@ -48,7 +49,7 @@ struct PipelineHarness : ClientHarness {
         c.parts().pipeline.setTriggers(triggers);
         openLog();
     }
-    void process(std::string chunk) { c.parts().pipeline.S_ProcessLines(chunk); }
+    void process(std::string chunk) { c.parts().pipeline.S_ProcessLines(chunk, LinePipeline::Source::Received); }
 };
 
 using Lines = std::vector<std::string>;
@@ -220,4 +221,34 @@ TEST(LinePipeline, FailureAbandonsTheChunkWithTheLogErrorLine) {
     noLog.c.parts().log.close();
     noLog.process("x\x1BMlost");
     EXPECT_EQ(std::pair(noLog.window(kMainWindow), noLog.triggers.global), std::pair(std::string("x"), Lines{}));
+}
+
+// A telnet sequence cut by the end of a read waits for the next read: the
+// echo of an answer or a typed line written meanwhile neither completes it
+// nor is swallowed by it.
+TEST(ReceiveRoad, ATelnetSequenceCutByAReadWaitsForTheNextReadOnly) {
+    const std::string answer("\xFF\xFA\x18\x00" "ANSI" "\x00\xFF\xF0", 11);
+    kelpa::test::TriggerFixture t;
+    t.trigger("a.trigger", "pattern1=login:\r\naction=guest");
+    t.c.LoadTriggers();
+    t.receive("login: \xFF\xFD");  // the read ends inside IAC DO
+    t.receive("\x18");
+    EXPECT_EQ(t.window(kMainWindow), "login: guest\r\n" + std::string("\0ANSI\0", 6));
+    EXPECT_EQ(t.sent(), "guest\r\n" + answer);
+
+    ClientHarness linemode;
+    linemode.receive(bytes({'H', 'P', '>', ' ', 255, 250, 34, 1}));
+    linemode.c.Text1_Enter("north");
+    linemode.receive(bytes({3, 255, 240}) + "You go.");
+    EXPECT_EQ(linemode.window(kMainWindow), "HP> north\r\nYou go.");
+
+    ClientHarness prompt;
+    prompt.receive("prompt> \xFF");
+    prompt.c.Text1_Enter("north");
+    prompt.receive("\xF9");
+    EXPECT_EQ(prompt.window(kMainWindow), "prompt> north\r\n");
+    // Any other text drops an unfinished sequence at its end.
+    prompt.c.parts().writer.W_Print("x\xFF\xFD", kMainWindow);
+    EXPECT_EQ(prompt.window(kMainWindow) + prompt.state(kMainWindow).Pending + prompt.state(kMainWindow).TelnetPending,
+              "prompt> north\r\nx");
 }
