@@ -146,7 +146,8 @@ void OutputView::ensureLaidOut() {
         anchor_ = caret_ = Pos{};
         selecting_ = false;
         wrapFrom(wrappedColumns_ == columns() ? changed : 0);
-        updateScrollRange(true);
+        updateScrollRange(!fromTop_);
+        if (fromTop_) verticalScrollBar()->setValue(0);
     } else if (wrappedColumns_ != columns()) {
         QScrollBar* bar = verticalScrollBar();
         const bool atEnd = bar->value() >= bar->maximum();

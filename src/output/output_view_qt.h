@@ -27,6 +27,9 @@ public:
     // Follows the model; cheap when it did not change. A hidden view waits
     // until it is shown.
     void sync();
+    // New text shows from the first line instead of the end: for a window
+    // that is only ever drawn whole, a page whose top must be in sight.
+    void setShowsFromTop(bool fromTop) { fromTop_ = fromTop; }
 
     // The text of a line as it is drawn (lines end at LF, before wrapping).
     int lineCount();
@@ -94,6 +97,7 @@ private:
     std::vector<Row> rows_;
 
     bool selecting_ = false;
+    bool fromTop_ = false;
     Pos anchor_, caret_;
 
     // The look of what each screen row shows now, from the paints and

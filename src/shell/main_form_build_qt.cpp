@@ -65,7 +65,9 @@ void MainForm::buildWorkArea() {
     QWidget* main = SSTab1_->addPage(QStringLiteral("Main"));
     SSTab2_ = new TabControl(QStringLiteral("SSTab2"), QColor(64, 64, 64), 2, main);
     makeView(kMainWindow, SSTab2_->addPage(QStringLiteral("Actual")));
-    makeView(kHistT, SSTab2_->addPage(QStringLiteral("History")));
+    // A history page is taller than the view at small sizes: its top line,
+    // the one the keys and Seek go by, stays in sight.
+    makeView(kHistT, SSTab2_->addPage(QStringLiteral("History")))->setShowsFromTop(true);
     buildSystemPage(SSTab1_->addPage(QStringLiteral("System")));
     for (int i = 0; i < 4; ++i) makeView(kCustom1 + i, SSTab1_->addPage(QStringLiteral("Custom %1").arg(i + 1)));
     buildToolsPage(SSTab1_->addPage(QStringLiteral("Tools")));
