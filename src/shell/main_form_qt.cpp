@@ -198,6 +198,9 @@ void MainForm::connectControls() {
     connect(findChild<QPushButton*>(QStringLiteral("CMD_About")), &QPushButton::clicked, this,
             &MainForm::CMD_About_Click);
     Text1_->installEventFilter(this);
+    // Typing at start goes to the command line, where it can do no harm;
+    // the site list would take the letters as a choice of another site.
+    Text1_->setFocus();
     listenToStatusPanel();
 }
 

@@ -34,6 +34,9 @@ TEST(StartUp, TabsOpenOnTheirFirstPageAndTheCheckBoxesOfThePageSystemSwitchTheCo
     for (const char* name : {"SSTab1", "SSTab2", "ToolsTabs", "InfoTabs"})
         EXPECT_EQ(f.control<qt::TabControl>(name)->currentIndex(), 0) << name;
     EXPECT_TRUE(f.control("t")->isVisible() && !f.control("DBGWindow")->isVisible());
+    f.form().activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&f.form()));
+    EXPECT_EQ(QApplication::focusWidget(), f.control("Text1")) << "typing at start goes to the command line";
     f.clickTab("SSTab1", 1);
     EXPECT_TRUE(f.control("DBGWindow")->isVisible() && !f.control("t")->isVisible());
     for (const char* box : {"IG", "CT", "DebugInfo"}) f.control<QCheckBox>(box)->click();
