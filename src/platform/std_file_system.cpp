@@ -2,6 +2,10 @@
 
 #include "common/text.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
@@ -58,8 +62,13 @@ std::filesystem::path StdFileSystem::full(const std::string& path) const {
 }
 
 bool StdFileSystem::exists(const std::string& path) const {
+    // Anything standing there counts, also a link to nowhere or a file we
+    // may not look at: a file taken for missing would be made anew over it.
     std::error_code ec;
-    return std::filesystem::exists(full(path), ec);
+    const auto s = std::filesystem::symlink_status(full(path), ec);
+    if (s.type() == std::filesystem::file_type::not_found) return false;
+    if (ec) return ec != std::errc::no_such_file_or_directory && ec != std::errc::not_a_directory;
+    return true;
 }
 
 bool StdFileSystem::remove(const std::string& path) {
@@ -78,21 +87,49 @@ std::unique_ptr<AppendFile> StdFileSystem::openAppend(const std::string& path) {
     std::error_code ec;
     // A folder of that name cannot be a log.
     if (std::filesystem::is_directory(p, ec)) return nullptr;
-    std::FILE* f = std::fopen(p.c_str(), "ab");
-    if (!f) return nullptr;
+    // Opened without waiting: a named pipe with no reader is refused at
+    // once instead of holding the program.
+    const int fd = ::open(p.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_CLOEXEC, 0666);
+    if (fd < 0) return nullptr;
+    ::fcntl(fd, F_SETFL, O_APPEND);
+    std::FILE* f = ::fdopen(fd, "ab");
+    if (!f) {
+        ::close(fd);
+        return nullptr;
+    }
     return std::make_unique<StdAppendFile>(f);
 }
 
 bool StdFileSystem::readAll(const std::string& path, std::string& out) const {
-    std::FILE* f = std::fopen(full(path).c_str(), "rb");
-    if (!f) return false;
+    // Only a regular file, and opened without waiting: a named pipe or a
+    // device in place of a file would hold the program forever.
+    const int fd = ::open(full(path).c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (fd < 0) {
+        lastError_ = std::strerror(errno);
+        return false;
+    }
+    struct stat st {};
+    if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
+        lastError_ = "not a regular file";
+        ::close(fd);
+        return false;
+    }
     out.clear();
+    out.reserve(static_cast<std::size_t>(st.st_size));
     char buf[65536];
-    std::size_t n;
-    while ((n = std::fread(buf, 1, sizeof buf, f)) > 0) out.append(buf, n);
-    bool ok = !std::ferror(f);
-    std::fclose(f);
-    return ok;
+    for (;;) {
+        const ssize_t n = ::read(fd, buf, sizeof buf);
+        if (n == 0) break;
+        if (n < 0) {
+            if (errno == EINTR) continue;
+            lastError_ = std::strerror(errno);
+            ::close(fd);
+            return false;
+        }
+        out.append(buf, static_cast<std::size_t>(n));
+    }
+    ::close(fd);
+    return true;
 }
 
 std::unique_ptr<ReadFile> StdFileSystem::openRead(const std::string& path) const {
@@ -112,6 +149,13 @@ std::unique_ptr<ReadFile> StdFileSystem::openRead(const std::string& path) const
 
 bool StdFileSystem::writeAll(const std::string& path, const std::string& bytes) {
     std::filesystem::path target = full(path);
+    std::error_code ec;
+    // A link stays a link: the file it names is the one written.
+    for (int hops = 0; hops < 16 && std::filesystem::is_symlink(target, ec); ++hops) {
+        const std::filesystem::path to = std::filesystem::read_symlink(target, ec);
+        if (ec) break;
+        target = to.is_absolute() ? to : target.parent_path() / to;
+    }
     std::filesystem::path tmp = target;
     tmp += ".tmp";
     std::FILE* f = std::fopen(tmp.c_str(), "wb");
@@ -119,14 +163,18 @@ bool StdFileSystem::writeAll(const std::string& path, const std::string& bytes) 
         lastError_ = std::strerror(errno);
         return false;
     }
+    // The new file keeps the old one's permissions: a site book that only
+    // its owner may read holds passwords.
+    struct stat old {};
+    if (::stat(target.c_str(), &old) == 0) ::fchmod(::fileno(f), old.st_mode & 07777);
     bool ok = std::fwrite(bytes.data(), 1, bytes.size(), f) == bytes.size();
     ok = (std::fflush(f) == 0) && ok;
+    ok = ok && ::fsync(::fileno(f)) == 0;
     if (!ok) lastError_ = std::strerror(errno);
     if (std::fclose(f) != 0 && ok) {
         lastError_ = std::strerror(errno);
         ok = false;
     }
-    std::error_code ec;
     if (ok) {
         std::filesystem::rename(tmp, target, ec);
         if (ec) lastError_ = ec.message();

@@ -28,7 +28,7 @@ public:
 private:
     std::filesystem::path full(const std::string& path) const;
     std::filesystem::path root_;
-    std::string lastError_;
+    mutable std::string lastError_;
 };
 
 }  // namespace kelpa

@@ -3,7 +3,9 @@
 // refuse writes even to root: a full device and a folder of /proc.
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
 #include <time.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <filesystem>
@@ -91,6 +93,46 @@ TEST(Edges, TheTriggerEditorInAFolderThatRefusesFilesSaysWhyAndKeepsTheText) {
     const std::string triggerPath = h.fp.files.absolute("triggers/a.trigger");
     EXPECT_EQ(told[0].rfind("Cannot save the trigger " + triggerPath + ": ", 0), 0u) << told[0];
     EXPECT_EQ(trigger.txtTRGBody, "pattern1=?\r\naction=#nop\r\npattern1=?\r\naction=#nop");
+}
+
+}  // namespace
+}  // namespace kelpa::test
+
+namespace kelpa::test {
+namespace {
+
+// Saves write through a link and keep the file's permissions; a link to
+// nowhere is not taken for a missing book; a named pipe in place of a file
+// is refused at once, never waited on.
+TEST(Edges, SavesKeepLinksAndPermissionsAndAPipeNeverHoldsTheProgram) {
+    namespace fs = std::filesystem;
+    ClientHarness h;
+    const fs::path root = h.fp.folder.path();
+    TempFolder elsewhere;
+    const fs::path real = elsewhere.path() / "book";
+    fs::remove(root / "CONN.ZIG");
+    fs::create_symlink(real, root / "CONN.ZIG");
+    std::vector<SiteRecord> sites;
+    LoadSites(h.fp.files, sites);
+    EXPECT_TRUE(fs::is_symlink(root / "CONN.ZIG") && !fs::exists(real)) << "not made anew";
+    elsewhere.write("book", "");
+    fs::permissions(real, fs::perms::owner_read | fs::perms::owner_write);
+    ASSERT_TRUE(SaveSites(h.fp.files, {SiteRecord{"Mud", "mud", "mud.org", "", 4000, 0, "secret", ""}}));
+    EXPECT_TRUE(fs::is_symlink(root / "CONN.ZIG"));
+    EXPECT_NE(elsewhere.read("book").find("STRI=secret"), std::string::npos);
+    EXPECT_EQ(fs::status(real).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+
+    ::alarm(20);  // a wait on a pipe ends the run here, not at the suite's timeout
+    fs::create_directories(root / "macros");
+    ASSERT_EQ(::mkfifo((root / "macros/f.macro").c_str(), 0644), 0);
+    h.c.Text1_Enter("@f");
+    EXPECT_NE(h.debugText().find("UNKNOWN MACRO for command"), std::string::npos);
+    fs::create_directories(root / "logs/mud");
+    ASSERT_EQ(::mkfifo((root / SessionLog::pathFor("mud", h.fp.clock.day)).c_str(), 0644), 0);
+    h.openLog();
+    h.receive("still here\r\n");
+    EXPECT_EQ(h.window(kMainWindow), "still here\r\n");
+    ::alarm(0);
 }
 
 }  // namespace
