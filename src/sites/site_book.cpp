@@ -89,14 +89,15 @@ std::string formatSites(const std::vector<SiteRecord>& sites) {
     return out;
 }
 
-void LoadSites(FileSystem& files, std::vector<SiteRecord>& sites, const SiteWarning& warn) {
+bool LoadSites(FileSystem& files, std::vector<SiteRecord>& sites, const SiteWarning& warn) {
     if (!files.exists(kSiteBookFile)) files.writeAll(kSiteBookFile, "");
     std::string text;
     if (!files.readAll(kSiteBookFile, text)) {
         if (warn) warn("CONN.ZIG cannot be read");
-        return;
+        return false;
     }
     parseSites(text, sites, warn);
+    return true;
 }
 
 bool SaveSites(FileSystem& files, const std::vector<SiteRecord>& sites) {

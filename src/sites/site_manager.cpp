@@ -11,7 +11,13 @@ namespace kelpa {
 SiteManager::SiteManager(FileSystem& files) : files_(files) {}
 
 void SiteManager::Form_Load() {
-    LoadSites(files_, Sites);
+    loadProblem_.clear();
+    if (!LoadSites(files_, Sites)) {
+        const std::string reason = files_.lastError();
+        loadProblem_ = "Cannot read the site book " + files_.absolute(kSiteBookFile) +
+                       (reason.empty() ? "" : ": " + reason) +
+                       ". Its sites are not shown, and Save is refused so that they are not replaced.";
+    }
     refillList();
 }
 
@@ -77,6 +83,7 @@ void SiteManager::CMD_SiteDelete_Click() {
 }
 
 std::string SiteManager::OKButton_Click() {
+    if (!loadProblem_.empty()) return loadProblem_ + " The file is unchanged.";
     if (SaveSites(files_, Sites)) return {};
     std::string why = "Cannot save the site book " + files_.absolute(kSiteBookFile);
     const std::string reason = files_.lastError();

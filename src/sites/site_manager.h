@@ -30,6 +30,9 @@ public:
     explicit SiteManager(FileSystem& files);
 
     void Form_Load();
+    // Empty, or why the book could not be read when the dialog opened:
+    // Save then refuses to write a book that would replace it.
+    const std::string& loadProblem() const { return loadProblem_; }
     // Selects the item and shows the first entry that bears its name.
     void SitesList_Click(int index);
     // Stores the boxes under their name. Empty, or why nothing was stored.
@@ -53,6 +56,7 @@ private:
     void refillList();
 
     FileSystem& files_;
+    std::string loadProblem_;
 };
 
 }  // namespace kelpa

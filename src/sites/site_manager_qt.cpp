@@ -68,6 +68,8 @@ SiteManagerDialog::SiteManagerDialog(FileSystem& files, QWidget* parent)
 
     model_.Form_Load();
     mirror();
+    if (!model_.loadProblem().empty())
+        QTimer::singleShot(0, this, [this] { tell(model_.loadProblem()); });
     if (parent) move(parent->window()->geometry().center() - rect().center());
 }
 

@@ -80,3 +80,16 @@ TEST(SiteManager, DeleteKeepsTheLastSiteAndSelectsTheEntryInTheDeletedPlace) {
         EXPECT_EQ(s.book(), formatSites(book)) << "Delete does not touch the file";
     }
 }
+
+TEST(SiteManager, ABookThatCannotBeReadIsNeverReplaced) {
+    MemoryFileSystem files;
+    files.folders.insert(kSiteBookFile);  // there, but no file to read
+    SiteManager m{files};
+    m.Form_Load();
+    EXPECT_EQ(m.loadProblem().rfind("Cannot read the site book " + files.absolute(kSiteBookFile), 0), 0u)
+        << m.loadProblem();
+    m.boxes = {"New", "new", "new.org", "", "23", "0", "", ""};
+    m.CMD_SiteAdd_Click();
+    EXPECT_EQ(m.OKButton_Click(), m.loadProblem() + " The file is unchanged.");
+    EXPECT_EQ(files.files.count(kSiteBookFile), 0u);
+}
