@@ -14,31 +14,56 @@ void SessionLog::open(const std::string& shortName) {
     close();
     ++LogFile;
     path_ = pathFor(shortName, clock_.today());
-    file_ = files_.openAppend(path_);
-    if (!file_) {
-        files_.createDirectories("logs/" + shortName);
-        file_ = files_.openAppend(path_);
-    }
-    if (!file_) debug_.DebugLog("Cannot open the log " + files_.absolute(path_));
+    if (!reopen()) lost("Cannot open the log ");
 }
 
-void SessionLog::close() { file_.reset(); }
+bool SessionLog::reopen() {
+    file_ = files_.openAppend(path_);
+    if (!file_) {
+        files_.createDirectories(path_.substr(0, path_.rfind('/')));
+        file_ = files_.openAppend(path_);
+    }
+    return file_ != nullptr;
+}
+
+// Told whatever the debug switch says: a session without its log is
+// something the player must know.
+void SessionLog::lost(const std::string& why) {
+    debug_.tellAlways(why + files_.absolute(path_));
+    file_.reset();
+    failed_ = true;
+    retryIn_ = kRetrySeconds;
+}
+
+void SessionLog::close() {
+    file_.reset();
+    failed_ = false;
+}
 
 void SessionLog::print(const std::string& text) {
     if (!file_) return;
-    if (!file_->write(text, "\r\n")) {
-        // Keep going without a log; the next connection or day tries again.
-        debug_.DebugLog("Cannot write the log " + files_.absolute(path_));
-        file_.reset();
-    }
+    if (!file_->write(text, "\r\n")) lost("Cannot write the log ");
 }
 
 void SessionLog::checkDayChange(const std::string& shortName) {
     const Date today = clock_.today();
-    if (today == LogDate) return;
-    close();
-    LogDate = today;
-    open(shortName);
+    if (today != LogDate) {
+        close();
+        LogDate = today;
+        open(shortName);
+    } else if (file_ && file_->unlinked()) {
+        // Deleted or replaced under us: the rest of the session goes to a
+        // file of that name again.
+        debug_.tellAlways("The log " + files_.absolute(path_) + " lost its file; writing to a new one");
+        if (!reopen()) lost("Cannot open the log ");
+    } else if (failed_ && --retryIn_ <= 0) {
+        if (reopen()) {
+            failed_ = false;
+            debug_.tellAlways("The log " + files_.absolute(path_) + " is written again");
+        } else {
+            retryIn_ = kRetrySeconds;
+        }
+    }
 }
 
 }  // namespace kelpa

@@ -32,8 +32,11 @@ public:
     // Writes one text followed by CR LF, if a log is open.
     void print(const std::string& text);
 
-    // The once-a-second check for a new day, in either direction.
+    // The once-a-second check for a new day, in either direction; it also
+    // opens again a log that lost its file or stopped taking writes (this
+    // one at most every kRetrySeconds).
     void checkDayChange(const std::string& shortName);
+    static constexpr int kRetrySeconds = 10;
 
     const std::string& currentPath() const { return path_; }
 
@@ -41,8 +44,14 @@ private:
     FileSystem& files_;
     Clock& clock_;
     DebugChannel& debug_;
+    bool reopen();
+    void lost(const std::string& why);
+
     std::unique_ptr<AppendFile> file_;
     std::string path_;
+    // The log should be open but is not; a new try comes in this many ticks.
+    bool failed_ = false;
+    int retryIn_ = 0;
 };
 
 }  // namespace kelpa

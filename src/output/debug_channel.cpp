@@ -16,4 +16,11 @@ void DebugChannel::DebugLog(std::string text) {
     if (window_.size() > kMaxChars) window_.cutAfterFirst(window_.size() - kMaxChars * 4 / 5);
 }
 
+void DebugChannel::tellAlways(const std::string& line) {
+    const bool on = enabled;
+    enabled = true;
+    DebugLog(line);
+    enabled = on;
+}
+
 }  // namespace kelpa

@@ -20,6 +20,8 @@ public:
 
     // A final ";" leaves the line open for the next text.
     void DebugLog(std::string text);
+    // A line the player must see whatever the switch says (the log lost).
+    void tellAlways(const std::string& line);
 
 private:
     OutputWindow& window_;

@@ -64,6 +64,9 @@ public:
     // The two texts one after the other, as one write: a line and its end
     // need no joined copy.
     virtual bool write(std::string_view text, std::string_view more) = 0;
+    // Whether the file has lost its name (deleted, or another file renamed
+    // over it): what is written then reaches no file anyone can open.
+    virtual bool unlinked() const { return false; }
 };
 
 // A file open for reading from its start, shared with writers.

@@ -29,6 +29,10 @@ public:
         if (std::fwrite(more.data(), 1, more.size(), f_) != more.size()) return false;
         return std::fflush(f_) == 0;
     }
+    bool unlinked() const override {
+        struct stat st {};
+        return ::fstat(::fileno(f_), &st) == 0 && st.st_nlink == 0;
+    }
 
 private:
     static constexpr std::size_t kBuffer = 80 * 1024;

@@ -69,12 +69,7 @@ void Client::SiteManagerClosed() {
     p_.bar.reload(p_.platform.files, [this](const std::string& w) { p_.debug.DebugLog(w); });
 }
 
-void Client::startupNote(const std::string& line) {
-    const bool on = p_.debug.enabled;
-    p_.debug.enabled = true;
-    p_.debug.DebugLog(line);
-    p_.debug.enabled = on;
-}
+void Client::startupNote(const std::string& line) { p_.debug.tellAlways(line); }
 
 void Client::LoadTriggers() { p_.LoadTriggers(); }
 

@@ -56,10 +56,11 @@ TEST(Edges, FloodsThatNeverEndALineOrASequenceStayCheapPerChunk) {
     }
 }
 
-// A log on a full device is told once and the text stays; the next day's
-// file is written again.
+// A log on a full device is told once, even with the debug switch off, and
+// the text stays; once there is room again the log goes on, and a log whose
+// file is deleted goes on in a new one. The next day's file is written.
 TEST(Edges, AFullDeviceEndsTheLogAndTheTextStays) {
-    ClientHarness h;
+    ClientHarness h(/*connected=*/true, /*debugOn=*/false);
     h.openLog();
     const std::filesystem::path log = h.fp.folder.path() / h.c.parts().log.currentPath();
     h.c.parts().log.close();
@@ -72,6 +73,17 @@ TEST(Edges, AFullDeviceEndsTheLogAndTheTextStays) {
     const std::string debug = h.debugText();
     EXPECT_NE(debug.find("Cannot write the log " + log.string()), std::string::npos) << debug;
     EXPECT_EQ(debug.find("Cannot write the log"), debug.rfind("Cannot write the log")) << "told once";
+
+    std::filesystem::remove(log);  // room again
+    for (int i = 0; i < SessionLog::kRetrySeconds; ++i) h.c.as_timer_Timer();
+    h.receive("back\r\n");
+    EXPECT_EQ(h.fp.folder.read(h.c.parts().log.currentPath()), "back\r\n\r\n");
+    std::filesystem::remove(log);
+    h.c.as_timer_Timer();
+    h.receive("again\r\n");
+    EXPECT_EQ(h.fp.folder.read(h.c.parts().log.currentPath()), "again\r\n\r\n");
+    EXPECT_NE(h.debugText().find("is written again"), std::string::npos) << h.debugText();
+    EXPECT_NE(h.debugText().find("lost its file; writing to a new one"), std::string::npos);
 
     h.c.parts().bar.Sites = {SiteRecord{"mud", "mud", "", "", 0, 0, "", ""}};
     h.c.parts().bar.CB_Connections_Click(0);
