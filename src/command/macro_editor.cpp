@@ -75,7 +75,7 @@ void MacroEditor::BTNMacrosSave_Click() {
     if (MListName == "Main" || overrideDir_.empty()) files_.createDirectories(MacroRunner::kFolder);
     const std::string path = workingFolder() + txtMacrosLabel;
     if (!files_.writeAll(path, trimBlanks(txtMacrosCommands) + "\r\n"))
-        host_.messageBox("Cannot save the macro " + files_.absolute(path));
+        host_.messageBox(fileFailureMessage("save the macro", files_.absolute(path), files_.lastError()));
 }
 
 void MacroEditor::BTNMacrosDelete_Click() {
@@ -83,7 +83,7 @@ void MacroEditor::BTNMacrosDelete_Click() {
     if (!usableName(txtMacrosLabel)) return;
     const std::string path = workingFolder() + txtMacrosLabel;
     if (!files_.remove(path)) {
-        host_.messageBox("Cannot delete the macro " + files_.absolute(path));
+        host_.messageBox(fileFailureMessage("delete the macro", files_.absolute(path), files_.lastError()));
         return;
     }
     brefresh3_Click();

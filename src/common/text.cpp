@@ -48,6 +48,12 @@ bool portableFileName(std::string_view name) {
     return name.find_first_of(std::string_view("\\/:*?\"<>|\0", 10)) == std::string_view::npos;
 }
 
+std::string fileFailureMessage(std::string_view action, std::string_view path, std::string_view why) {
+    std::string m = "Cannot " + std::string(action) + " " + std::string(path);
+    if (!why.empty()) m += ": " + std::string(why);
+    return m + ".";
+}
+
 std::string refusedNameMessage(std::string_view kind, std::string_view name) {
     return "Cannot use the " + std::string(kind) + " name \"" + std::string(name) +
            "\": a name is not blank and holds none of \\ / : * ? \" < > |";

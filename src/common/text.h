@@ -41,5 +41,8 @@ bool portableFileName(std::string_view name);
 
 // The editors' message for a name that is not one.
 std::string refusedNameMessage(std::string_view kind, std::string_view name);
+// The editors' message for a file they could not save or delete:
+// "Cannot save the macro <path>: <why>." (no reason: only the full stop).
+std::string fileFailureMessage(std::string_view action, std::string_view path, std::string_view why);
 
 }  // namespace kelpa

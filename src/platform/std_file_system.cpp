@@ -77,7 +77,9 @@ bool StdFileSystem::exists(const std::string& path) const {
 
 bool StdFileSystem::remove(const std::string& path) {
     std::error_code ec;
-    return std::filesystem::remove(full(path), ec);
+    if (std::filesystem::remove(full(path), ec)) return true;
+    lastError_ = ec ? ec.message() : "there is no such file";
+    return false;
 }
 
 bool StdFileSystem::createDirectories(const std::string& path) {

@@ -81,10 +81,9 @@ void Client::Form_Terminate() {
 }
 
 void Client::as_timer_Timer() {
-    if (p_.platform.files.exists(kShowFile)) {
-        p_.platform.files.remove(kShowFile);
-        p_.platform.host.showMainForm();
-    }
+    // Only a file that can be taken away counts: one that stays (a folder of
+    // that name) would bring the window back every second.
+    if (p_.platform.files.exists(kShowFile) && p_.platform.files.remove(kShowFile)) p_.platform.host.showMainForm();
     p_.log.checkDayChange(p_.bar.CurrentSite.ShortName);
 }
 

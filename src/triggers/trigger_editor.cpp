@@ -23,19 +23,25 @@ void TriggerEditor::Option1_Click(int index) {
 }
 
 void TriggerEditor::TList_DblClick() {
+    ++revision;
+    std::string bytes;
+    if (listIndex >= 0 && static_cast<std::size_t>(listIndex) < TList.size() &&
+        !TList[static_cast<std::size_t>(listIndex)].empty()) {
+        const std::string& name = TList[static_cast<std::size_t>(listIndex)];
+        if (!files_.readAll(pathOf(name), bytes)) {
+            // The boxes stay as they were: a name over empty boxes would
+            // let Save replace the file that could not be read.
+            host_.messageBox(fileFailureMessage("read the trigger", files_.absolute(pathOf(name)), files_.lastError()));
+            return;
+        }
+    }
     txtTRGBody.clear();
     TxtTrgFlags.clear();
     txtTRGLabel.clear();
-    ++revision;
     if (listIndex < 0 || static_cast<std::size_t>(listIndex) >= TList.size() ||
         TList[static_cast<std::size_t>(listIndex)].empty())
         return;
     txtTRGLabel = TList[static_cast<std::size_t>(listIndex)];
-    std::string bytes;
-    if (!files_.readAll(pathOf(txtTRGLabel), bytes)) {
-        host_.messageBox("Cannot read the trigger " + files_.absolute(pathOf(txtTRGLabel)) + ".");
-        return;
-    }
     // Only flag, pattern and action lines reach the boxes.
     for (std::string_view line : fileLines(bytes)) {
         if (isFlagLine(line)) {
@@ -71,9 +77,7 @@ void TriggerEditor::btnTRGSave_Click() {
     bytes += trimBlanks(txtTRGBody) + "\r\n";
     // Written beside the old file and renamed over it.
     if (!files_.writeAll(pathOf(txtTRGLabel), bytes)) {
-        const std::string why = files_.lastError();
-        host_.messageBox("Cannot save the trigger " + files_.absolute(pathOf(txtTRGLabel)) +
-                         (why.empty() ? "." : ": " + why + "."));
+        host_.messageBox(fileFailureMessage("save the trigger", files_.absolute(pathOf(txtTRGLabel)), files_.lastError()));
         return;
     }
     loadTriggers_();
@@ -84,7 +88,7 @@ void TriggerEditor::btnTRGDelete_Click() {
     if (!usableName()) return;
     const std::string path = pathOf(txtTRGLabel);
     if (!files_.remove(path)) {
-        host_.messageBox("Cannot delete the trigger " + files_.absolute(path) + ": there is no such file.");
+        host_.messageBox(fileFailureMessage("delete the trigger", files_.absolute(path), files_.lastError()));
         return;
     }
     brefresh2_Click();

@@ -144,6 +144,11 @@ TEST(SessionLog, RecallFileShowsTheWindowAndIsDeletedEachTime) {
         EXPECT_EQ(std::tuple(h.fp.host.hidden, h.fp.host.shows, h.fp.files.exists(Client::kShowFile)),
                   std::tuple(false, round, false));
     }
+    // A folder of that name cannot be taken away and brings nothing back.
+    h.c.Text1_Escape();
+    h.fp.folder.write(std::string(Client::kShowFile) + "/inside", "");
+    h.c.as_timer_Timer();
+    EXPECT_EQ(std::tuple(h.fp.host.hidden, h.fp.host.shows), std::tuple(true, 3));
 }
 
 TEST(LinePipeline, ChunkReachesWindowLogAndBothTriggerPasses) {

@@ -246,6 +246,20 @@ TEST(TriggerEditor, RefusedNamesAndFailedSavesAndDeletesSayWhyAndKeepTheBoxes) {
     EXPECT_EQ(t.fp.host.messages.back(),
               "Cannot delete the trigger " + t.fp.files.absolute("triggers/a.trigger") + ": there is no such file.");
     EXPECT_EQ(e.txtTRGBody + "|" + std::to_string(t.fp.host.messages.size()), "kept|9");
+    t.fp.folder.write("triggers/d.trigger/inside", "");  // there, but no file to delete
+    e.txtTRGLabel = "d.trigger";
+    e.btnTRGDelete_Click();
+    EXPECT_EQ(t.fp.host.messages.back(),
+              "Cannot delete the trigger " + t.fp.files.absolute("triggers/d.trigger") + ": Directory not empty.");
+    // A listed file gone before the double click: told, and the boxes stay.
+    t.fp.folder.write("triggers/b.trigger", "pattern1=x\r\naction=y");
+    e.brefresh2_Click();
+    std::filesystem::remove(t.fp.folder.path() / "triggers/b.trigger");
+    e.listIndex = 0;
+    e.TList_DblClick();
+    EXPECT_EQ(t.fp.host.messages.back(), "Cannot read the trigger " + t.fp.files.absolute("triggers/b.trigger") +
+                                             ": No such file or directory.");
+    EXPECT_EQ(e.txtTRGLabel + "|" + e.txtTRGBody, "d.trigger|kept");
     e.Reload_Click();
     EXPECT_EQ(t.c.parts().triggers.TriggerCount(), 0);
 }
