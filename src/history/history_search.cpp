@@ -262,7 +262,10 @@ void HistorySearch::endFilter() {
         }
     };
     print(heading);
-    for (const Range& line : kept_) print(history_.read(line.begin, line.end - line.begin) + std::string(kCrLf));
+    // Every line starts from the plain colours, not from the heading's or
+    // the line before it.
+    for (const Range& line : kept_)
+        print("\x1b[0m" + history_.read(line.begin, line.end - line.begin) + std::string(kCrLf));
     windows_.state[kHistView].Pending.clear();
     kept_.clear();
     keptBytes_ = 0;

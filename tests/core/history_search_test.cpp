@@ -75,6 +75,10 @@ TEST(HistorySearch, FilterListsEveryMatchingLineUnderItsCount) {
     // Colours stay: "Or" in bold red.
     const std::size_t at = t.window(kHistView).find("Or");
     EXPECT_EQ(styleAt(t.c.parts().windows.text[kHistView], at).colour, rgb(128, 0, 0) + rgb(127, 127, 127));
+    // Each line starts in the plain colours, the first as the others.
+    const std::size_t first = t.window(kHistView).find("You"), last = t.window(kHistView).find("orcish");
+    EXPECT_EQ(styleAt(t.c.parts().windows.text[kHistView], first).colour,
+              styleAt(t.c.parts().windows.text[kHistView], last).colour);
     t.filter("dragon");
     EXPECT_EQ(t.window(kHistView), "0 lines hold \"dragon\"\r\n");
     t.filter("");
