@@ -14,6 +14,7 @@
 #include "shell/main_form_qt.h"
 #include "shell/program_folder.h"
 #include "shell/qt_platform_qt.h"
+#include "toolkit/widget_kit_qt.h"
 
 namespace {
 
@@ -59,7 +60,7 @@ int main(int argc, char** argv) {
                                     ? folder.reason
                                     : "Cannot make the program's folder " + folder.path + ": " + ec.message();
         std::fprintf(stderr, "kelpa: %s\n", why.c_str());
-        QMessageBox::critical(nullptr, QStringLiteral("Kelpa"), QString::fromStdString(why));
+        kelpa::qt::showMessage(nullptr, QMessageBox::Critical, QStringLiteral("Kelpa"), QString::fromStdString(why));
         return 1;
     }
 
