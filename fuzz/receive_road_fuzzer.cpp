@@ -19,7 +19,8 @@ namespace {
 
 // Which bytes of the whole stream are text and not frame: a 24 starts a
 // frame unless it is the option of IAC WILL/WONT/DO/DONT or stands inside
-// IAC SB ... IAC SE. Inputs stay far below the bounds on frames and
+// IAC SB ... IAC SE (right behind a lone IAC it starts one: IAC 24 is no
+// telnet command). Inputs stay far below the bounds on frames and
 // subnegotiations, so those are left out here.
 std::vector<bool> textBytes(const std::string& s) {
     std::vector<bool> keep(s.size(), true);
@@ -39,7 +40,7 @@ std::vector<bool> textBytes(const std::string& s) {
                 j += at(j) == 255 ? 2 : 1;
             i = j + 2;
         } else {
-            i += at(i) == 255 ? 2 : 1;
+            i += at(i) == 255 && i + 1 < s.size() && at(i + 1) != 24 ? 2 : 1;
         }
     }
     return keep;
