@@ -51,7 +51,7 @@ void Client::Form_Load() {
     p_.LoadTriggers();
     p_.flags.reset();
     p_.platform.random.seed(static_cast<std::uint32_t>(p_.platform.clock.secondsSinceMidnight()));
-    p_.bar.reload(p_.platform.files, [this](const std::string& w) { p_.debug.DebugLog(w); });
+    reloadSites();
     p_.historyViews.browser.brefresh_Click();
     p_.triggerEditor.brefresh2_Click();
     p_.macroEditor.brefresh3_Click();
@@ -65,8 +65,16 @@ void ClientParts::LoadTriggers() {
     triggers.LoadTriggers();
 }
 
-void Client::SiteManagerClosed() {
-    p_.bar.reload(p_.platform.files, [this](const std::string& w) { p_.debug.DebugLog(w); });
+void Client::SiteManagerClosed() { reloadSites(); }
+
+void Client::reloadSites() {
+    FileSystem& files = p_.platform.files;
+    if (!p_.bar.reload(files, [this](const std::string& w) { p_.debug.DebugLog(w); })) {
+        // Told whatever the debug switch says: the player's sites are missing.
+        const std::string why = files.lastError();
+        p_.debug.tellAlways("Cannot read the site book " + files.absolute(kSiteBookFile) +
+                            (why.empty() ? "" : ": " + why));
+    }
 }
 
 void Client::startupNote(const std::string& line) { p_.debug.tellAlways(line); }

@@ -151,6 +151,8 @@ public:
     const ClientParts& parts() const { return p_; }
 
 private:
+    void reloadSites();
+
     ClientParts p_;
 };
 

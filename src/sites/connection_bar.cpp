@@ -14,13 +14,14 @@ void ConnectionBar::CB_Connections_Click(int index) {
     CurrentSite = s;
 }
 
-void ConnectionBar::reload(FileSystem& files, const SiteWarning& warn) {
-    LoadSites(files, Sites, warn);
+bool ConnectionBar::reload(FileSystem& files, const SiteWarning& warn) {
+    const bool read = LoadSites(files, Sites, warn);
     items.clear();
     listIndex = -1;
-    if (Sites.empty()) return;
+    if (Sites.empty()) return read;
     for (const SiteRecord& s : Sites) items.push_back(s.SiteName);
     CB_Connections_Click(0);
+    return read;
 }
 
 const SiteRecord* ConnectionBar::selected() const {

@@ -29,7 +29,8 @@ struct ConnectionBar {
     void CB_Connections_Click(int index);
 
     // Reads the site book again, fills the list and selects the first site.
-    void reload(FileSystem& files, const SiteWarning& warn = {});
+    // False when the book stands there but cannot be read.
+    bool reload(FileSystem& files, const SiteWarning& warn = {});
 
     // The site selected in the list, if any.
     const SiteRecord* selected() const;

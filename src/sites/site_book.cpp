@@ -92,10 +92,7 @@ std::string formatSites(const std::vector<SiteRecord>& sites) {
 bool LoadSites(FileSystem& files, std::vector<SiteRecord>& sites, const SiteWarning& warn) {
     if (!files.exists(kSiteBookFile)) files.writeAll(kSiteBookFile, "");
     std::string text;
-    if (!files.readAll(kSiteBookFile, text)) {
-        if (warn) warn("CONN.ZIG cannot be read");
-        return false;
-    }
+    if (!files.readAll(kSiteBookFile, text)) return false;
     parseSites(text, sites, warn);
     return true;
 }

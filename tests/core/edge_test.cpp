@@ -127,6 +127,12 @@ TEST(Edges, SavesKeepLinksAndPermissionsAndAPipeNeverHoldsTheProgram) {
     std::vector<SiteRecord> sites;
     LoadSites(h.fp.files, sites);
     EXPECT_TRUE(fs::is_symlink(root / "CONN.ZIG") && !fs::exists(real)) << "not made anew";
+    h.c.setDebugInfo(false);
+    h.c.SiteManagerClosed();  // the bar reads the book again, and says so with the switch off
+    h.c.setDebugInfo(true);
+    EXPECT_NE(h.debugText().find("Cannot read the site book " + h.fp.files.absolute("CONN.ZIG") +
+                                 ": No such file or directory"),
+              std::string::npos) << h.debugText();
     elsewhere.write("book", "");
     fs::permissions(real, fs::perms::owner_read | fs::perms::owner_write);
     ASSERT_TRUE(SaveSites(h.fp.files, {SiteRecord{"Mud", "mud", "mud.org", "", 4000, 0, "secret", ""}}));
