@@ -27,10 +27,12 @@ private:
 
 // The lines of a file or a box: ended by CR LF, or by a lone CR or LF as
 // editors on Linux write them; a line end at the very end of the text opens
-// no further line.
+// no further line. The UTF-8 byte order mark some Windows editors put at
+// the start of a file is no text.
 class FileLines {
 public:
-    explicit FileLines(std::string_view text) : text_(text) {}
+    explicit FileLines(std::string_view text)
+        : text_(text.starts_with("\xEF\xBB\xBF") ? text.substr(3) : text) {}
     bool atEnd() const { return pos_ >= text_.size(); }
     // The next line without taking it; "" at the end.
     std::string_view peek() const;

@@ -42,9 +42,10 @@ TEST(SiteBook, WriterProducesTheBlockLayoutAndRecordsComeBack) {
         std::vector<SiteRecord> expected = book;
         expected[0].Description = readBack;
         const std::string crlf = formatSites(book);
-        // A lone CR or LF ends lines too.
+        // A lone CR or LF ends lines too; a byte order mark at the start is no text.
         for (const char* end : {"\r\n", "\n", "\r"})
             EXPECT_EQ(parse(replaceAll(crlf, "\r\n", end)), expected) << desc;
+        EXPECT_EQ(parse("\xEF\xBB\xBF" + crlf), expected) << desc;
     }
 }
 
