@@ -24,24 +24,20 @@ void TriggerEditor::Option1_Click(int index) {
 
 void TriggerEditor::TList_DblClick() {
     ++revision;
+    const bool onEntry = listIndex >= 0 && static_cast<std::size_t>(listIndex) < TList.size() &&
+                         !TList[static_cast<std::size_t>(listIndex)].empty();
+    const std::string name = onEntry ? TList[static_cast<std::size_t>(listIndex)] : std::string();
     std::string bytes;
-    if (listIndex >= 0 && static_cast<std::size_t>(listIndex) < TList.size() &&
-        !TList[static_cast<std::size_t>(listIndex)].empty()) {
-        const std::string& name = TList[static_cast<std::size_t>(listIndex)];
-        if (!files_.readAll(pathOf(name), bytes)) {
-            // The boxes stay as they were: a name over empty boxes would
-            // let Save replace the file that could not be read.
-            host_.messageBox(fileFailureMessage("read the trigger", files_.absolute(pathOf(name)), files_.lastError()));
-            return;
-        }
+    if (onEntry && !files_.readAll(pathOf(name), bytes)) {
+        // The boxes stay as they were: a name over empty boxes would let
+        // Save replace the file that could not be read.
+        host_.messageBox(fileFailureMessage("read the trigger", files_.absolute(pathOf(name)), files_.lastError()));
+        return;
     }
     txtTRGBody.clear();
     TxtTrgFlags.clear();
-    txtTRGLabel.clear();
-    if (listIndex < 0 || static_cast<std::size_t>(listIndex) >= TList.size() ||
-        TList[static_cast<std::size_t>(listIndex)].empty())
-        return;
-    txtTRGLabel = TList[static_cast<std::size_t>(listIndex)];
+    txtTRGLabel = name;
+    if (!onEntry) return;
     // Only flag, pattern and action lines reach the boxes.
     for (std::string_view line : fileLines(bytes)) {
         if (isFlagLine(line)) {
