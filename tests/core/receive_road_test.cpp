@@ -116,7 +116,6 @@ TEST(SessionLog, ChangeOfDaySwitchesTheFileInBothDirections) {
               "monday\r\nstill monday\r\nmonday again\r\n|tuesday\r\n");
 
     // Without a connection the change of day opens the log too.
-    h.fp.socket.connected = false;
     h.c.parts().session.s_Close();
     h.fp.clock.day = Date{2027, 1, 1};
     h.c.as_timer_Timer();
