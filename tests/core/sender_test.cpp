@@ -1,6 +1,6 @@
-// The plain road to the socket: S_RunCommands choosing a road per line,
-// S_SendData, the delayed queue and S_SendDataNoSpam; exact bytes on the
-// wire, and what the log, window 0 and HistoryText hold.
+// The plain road to the socket: S_SendData, the delayed queue and
+// S_SendDataNoSpam; exact bytes on the wire, and what the log, window 0
+// and HistoryText hold.
 #include <gtest/gtest.h>
 
 #include "support/client_harness.h"
@@ -13,19 +13,10 @@ namespace {
 
 using Writes = std::vector<std::string>;
 
-// Records the macro and keyword roads and the writes, in one order.
+// A client with the day's log open, and the sender's entry points.
 struct SendHarness : ClientHarness {
-    std::vector<std::string> events;
-    explicit SendHarness(bool connected = true) : ClientHarness(connected) {
-        openLog();
-        c.parts().commands.setMacroRunner([this](const std::string& l) { events.push_back("macro " + l); });
-        c.parts().commands.setKeywordRunner([this](const std::string& l) { events.push_back("key " + l); });
-        fp.socket.onSend = [this](const std::string& b) { events.push_back("send " + b); };
-    }
-    std::string send(std::string x) {
-        c.parts().sender.S_SendData(x);
-        return x;
-    }
+    explicit SendHarness(bool connected = true) : ClientHarness(connected) { openLog(); }
+    void send(std::string x) { c.parts().sender.S_SendData(x); }
     void queue(std::string x) { c.parts().sender.s_queuedata(x); }
     void noSpam(std::string x) { c.parts().sender.S_SendDataNoSpam(x); }
 };
@@ -95,9 +86,7 @@ TEST(Sender, AWriteTheSocketRefusesIsTold) {
     EXPECT_EQ(h.logFile() + "|" + h.window(kMainWindow) + "|" + h.history(),
               "look\r\nsay hi\r\n\r\n|look\r\nsay hi\r\n|look\r\nsay hi\r\n");
 
-    SiteRecord site;
-    site.InitString = "hello#10#there";
-    h.c.parts().bar.Sites = {site};
+    h.c.parts().bar.Sites = {SiteRecord{"", "", "", "", 0, 0, "hello#10#there", ""}};
     h.c.parts().bar.CB_Connections_Click(0);
     h.c.parts().session.s_Connect();
     EXPECT_NE(h.debugText().find("SendData failed, 11 bytes not sent: hello\r\n"), std::string::npos) << h.debugText();
