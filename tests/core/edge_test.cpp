@@ -77,11 +77,11 @@ TEST(Edges, AFullDeviceEndsTheLogAndTheTextStays) {
     std::filesystem::remove(log);  // room again
     for (int i = 0; i < SessionLog::kRetrySeconds; ++i) h.c.as_timer_Timer();
     h.receive("back\r\n");
-    EXPECT_EQ(h.fp.folder.read(h.c.parts().log.currentPath()), "back\r\n\r\n");
+    EXPECT_EQ(h.logFile(), "back\r\n\r\n");
     std::filesystem::remove(log);
     h.c.as_timer_Timer();
     h.receive("again\r\n");
-    EXPECT_EQ(h.fp.folder.read(h.c.parts().log.currentPath()), "again\r\n\r\n");
+    EXPECT_EQ(h.logFile(), "again\r\n\r\n");
     EXPECT_NE(h.debugText().find("is written again"), std::string::npos) << h.debugText();
     EXPECT_NE(h.debugText().find("lost its file; writing to a new one"), std::string::npos);
 
@@ -107,18 +107,12 @@ TEST(Edges, TheTriggerEditorInAFolderThatRefusesFilesSaysWhyAndKeepsTheText) {
     EXPECT_EQ(trigger.txtTRGBody, "pattern1=?\r\naction=#nop\r\npattern1=?\r\naction=#nop");
 }
 
-}  // namespace
-}  // namespace kelpa::test
-
-namespace kelpa::test {
-namespace {
-
 // Saves write through a link and keep the file's permissions; a link to
 // nowhere is not taken for a missing book; a named pipe in place of a file
 // is refused at once, never waited on.
 TEST(Edges, SavesKeepLinksAndPermissionsAndAPipeNeverHoldsTheProgram) {
     namespace fs = std::filesystem;
-    ClientHarness h;
+    ClientHarness h(/*connected=*/true, /*debugOn=*/false);
     const fs::path root = h.fp.folder.path();
     TempFolder elsewhere;
     const fs::path real = elsewhere.path() / "book";
@@ -127,7 +121,6 @@ TEST(Edges, SavesKeepLinksAndPermissionsAndAPipeNeverHoldsTheProgram) {
     std::vector<SiteRecord> sites;
     LoadSites(h.fp.files, sites);
     EXPECT_TRUE(fs::is_symlink(root / "CONN.ZIG") && !fs::exists(real)) << "not made anew";
-    h.c.setDebugInfo(false);
     h.c.SiteManagerClosed();  // the bar reads the book again, and says so with the switch off
     h.c.setDebugInfo(true);
     EXPECT_NE(h.debugText().find("Cannot read the site book " + h.fp.files.absolute("CONN.ZIG") +
