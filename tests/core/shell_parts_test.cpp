@@ -1,7 +1,6 @@
 // The shell's parts that need no toolkit: where the program keeps its
-// files, which system information program the About dialog starts, the form
-// layout's rules on a tiny window, and the gate and pacer that order the
-// window's events and repaints.
+// files, which system information program the About dialog starts, and the
+// gate that orders the window's events.
 #include <gtest/gtest.h>
 
 #include <set>
@@ -9,8 +8,6 @@
 #include <vector>
 
 #include "shell/event_gate.h"
-#include "shell/form_layout.h"
-#include "shell/frame_pacer.h"
 #include "shell/program_folder.h"
 #include "shell/system_info.h"
 
@@ -61,12 +58,11 @@ TEST(SystemInfo, TheFirstKnownProgramOnThePathStartsOrTheMessageIsShown) {
 TEST(EventGate, EventsDuringAHandlerWaitAndRunInOrderOnceItIsOver) {
     EventGate gate;
     std::vector<std::string> seen;
-    gate.setAfterHandlers([&] { seen.push_back("after"); });
-    auto event = [&](EventGate::Key key, std::string name) {
-        return gate.enter(key, [&seen, name] { seen.push_back(name); });
-    };
+    // A handler that only notes its name.
+    auto note = [&seen](std::string name) { return [&seen, name] { seen.push_back(name); }; };
+    gate.setAfterHandlers(note("after"));
 
-    EXPECT_TRUE(event(EventGate::kEach, "idle"));
+    EXPECT_TRUE(gate.enter(EventGate::kEach, note("idle")));
     gate.run([&] {
         seen.push_back("box opens");
         // What a nested event loop delivers while the box is up; a late
@@ -74,10 +70,10 @@ TEST(EventGate, EventsDuringAHandlerWaitAndRunInOrderOnceItIsOver) {
         for (const auto& [key, name] : {std::pair(EventGate::kData, "data"), {EventGate::kAsTimer, "tick"},
                                         {EventGate::kAsTimer, "tick again"}, {EventGate::kData, "more data"},
                                         {EventGate::kEach, "close"}, {EventGate::kEach, "error"}})
-            EXPECT_FALSE(event(key, name)) << name;
+            EXPECT_FALSE(gate.enter(key, note(name))) << name;
         // A handler inside the handler (a window the box leaves enabled)
         // runs at once and drains nothing.
-        gate.run([&] { seen.push_back("inner"); });
+        gate.run(note("inner"));
         seen.push_back("box closes");
     });
     EXPECT_EQ(seen, (std::vector<std::string>{"idle", "after", "box opens", "inner", "box closes", "data", "tick",
@@ -90,11 +86,11 @@ TEST(EventGate, EventsDuringAHandlerWaitAndRunInOrderOnceItIsOver) {
     next.run([&] {
         next.enter(EventGate::kData, [&] {
             seen.push_back("data opens a box");
-            next.enter(EventGate::kQueueTimer, [&] { seen.push_back("queue tick"); });
-            next.enter(EventGate::kData, [&] { seen.push_back("data again"); });
+            next.enter(EventGate::kQueueTimer, note("queue tick"));
+            next.enter(EventGate::kData, note("data again"));
             seen.push_back("box closes");
         });
-        next.enter(EventGate::kEach, [&] { seen.push_back("close"); });
+        next.enter(EventGate::kEach, note("close"));
     });
     EXPECT_EQ(seen, (std::vector<std::string>{"data opens a box", "box closes", "close", "queue tick", "data again"}));
     EXPECT_FALSE(next.busy());
