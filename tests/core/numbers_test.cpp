@@ -11,8 +11,7 @@
 #include "common/numbers.h"
 #include "triggers/trigger_file.h"
 
-namespace kelpa {
-namespace {
+using namespace kelpa;
 
 TEST(Numbers, ValReadsTheNumberAtTheHeadOfAText) {
     const std::vector<std::pair<std::string, double>> rows = {
@@ -54,6 +53,3 @@ TEST(Numbers, TriggerNumbersValAndNumberTextKeepThePointInAGermanLocale) {
               std::tuple(2, std::vector<int>{4}, 5));
     EXPECT_EQ(std::pair(Val("2.25"), numberText(2.25)), std::pair(2.25, std::string("2.25")));
 }
-
-}  // namespace
-}  // namespace kelpa
