@@ -23,12 +23,7 @@ struct Lines : test::ClientHarness {
     void run(const std::string& text) { c.parts().commands.S_RunCommands(text); }
     void file(const std::string& name, const std::string& text) { fp.folder.write("macros/" + name, text); }
     const Writes& writes() const { return fp.socket.writes; }
-    std::size_t count(const std::string& piece) {
-        const std::string t = debugText();
-        std::size_t n = 0;
-        for (std::size_t p = t.find(piece); p != std::string::npos; p = t.find(piece, p + 1)) ++n;
-        return n;
-    }
+    std::size_t count(const std::string& piece) { return countOf(debugText(), piece); }
     std::string value(const std::string& name) {
         const int n = c.parts().variables.S_FindVal(name);
         return n <= c.parts().variables.VariableCount() ? c.parts().variables.entry(n).Value : "<unset>";
@@ -95,10 +90,9 @@ TEST(Keywords, FlagsByNumberAndLabel) {
     EXPECT_EQ(h.flags(), "1 2 5 8 83 |HUNTING|");
     EXPECT_EQ(h.debugText(), "Flag 84 out of boundries 0,83\r\nFlag 83.4 out of boundries 0,83\r\n"
                              "Flag -1 out of boundries 0,83\r\n");
-    h.run("#clearflags");
-    EXPECT_TRUE(h.has("Clearing all flags\r\n"));
-    EXPECT_EQ(h.flags(), "|3|0");
-    h.run("#sf 1\r\n#lf 3 x\r\n#cf");
+    // Both spellings clear, and each says so.
+    h.run("#clearflags\r\n#sf 1\r\n#lf 3 x\r\n#cf");
+    EXPECT_EQ(h.count("Clearing all flags\r\n"), 2u);
     EXPECT_EQ(h.flags(), "|3|0");
 }
 
@@ -111,7 +105,6 @@ TEST(Keywords, MathWithEveryOperatorAndItsFailures) {
     for (const char* name : {"HP", "R", "Q", "S", "D", "Z", "E", "N", "BIG", "WORD"})
         values += h.value(name) + " ";
     EXPECT_EQ(values, "14 5 0.333333333333333 0.3 0 0 1E+20 -1E-05 0 2 ");
-    EXPECT_TRUE(h.has("Setting value of 1 HP to 14"));
     EXPECT_TRUE(h.has("Division by 0\r\nSetting value of 5 D to 0"));
     EXPECT_TRUE(h.has("Overflow\r\nSetting value of 9 BIG to 0"));
 }
@@ -169,8 +162,7 @@ TEST(Keywords, InjectQueueMessageBossOverrideHelpAndUnknown) {
     EXPECT_EQ(h.window(kMainWindow) + "|" + h.logFile() + "|" + h.history(),
               "HELLO;;THEREX|HELLO;;THERE\r\nX\r\n|");
     EXPECT_TRUE(h.writes().empty());
-    h.c.Queue_Timer();
-    h.c.Queue_Timer();
+    for (int tick = 0; tick < 2; ++tick) h.c.Queue_Timer();
     EXPECT_EQ(h.writes(), (Writes{"NORTH\r\n", "SOUTH"}));
 
     h.run("#mb Are you there\r\n#msgbox two\r\n#boss\r\n#override area1\r\n#override\r\n#\r\n#frob x\r\n#help");
@@ -231,7 +223,7 @@ TEST(Macros, FilesInAnyExtensionCaseAndTheOverrideFolder) {
     h.run("@x\r\n@X\r\n#override area\r\n@Y a\r\n@only\r\n@z\r\n#override\r\n@Y b");
     EXPECT_EQ(h.writes(), (Writes{"say x\r\n", "say y a\r\n", "say only main\r\n", "say main y b\r\n"}));
     EXPECT_TRUE(h.has(" UNKNOWN MACRO for command \r\n\r\nMacro names count case: there is macros/x.Macro\r\n"));
-    h.c.parts().macroEditor.brefresh3_Click();
+    editor.brefresh3_Click();
     EXPECT_EQ(editor.Mlist, (Writes{"Y.macro", "first.macro", "only.macro", "x.Macro"}));
 }
 
@@ -243,9 +235,8 @@ TEST(Macros, BranchingCallsAndHugeExpansionsStopAtTheBudgetsOfOneRun) {
     h.run("@tree\r\nsay alive");
     EXPECT_EQ(h.count("More than 1000 nested commands in one run, stopped at: @tree\r\n"), 1u);
     EXPECT_EQ(h.writes(), Writes{"say alive\r\n"});
-    h.c.parts().windows.text[kDebugWindow].clear();
     h.run("@tree");
-    EXPECT_EQ(h.count("More than 1000 nested commands in one run"), 1u);
+    EXPECT_EQ(h.count("More than 1000 nested commands in one run"), 2u);
     // Eight doublings leave 128 KB in X; each line that names it sends it all.
     std::string text = "#sv x " + std::string(512, 'a');
     for (int i = 0; i < 8; ++i) text += "\r\n#sv x %x%x";
