@@ -41,8 +41,7 @@ TEST(Sender, LogEchoAndHistoryComeBeforeTheWriteInTheServersColour) {
 TEST(Sender, QueueTickPicksAnIntervalAndSendsOneEntryInOrderUpToTwenty) {
     SendHarness h;
     h.fp.random.values = {0.0, 0.5, 0.99999, 0.25};
-    h.queue("north;;");
-    h.queue("south");
+    for (const char* entry : {"north;;", "south"}) h.queue(entry);
     EXPECT_TRUE(h.fp.socket.writes.empty()) << "nothing before a tick";
     EXPECT_EQ(std::pair(h.c.Queue_Timer(), h.fp.socket.writes), std::pair(1, Writes{"north\r\n"}));
     for (const int interval : {1501, 3000, 751}) EXPECT_EQ(h.c.Queue_Timer(), interval);
