@@ -273,9 +273,7 @@ TEST(Variables, IndexedExpansionMatchesOnePassPerEntry) {
 // above against one pass per entry; these are what it cannot see.
 TEST(Variables, NamesCountCaseKeepTheirPlaceAndMayHoldPercentAndRunawayGrowthStaysSafe) {
     Table t;
-    t.vars.S_SetVal("A", "1");
-    t.vars.S_SetVal("AB", "2");
-    t.vars.S_SetVal("A", "3");
+    for (const auto& [name, value] : {std::pair("A", "1"), {"AB", "2"}, {"A", "3"}}) t.vars.S_SetVal(name, value);
     EXPECT_EQ(t.vars.S_ExpandVars("%AB %A %a"), "3B 3 %a");
     EXPECT_EQ(std::pair(t.vars.S_FindVal("A"), t.vars.S_FindVal("Z")), std::pair(1, 3));
     EXPECT_EQ(t.debugWindow.text(), "");  // the debug switch is off
