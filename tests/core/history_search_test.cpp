@@ -42,17 +42,16 @@ TEST(HistorySearch, SeekFindsTheNextLineAsThePlayerSawItAndWraps) {
     Search t;
     t.c.parts().history.append(kRun);
     t.pager.HistT_KeyDown(HistoryPager::kHome);
-    // From the top line on, the first line tested is the one after it.
-    const char* expected[] = {"The orc hits you.", "orcish ORC orc", "You see an Orc here.", "The orc hits you."};
-    for (const char* line : expected) {
-        t.seek("oRc");
-        EXPECT_EQ(t.topLine(), line);
+    // From the top line on, the first line tested is the one after it;
+    // "\xc9t\xe9" is "ÉtÉ" typed as "Été".
+    const std::pair<const char*, const char*> rows[] = {
+        {"oRc", "The orc hits you."}, {"oRc", "orcish ORC orc"}, {"oRc", "You see an Orc here."},
+        {"oRc", "The orc hits you."}, {"\xc9t\xe9", "Caf\xe9 \xc9T\xc9"}, {"prompt", "prompt> "}};
+    for (std::size_t k = 0; k < std::size(rows); ++k) {
+        t.seek(rows[k].first);
+        EXPECT_EQ(t.topLine(), rows[k].second) << "seek " << k;
     }
-    EXPECT_EQ(t.tabRequests, 4);
-    t.seek("\xc9t\xe9");  // "ÉtÉ" typed as "Été"
-    EXPECT_EQ(t.topLine(), "Caf\xe9 \xc9T\xc9");
-    t.seek("prompt");
-    EXPECT_EQ(t.topLine(), "prompt> ");
+    EXPECT_EQ(t.tabRequests, 6);
     EXPECT_EQ(t.c.parts().history.HistoryPos, t.c.parts().history.size() - 8 - 1);
 
     // Nothing holds it: the debug window says so, and the page stays.
@@ -62,7 +61,7 @@ TEST(HistorySearch, SeekFindsTheNextLineAsThePlayerSawItAndWraps) {
     EXPECT_EQ(t.c.parts().history.HistoryPos, pos);
     EXPECT_EQ(t.c.parts().windows.text[kHistT].revision(), shown);
     EXPECT_NE(t.debugText().find("Seek: no line holds \"dragon\""), std::string::npos);
-    EXPECT_EQ(t.tabRequests, 6);
+    EXPECT_EQ(t.tabRequests, 6) << "a failed seek shows no page";
 }
 
 TEST(HistorySearch, FilterListsEveryMatchingLineUnderItsCount) {
@@ -72,13 +71,12 @@ TEST(HistorySearch, FilterListsEveryMatchingLineUnderItsCount) {
     EXPECT_EQ(t.window(kHistView),
               "3 lines hold \"orc\"\r\nYou see an Orc here.\r\nThe orc hits you.\r\norcish ORC orc\r\n");
     EXPECT_FALSE(t.s.running()) << "a filter that has ended is not shown again";
-    // Colours stay: "Or" in bold red.
-    const std::size_t at = t.window(kHistView).find("Or");
-    EXPECT_EQ(styleAt(t.c.parts().windows.text[kHistView], at).colour, rgb(128, 0, 0) + rgb(127, 127, 127));
-    // Each line starts in the plain colours, the first as the others.
-    const std::size_t first = t.window(kHistView).find("You"), last = t.window(kHistView).find("orcish");
-    EXPECT_EQ(styleAt(t.c.parts().windows.text[kHistView], first).colour,
-              styleAt(t.c.parts().windows.text[kHistView], last).colour);
+    // Colours stay ("Or" in bold red); each line starts in the plain
+    // colours, the first as the others.
+    const OutputWindow& view = t.c.parts().windows.text[kHistView];
+    const std::string shown = t.window(kHistView);
+    EXPECT_EQ(styleAt(view, shown.find("Or")).colour, rgb(128, 0, 0) + rgb(127, 127, 127));
+    EXPECT_EQ(styleAt(view, shown.find("You")).colour, styleAt(view, shown.find("orcish")).colour);
     t.filter("dragon");
     EXPECT_EQ(t.window(kHistView), "0 lines hold \"dragon\"\r\n");
     t.filter("");
