@@ -216,6 +216,16 @@ TEST(TriggerIndex, FiresWhatAWalkOfEveryRecordFiresOnRandomTablesAndTexts) {
     EXPECT_EQ(windows.size(), 12u);  // every window and step of a shortest text from 4 to 18 bytes
 }
 
+// A record that fires on one text and leaves the flags alone.
+void addTextRecord(TriggerRecords& table, std::string text) {
+    TriggerRecord r;
+    r.PatternGroupCount = 1;
+    r.PatternGroups.resize(2);
+    r.PatternGroups[1].Texts = {std::move(text)};
+    r.Action = std::to_string(table.size()) + " n 0 $*";
+    table.push_back(r);
+}
+
 // Prose: lines of a few words, and trigger sets of phrases of those words
 // with near misses that share all but the last byte, so that the keys meet
 // their words and stems everywhere and whole families share a place. The
@@ -232,29 +242,15 @@ TEST(TriggerIndex, FiresWhatAWalkFiresOnPhrasesOfAFewWordsAndTheirNearMisses) {
             std::string phrase = word() + " " + word();
             if (round % 3) phrase += " " + word();
             // The phrase and near misses: the last byte changed, or cut.
-            std::vector<std::string> family{phrase, phrase.substr(0, phrase.size() - 1)};
-            for (const char* last : {"x", "d", "n", "Q", "t"}) family.push_back(phrase.substr(0, phrase.size() - 1) + last);
-            for (const std::string& text : family) {
-                if (text.size() < PatternIndex::kLongText) continue;
-                TriggerRecord r;
-                r.PatternGroupCount = 1;
-                r.PatternGroups.resize(2);
-                r.PatternGroups[1].Texts = {text};
-                r.Action = std::to_string(s.store.TriggerTable.size()) + " n 0 $*";
-                s.store.TriggerTable.push_back(r);
-            }
+            const std::string stem = phrase.substr(0, phrase.size() - 1);
+            for (const std::string& text : {phrase, stem, stem + "x", stem + "d", stem + "n", stem + "Q", stem + "t"})
+                if (text.size() >= PatternIndex::kLongText) addTextRecord(s.store.TriggerTable, text);
         }
         // Some rounds also hold phrases across a line end, which the scan
         // may find before a phrase that ends earlier, and a short text, so
         // that every line is walked.
-        for (int k = 0; round % 4 == 1 && k < 6; ++k) {
-            TriggerRecord r;
-            r.PatternGroupCount = 1;
-            r.PatternGroups.resize(2);
-            r.PatternGroups[1].Texts = {k ? word() + " " + word() + "\r\n" + word() : std::string("on")};
-            r.Action = std::to_string(s.store.TriggerTable.size()) + " n 0 $*";
-            s.store.TriggerTable.push_back(r);
-        }
+        for (int k = 0; round % 4 == 1 && k < 6; ++k)
+            addTextRecord(s.store.TriggerTable, k ? word() + " " + word() + "\r\n" + word() : std::string("on"));
         s.store.indexTables();
         for (int chunk = 0; chunk < 10; ++chunk) {
             std::string text;
