@@ -26,8 +26,7 @@ QStringList linesOf(const OutputWindow& w, bool spans = false) {
         QString line = spans ? QString() : l.text;
         for (std::size_t i = 0; spans && i < l.spans.size(); ++i) {
             const qt::LaidSpan& s = l.spans[i];
-            const QString under = s.underline ? "_" : "";
-            line += QString("[%1 %2%3]").arg(l.text.mid(s.start, s.length), s.colour.name(), under);
+            line += QString("[%1 %2%3]").arg(l.text.mid(s.start, s.length), s.colour.name(), s.underline ? "_" : "");
         }
         out << line;
     }
@@ -52,17 +51,13 @@ TEST(OutputLayout, BytesBecomeTheCharactersTheUserSeesInTheColoursOfTheirRuns) {
     };
     for (const Row& row : rows) {
         OutputWindow w;
-        TextStyle s;
-        s.graphics = row.graphics;
-        w.append(row.bytes, s);
+        w.append(row.bytes, {.graphics = row.graphics});
         EXPECT_EQ(linesOf(w), row.lines) << row.name;
     }
     OutputWindow w;
-    TextStyle plain;
-    plain.plain = true;
-    w.append("ab", {rgb(255, 0, 0), false, false, false});
-    w.append("cd\r\nef", {rgb(0, 0, 255), true, false, false});
-    w.append("g", plain);
+    w.append("ab", {.colour = rgb(255, 0, 0)});
+    w.append("cd\r\nef", {.colour = rgb(0, 0, 255), .underline = true});
+    w.append("g", {.plain = true});
     EXPECT_EQ(linesOf(w, true), (QStringList{"[ab #ff0000][cd #0000ff_]", "[ef #0000ff_][g #008000]"}))
         << "plain text takes the view's colour";
 }
