@@ -62,10 +62,11 @@ TEST(OutputLayout, BytesBecomeTheCharactersTheUserSeesInTheColoursOfTheirRuns) {
         << "plain text takes the view's colour";
 }
 
-// The paints of a widget, and those of less than the whole of it.
+// The paints of a widget, and those of less than the whole of it, while
+// the counter lives.
 struct PaintCounter : QObject {
-    int paints = 0;
-    int partial = 0;
+    explicit PaintCounter(QWidget* w) { w->installEventFilter(this); }
+    int paints = 0, partial = 0;
     bool eventFilter(QObject* o, QEvent* e) override {
         if (e->type() != QEvent::Paint) return false;
         ++paints;
@@ -94,8 +95,7 @@ TEST(OutputView, TheScreenAfterManySmallRepaintsIsWhatAWholePaintDraws) {
         const QRect vp(view.viewport()->mapTo(&view, QPoint(0, 0)), view.viewport()->size());
         return view.screen()->grabWindow(view.winId()).toImage().copy(vp).convertToFormat(QImage::Format_RGB32);
     };
-    PaintCounter partial;
-    view.viewport()->installEventFilter(&partial);
+    PaintCounter partial(view.viewport());
     int changed = 0;
     for (int step = 0; step < 300; ++step) {
         const TextStyle s{colours[rng() % 3], rng() % 4 == 0, rng() % 5 == 0, rng() % 2 == 0};
@@ -166,8 +166,7 @@ TEST(OutputView, AFloodRepaintsAtMostOncePerFrameAndTheScrollBarOnlyWhenItsHandl
     // on an empty window, then on one whose bar moves at every line.
     auto flood = [&] {
         QTest::qWait(50);
-        PaintCounter counter;
-        t->viewport()->installEventFilter(&counter);
+        PaintCounter counter(t->viewport());
         QElapsedTimer clock;
         clock.start();
         for (int i = 0; i < 200; ++i) {
@@ -180,14 +179,11 @@ TEST(OutputView, AFloodRepaintsAtMostOncePerFrameAndTheScrollBarOnlyWhenItsHandl
         EXPECT_GE(counter.paints, 1);
         EXPECT_LE(counter.paints, ms / 16 + 2) << ms << " ms";
         EXPECT_EQ(t->lineText(t->lineCount() - 2), "chunk 199");
-        t->viewport()->removeEventFilter(&counter);
     };
     flood();
     print(f, numberedLines(0, 2999));
     flood();
-    PaintCounter bar, text;
-    t->verticalScrollBar()->installEventFilter(&bar);
-    t->viewport()->installEventFilter(&text);
+    PaintCounter bar(t->verticalScrollBar()), text(t->viewport());
     // A loaded machine may still be painting the first sync: wait for quiet.
     for (int tries = 0; tries < 40; ++tries) {
         bar.paints = text.paints = 0;
@@ -210,8 +206,7 @@ TEST(OutputView, AGrowingTextMovesTheHandleAtMostTenTimesASecond) {
     qt::OutputView* t = f.form().outputWindow(kMainWindow);
     print(f, numberedLines(0, 39));
     QTest::qWait(150);
-    PaintCounter bar;
-    t->verticalScrollBar()->installEventFilter(&bar);
+    PaintCounter bar(t->verticalScrollBar());
     QElapsedTimer clock;
     clock.start();
     for (int i = 0; i < 60; ++i) {
