@@ -111,12 +111,9 @@ TEST(OutputView, TheScreenAfterManySmallRepaintsIsWhatAWholePaintDraws) {
         if (rng() % 6 == 0) bar->setValue(bar->value() - static_cast<int>(rng() % 4));
         if (rng() % 9 == 0) bar->setValue(bar->value() + 1);
         if (step % 25 == 10) {
-            QWidget* vp = view.viewport();
             const QPoint from(static_cast<int>(rng() % 200), static_cast<int>(rng() % 100));
-            const QPointF to(from + QPoint(static_cast<int>(rng() % 50), 40));
-            QTest::mousePress(vp, Qt::LeftButton, {}, from);
-            QMouseEvent move(QEvent::MouseMove, to, vp->mapToGlobal(to), Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
-            QApplication::sendEvent(vp, &move);
+            QTest::mousePress(view.viewport(), Qt::LeftButton, {}, from);
+            QTest::mouseMove(view.viewport(), from + QPoint(static_cast<int>(rng() % 50), 40));
         }
         const QImage before = onScreen();
         QCoreApplication::processEvents();
@@ -149,8 +146,7 @@ TEST(OutputView, ASelectionCopiesTheTextAcrossLines) {
     const QPoint from(fm.horizontalAdvance('M') + 1, fm.lineSpacing() / 2);
     const QPoint to = from + QPoint(from.x() - 1, fm.lineSpacing());
     QTest::mousePress(vp, Qt::LeftButton, {}, from);
-    QMouseEvent move(QEvent::MouseMove, to, vp->mapToGlobal(to), Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(vp, &move);
+    QTest::mouseMove(vp, to);  // with the button held
     QTest::mouseRelease(vp, Qt::LeftButton, {}, to);
     EXPECT_EQ(t->selectedText(), "bc\nde");
 }
