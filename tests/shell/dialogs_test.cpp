@@ -49,11 +49,8 @@ TEST(SiteManagerDialog, TabOrderAndSavedSitesInTheBarAfterCloseWithTheFirstSelec
                   std::tuple(1, -1, QString()));
         // Tab goes from Save through the boxes to Close.
         QStringList order;
-        QWidget* w = d->OKButton;
-        do {
+        for (QWidget* w = d->OKButton; order.size() < 8; w = w->nextInFocusChain())
             if ((w->focusPolicy() & Qt::TabFocus) && !w->objectName().isEmpty()) order << w->objectName();
-            w = w->nextInFocusChain();
-        } while (w != d->OKButton && order.size() < 8);
         EXPECT_EQ(order, QStringList({"OKButton", "TXT_SiteName", "TXT_SSname", "TXT_DNSIP", "TXT_Dport",
                                       "TXT_Aport", "TXT_DESC", "CancelButton"}));
         d->TXT_SiteName->setText("New");
