@@ -72,7 +72,6 @@ TEST(SiteManagerDialog, TabOrderAndSavedSitesInTheBarAfterCloseWithTheFirstSelec
         clock.start();
         d->OKButton->click();
         EXPECT_LT(clock.elapsed(), 200);
-        EXPECT_TRUE(d->frmSaved->isVisible());
         while (d->frmSaved->isVisible() && clock.elapsed() < 3000) QTest::qWait(20);
         EXPECT_GE(clock.elapsed(), SiteManager::kSavedMs - 50);
         EXPECT_FALSE(d->frmSaved->isVisible());
