@@ -49,7 +49,6 @@ TEST(CommandLine, EnterSendsTheWholeLineInTheCodePageEscapeHidesAndAFailureIsTol
     f.fake.socket.connected = true;
     auto* text1 = f.control<QLineEdit>("Text1");
     f.enter("Text1", "look");
-    EXPECT_TRUE(text1->text().isEmpty());
     QTest::keyClick(text1, Qt::Key_Enter);  // the keypad's Enter, on an empty box
     text1->setText(QString::fromUtf8("say caf\u00e9 \u20ac5 \u4e2d"));
     QTest::keyClick(text1, Qt::Key_Return);
