@@ -79,9 +79,10 @@ TEST(MacroPage, DeleteAsksAndFailuresKeepTheBoxes) {
     f.click("BTNMacrosSave");
     f.click("BTNMacrosDelete");
     const std::string gone = f.fake.files.absolute("macros/MISSING/gone.macro");
-    EXPECT_EQ(f.fake.host.messages, (std::vector<std::string>{refusedNameMessage("macro", "?.macro"),
-                                                              "Cannot save the macro " + gone + ": No such file or directory.",
-                                                              "Cannot delete the macro " + gone + ": there is no such file."}));
+    EXPECT_EQ(f.fake.host.messages,
+              (std::vector<std::string>{refusedNameMessage("macro", "?.macro"),
+                                        "Cannot save the macro " + gone + ": No such file or directory.",
+                                        "Cannot delete the macro " + gone + ": there is no such file."}));
     EXPECT_EQ(f.text("txtMacrosLabel") + "|" + f.text("txtMacrosCommands"), "gone.macro|say kept");
 }
 
