@@ -2,11 +2,8 @@
 // from the model after the items a server sends.
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <random>
 #include <tuple>
 
-#include "common/numbers.h"
 #include "output/debug_channel.h"
 #include "output/output_window.h"
 #include "status/status_frames.h"
@@ -18,13 +15,12 @@ namespace {
 
 using Items = std::vector<std::pair<int, const char*>>;
 
-struct Panel {
+StatusModel panel(const Items& items = {}) {
     StatusModel m;
-    explicit Panel(const Items& items = {}) {
-        m.startUp();
-        for (auto [n, v] : items) m.setInfo1(n, v);
-    }
-};
+    m.startUp();
+    for (auto [n, v] : items) m.setInfo1(n, v);
+    return m;
+}
 
 }  // namespace
 
@@ -62,17 +58,16 @@ TEST(StatusPanel, BarWidthsAndLadderColours) {
         {"huge negative item 20", {{20, "-1e300"}}, 5, StatusModel::kWidestBar, green},
     };
     for (const auto& [name, items, bar, width, colour] : rows) {
-        const StatusModel::Bar shape = Panel(items).m.ShapeParam(bar);
+        const StatusModel::Bar shape = panel(items).ShapeParam(bar);
         EXPECT_EQ(std::pair(shape.width, shape.colour), std::pair(width, colour)) << name;
     }
-    Panel empty;
-    for (int bar : {1, 2, 3, 4, 7, 8, 9}) EXPECT_EQ(empty.m.ShapeParam(bar).width, 0) << bar;
+    const StatusModel empty = panel();
+    for (int bar : {1, 2, 3, 4, 7, 8, 9}) EXPECT_EQ(empty.ShapeParam(bar).width, 0) << bar;
 }
 
 TEST(StatusPanel, DerivedWords) {
     // The items set, then the word read and its text.
-    using Row = std::tuple<const char*, Items, int, std::string>;
-    const std::vector<Row> rows = {
+    const std::vector<std::tuple<const char*, Items, int, std::string>> rows = {
         {"empty age", {}, 0, "Y M"},
         {"empty height", {}, 1, "0'0\""},
         {"empty alignment", {}, 2, "Good"},
@@ -89,56 +84,54 @@ TEST(StatusPanel, DerivedWords) {
         {"position past the table", {{52, "16"}}, 5, "Unknown"},
         {"negative position", {{53, "-1"}}, 4, "Unknown"},
     };
-    for (const auto& [name, items, xinfo, text] : rows) EXPECT_EQ(Panel(items).m.XInfo(xinfo), text) << name;
+    for (const auto& [name, items, xinfo, text] : rows) EXPECT_EQ(panel(items).XInfo(xinfo), text) << name;
     // The alignment word's colour follows item 29, the word itself item 28.
     for (const auto& [v, colour] : {std::pair("0", rgb(0, 255, 0)), {"1", rgb(255, 255, 0)}, {"-1", rgb(255, 0, 0)}})
-        EXPECT_EQ(Panel({{29, v}}).m.XInfo2Colour(), colour) << v;
+        EXPECT_EQ(panel({{29, v}}).XInfo2Colour(), colour) << v;
 }
 
 TEST(StatusPanel, ChangedCellsFlashUntilTheNextTick) {
-    Panel p;
-    p.m.Timer3_Timer();
-    EXPECT_EQ(p.m.Info1Back(23), StatusModel::kGrey);
-    p.m.takeChanges();
+    StatusModel m = panel();
+    m.Timer3_Timer();
+    EXPECT_EQ(m.Info1Back(23), StatusModel::kGrey);
+    m.takeChanges();
 
-    p.m.setInfo1(23, "x");
-    EXPECT_EQ(p.m.Info1Back(23), StatusModel::kChanged);
-    EXPECT_EQ(p.m.XInfo(0), "Y M") << "item 23 only flashes";
-    const auto c = p.m.takeChanges();
-    EXPECT_EQ(std::make_tuple(c.info1.test(23), c.xinfo.any(), c.bars.any()),
-              std::make_tuple(true, false, false));
+    m.setInfo1(23, "x");
+    EXPECT_EQ(m.Info1Back(23), StatusModel::kChanged);
+    const auto c = m.takeChanges();  // item 23 only flashes
+    EXPECT_EQ(std::tuple(c.info1.test(23), c.xinfo.any(), c.bars.any()), std::tuple(true, false, false));
 
-    p.m.Timer3_Timer();
-    EXPECT_EQ(p.m.Info1Back(23), StatusModel::kGrey);
-    EXPECT_TRUE(p.m.ItemChanged(23)) << "the flags stay set";
-    EXPECT_TRUE(p.m.takeChanges().info1.test(23));
+    m.Timer3_Timer();
+    EXPECT_EQ(m.Info1Back(23), StatusModel::kGrey);
+    EXPECT_TRUE(m.ItemChanged(23)) << "the flags stay set";
+    EXPECT_TRUE(m.takeChanges().info1.test(23));
 
     // The same text again is no change: no flash, nothing to repaint.
-    p.m.setInfo1(23, "x");
-    EXPECT_EQ(p.m.Info1Back(23), StatusModel::kGrey);
-    EXPECT_FALSE(p.m.takeChanges().any());
-    p.m.Timer3_Timer();
-    EXPECT_FALSE(p.m.takeChanges().any()) << "a grey cell is not painted grey again";
+    m.setInfo1(23, "x");
+    EXPECT_EQ(m.Info1Back(23), StatusModel::kGrey);
+    EXPECT_FALSE(m.takeChanges().any());
+    m.Timer3_Timer();
+    EXPECT_FALSE(m.takeChanges().any()) << "a grey cell is not painted grey again";
 }
 
 // A caption that differs in one bit of one byte is a change, set directly or
 // by a frame's item read where it lies, in any order of the two; the same
 // caption is none.
 TEST(StatusPanel, OneBitDifferenceIsAChangeAtEveryLengthByBothRoads) {
-    Panel p;
+    StatusModel m = panel();
     OutputWindow window;
     DebugChannel debug{window};
-    StatusFrames frames{p.m, debug};
+    StatusFrames frames{m, debug};
     auto set = [&](bool direct, const std::string& v) {
         std::string chunk = "\x18" "1,23," + v + "\x19\x1A" + std::string(16, ' ');
-        direct ? p.m.setInfo1(23, v) : frames.S_ExtractFrames(chunk);
+        direct ? m.setInfo1(23, v) : frames.S_ExtractFrames(chunk);
     };
     // Whether `now` after `was`, each by its road, is seen as a change.
     auto changed = [&](bool wasDirect, const std::string& was, bool nowDirect, const std::string& now) {
         set(wasDirect, was);
-        p.m.takeChanges();
+        m.takeChanges();
         set(nowDirect, now);
-        return p.m.takeChanges().info1.test(23);
+        return m.takeChanges().info1.test(23);
     };
     for (std::size_t len = 1; len <= 20; ++len) {
         for (std::size_t at = 0; at < len; ++at) {
@@ -150,7 +143,7 @@ TEST(StatusPanel, OneBitDifferenceIsAChangeAtEveryLengthByBothRoads) {
                 EXPECT_TRUE(changed(direct, std::string(len, 'a'), !direct, now));
                 set(direct, now);
                 set(!direct, now);
-                EXPECT_FALSE(p.m.takeChanges().any());
+                EXPECT_FALSE(m.takeChanges().any());
             }
         }
     }
