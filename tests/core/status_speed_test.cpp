@@ -24,8 +24,7 @@ void applyPlain(StatusModel& m, std::string_view item) {
     const std::string_view rest = item.size() > 2 ? item.substr(2) : std::string_view();
     const double n = statusNumber(rest);
     const std::string_view value = rest.substr(rest.find(',') + 1);  // npos + 1 is 0: all of it
-    if (!(n >= 0 && n < 64))
-        return;
+    if (!(n >= 0 && n < 64)) return;
     if (kind == 1)
         m.setInfo1(static_cast<int>(n), value);
     else if (kind == 2)
@@ -69,9 +68,8 @@ Stream randomStream(std::mt19937& rng, int frames) {
         const std::string text = pick(4) == 0   ? std::string("\xFF\xFD\x18", 3)
                                  : pick(6) == 0 ? "a\x19\x1A" "b\r\n"
                                                 : "line " + std::to_string(f) + kWords.substr(pick(60)) + "\r\n";
-        s.bytes += text;
+        s.bytes += text + '\x18';
         s.text += text;
-        s.bytes += '\x18';
         s.items.emplace_back();
         for (std::size_t i = 0, count = pick(8); i < count; ++i) {
             std::string item;
@@ -79,7 +77,8 @@ Stream randomStream(std::mt19937& rng, int frames) {
                 item = kItems[pick(std::size(kItems))];
             } else {
                 const int cell = kCells[pick(std::size(kCells))];
-                const std::string value = pick(6) == 0 ? kOdd[pick(std::size(kOdd))] : std::to_string(pick(cell < 20 ? 4 : 700));
+                const std::string value =
+                    pick(6) == 0 ? kOdd[pick(std::size(kOdd))] : std::to_string(pick(cell < 20 ? 4 : 700));
                 item = (pick(8) == 0 ? "2," : "1,") + std::to_string(pick(8) == 0 ? cell % 5 : cell) + "," + value;
             }
             s.bytes += item + '\x19';
