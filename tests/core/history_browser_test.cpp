@@ -33,8 +33,7 @@ TEST(HistoryBrowser, EndsInOrderWhenThereIsNothingToRead) {
     for (const char* item : {"H.20261120.txt", "", "H.20261199.txt"}) {
         t.c.parts().windows.text[kHistView].append("old", {});
         t.b.DList_DblClick(item);
-        const std::string seen = t.panes() + ", " + t.b.Label8Caption + ", " + t.window(kHistView);
-        EXPECT_EQ(seen, "view, Loading ....., ") << item;
+        EXPECT_EQ(t.panes() + ", " + t.b.Label8Caption + ", " + t.window(kHistView), "view, Loading ....., ") << item;
     }
     EXPECT_EQ(t.history(), "");
     EXPECT_NE(t.debugText().find("Cannot read the log "), std::string::npos);
