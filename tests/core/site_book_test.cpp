@@ -19,11 +19,6 @@ std::vector<SiteRecord> parse(const std::string& text) {
     return sites;
 }
 
-std::string block(const std::string& name, const std::string& descLines) {
-    return "SITE=" + name + "\r\nSSNA=s" + name + "\r\nSDNS=" + name + ".org\r\nSDNA=alt." + name +
-           "\r\nSDP_=23\r\nSAP_=24\r\nSTRI=#24#init\r\nSDSC=\r\n" + descLines + "#\r\n";
-}
-
 }  // namespace
 
 TEST(SiteBook, WriterProducesTheBlockLayoutAndRecordsComeBack) {
@@ -53,7 +48,7 @@ TEST(SiteBook, DamagedPortsAndCutBlocksLoseNoOtherSite) {
     std::vector<std::string> warnings;
     std::vector<SiteRecord> sites;
     parseSites("SITE=a\r\nSSNA=s\r\nSDNS=h\r\nSDNA=\r\nSDP_=23abc\r\nSAP_=\r\nSTRI=\r\nSDSC=\r\n\r\n#\r\n"
-               "SITE=cut\r\nSSNA=c\r\n" + block("b", "z\r\n"),
+               "SITE=cut\r\nSSNA=c\r\n" + formatSites({rec("b", "z")}),
                sites, [&](const std::string& w) { warnings.push_back(w); });
     ASSERT_EQ(sites.size(), 3u);
     EXPECT_EQ(std::make_pair(sites[0].DefaultPort, sites[0].AlternatePort), std::make_pair(23, 0));
