@@ -20,19 +20,16 @@ struct PanelFixture : FormFixture {
         form().s_DataArrival();
         form().syncFromCore();
     }
-    void tick() {
-        form().client().Timer3_Timer();
-        form().syncFromCore();
-    }
-    QColor ground(int n) { return control(cellName(n).constData())->palette().color(QPalette::Window); }
+    template <typename W = QWidget>
+    W* cell(int n) { return control<W>(QStringLiteral("Info1(%1)").arg(n).toLatin1().constData()); }
     QWidget* bar(int n) { return control(QStringLiteral("ShapeParam(%1)").arg(n).toLatin1().constData()); }
-    static QByteArray cellName(int n) { return QStringLiteral("Info1(%1)").arg(n).toLatin1(); }
 };
 
 TEST(StatusPanelView, BarsMergeWithTheirCellsByOr) {
     PanelFixture f;
     f.receive(F24 + "1,7,100" + I25 + "1,8,100" + I25 + F26);  // full, blue
-    f.tick();
+    f.form().client().Timer3_Timer();
+    f.form().syncFromCore();
     const QImage shot = f.bar(0)->parentWidget()->grab().toImage();
     // A point of the cell's ground under the bar: grey 128 OR blue 255.
     const QPoint p = f.bar(0)->geometry().topLeft() + QPoint(f.bar(0)->width() - 2, 1);
@@ -42,10 +39,9 @@ TEST(StatusPanelView, BarsMergeWithTheirCellsByOr) {
 TEST(StatusPanelView, MouseOnThePanel) {
     PanelFixture f;
     f.receive(F24 + "1,23,abc" + I25 + "1,24,<b>x</b>" + I25 + F26);
-    EXPECT_EQ(f.control<QLabel>(PanelFixture::cellName(24).constData())->textFormat(), Qt::PlainText)
-        << "the server's words are never markup";
+    EXPECT_EQ(f.cell<QLabel>(24)->textFormat(), Qt::PlainText) << "the server's words are never markup";
     QMouseEvent move(QEvent::MouseMove, QPointF(2, 2), QPointF(2, 2), Qt::NoButton, Qt::NoButton, Qt::NoModifier);
-    QApplication::sendEvent(f.control(PanelFixture::cellName(23).constData()), &move);
+    QApplication::sendEvent(f.cell(23), &move);
     f.form().syncFromCore();
     EXPECT_EQ(f.text("Label9"), "23=abc");
 
@@ -59,8 +55,8 @@ TEST(StatusPanelView, MouseOnThePanel) {
     EXPECT_EQ(hidden, (std::vector<bool>{true, false, true}));
 
     f.control("CB_Connections")->setFocus();
-    QTest::mouseClick(f.control(PanelFixture::cellName(19).constData()), Qt::LeftButton);
-    QTest::mouseClick(f.control(PanelFixture::cellName(8).constData()), Qt::LeftButton);
+    QTest::mouseClick(f.cell(19), Qt::LeftButton);
+    QTest::mouseClick(f.cell(8), Qt::LeftButton);
     EXPECT_EQ(f.form().focusWidget(), f.control("CB_Connections")) << "a click on a cell leaves the focus";
     f.clickTab("InfoTabs", 1);
     EXPECT_EQ(f.control<qt::TabControl>("InfoTabs")->currentIndex(), 1);
