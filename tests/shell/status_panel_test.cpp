@@ -11,14 +11,12 @@ namespace {
 const std::string F24 = "\x18", I25 = "\x19", F26 = "\x1A";
 
 struct PanelFixture : FormFixture {
-    PanelFixture() {
-        form();
-        fake.socket.connected = true;
-    }
     void receive(const std::string& chunk) {
+        qt::MainForm& main = form();  // made before the socket is connected, as at start
+        fake.socket.connected = true;
         fake.socket.incoming = chunk;
-        form().s_DataArrival();
-        form().syncFromCore();
+        main.s_DataArrival();
+        main.syncFromCore();
     }
     template <typename W = QWidget>
     W* cell(int n) { return control<W>(QStringLiteral("Info1(%1)").arg(n).toLatin1().constData()); }
