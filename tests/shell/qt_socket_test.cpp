@@ -7,7 +7,6 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <sys/socket.h>
 #include <unistd.h>
 
 #include "integration/loopback.h"
@@ -17,11 +16,12 @@
 namespace kelpa::test {
 namespace {
 
-// What a socket reports, in order; a close is answered with close().
+// A socket connecting to `port` on the loopback and what it reports, in
+// order; a close is answered with close().
 struct Recorder {
-    Recorder(qt::QtSocket& s, bool skipFirstRead) {
+    Recorder(const std::string& port, bool skipFirstRead) {
         QObject::connect(&s, &qt::QtSocket::connected, [this] { events.push_back("connect"); });
-        QObject::connect(&s, &qt::QtSocket::dataArrival, [&s, this, skipFirstRead, first = true]() mutable {
+        QObject::connect(&s, &qt::QtSocket::dataArrival, [this, skipFirstRead, first = true]() mutable {
             if (s.state() != Socket::kConnected) return;
             if (skipFirstRead && std::exchange(first, false)) return;  // a handler that left the bytes
             events.push_back("data");
@@ -29,17 +29,19 @@ struct Recorder {
             largest = std::max(largest, d.size());
             data += d;
         });
-        QObject::connect(&s, &qt::QtSocket::closed, [&s, this] {
+        QObject::connect(&s, &qt::QtSocket::closed, [this] {
             events.push_back("close");
             s.close();
         });
         QObject::connect(&s, &qt::QtSocket::failed, [this](int n, const QString&, long long scode) {
             events.push_back("error " + std::to_string(n) + " " + std::to_string(scode));
         });
+        s.connect("127.0.0.1", port);
     }
     std::vector<std::string> events;
     std::string data;
     std::size_t largest = 0;
+    qt::QtSocket s;  // last: gone before what its handlers write to
 };
 
 TEST(QtSocket, ErrorsCarryTheNumbersPlayersKnow) {
@@ -71,15 +73,13 @@ TEST(QtSocket, BytesThatComeWithTheServersCloseAreReadBeforeTheClose) {
         const QByteArray text = skipFirstRead ? QByteArray("hello\r\nbye\r\n") : flood;
         ScriptedServer server({text.toStdString()});
         server.hangUp = true;
-        qt::QtSocket s;
-        Recorder r(s, skipFirstRead);
-        s.connect("127.0.0.1", server.port());
+        Recorder r(server.port(), skipFirstRead);
         ASSERT_TRUE(QTest::qWaitFor([&] { return !r.events.empty() && r.events.back() == "close"; }, 5000));
         EXPECT_EQ(r.events.front(), "connect");
         EXPECT_EQ(r.data, text.toStdString()) << skipFirstRead;
         EXPECT_LE(r.largest, static_cast<std::size_t>(qt::QtSocket::kChunk));
         EXPECT_GT(r.largest, skipFirstRead ? 0 : static_cast<std::size_t>(qt::QtSocket::kQtBuffer));
-        EXPECT_EQ(s.state(), 0);
+        EXPECT_EQ(r.s.state(), 0);
     }
 }
 
@@ -89,14 +89,12 @@ TEST(QtSocket, ARefusedConnectionOrAnImpossiblePortIsAnErrorAfterTheCall) {
     const std::string closedPort = std::to_string(probe.serverPort());
     probe.close();
     for (const auto& [port, error] : {std::pair{closedPort, "error 10061 -2146818227"}, {"http", "error 10049 "}}) {
-        qt::QtSocket s;
-        Recorder r(s, false);
-        s.connect("127.0.0.1", port);
+        Recorder r(port, false);
         EXPECT_TRUE(r.events.empty());  // never inside the click that connects
         ASSERT_TRUE(QTest::qWaitFor([&] { return !r.events.empty(); }, 5000));
         EXPECT_EQ(r.events.front().rfind(error, 0), 0u) << r.events.front();
         EXPECT_EQ(r.events.size(), 1u);
-        EXPECT_NE(s.state(), Socket::kConnected);
+        EXPECT_NE(r.s.state(), Socket::kConnected);
     }
 }
 
@@ -110,10 +108,7 @@ TEST(QtHost, TheLockFileLivesInTheUsersRuntimeFolder) {
     EXPECT_EQ(qt::QtHost::lockFilePath(), elsewhere);
     qputenv("XDG_RUNTIME_DIR", "/no/such/folder");
     EXPECT_EQ(qt::QtHost::lockFilePath(), elsewhere);
-    if (saved.isNull())
-        qunsetenv("XDG_RUNTIME_DIR");
-    else
-        qputenv("XDG_RUNTIME_DIR", saved);
+    saved.isNull() ? qunsetenv("XDG_RUNTIME_DIR") : qputenv("XDG_RUNTIME_DIR", saved);
 }
 
 }  // namespace
