@@ -61,8 +61,6 @@ private:
     std::vector<std::string> greetings_;
 };
 
-using WirePlatform = PlatformWith<qt::QtSocket>;
-
 // The main form on the real socket. Its site book holds one site, "loc",
 // that points at the server and sends `init` on connecting; `files` are in
 // the folder before the form loads.
@@ -76,9 +74,6 @@ struct WireForm {
         p.folder.write("CONN.ZIG", site + "\r\nSAP_=0\r\nSTRI=" + init + "\r\nSDSC=\r\ntest\r\n#\r\n");
         form = std::make_unique<qt::MainForm>(p.platform);
         form->listenTo(p.socket);
-        text1 = form->findChild<QLineEdit*>("Text1");
-        connectButton = form->findChild<QPushButton*>("CMD_CONNECT");
-        disconnectButton = form->findChild<QPushButton*>("CMD_DISCONNECT");
     }
     template <typename Condition>
     static bool until(Condition done) { return QTest::qWaitFor(done, 5000); }
@@ -88,13 +83,13 @@ struct WireForm {
     std::string window() const { return std::string(c().window(kMainWindow).text()); }
     bool shows(const std::string& text) const { return window().find(text) != std::string::npos; }
     std::string log() const { return p.folder.read("logs/loc/H.20261123.txt"); }
+    QLineEdit* text1() const { return form->findChild<QLineEdit*>("Text1"); }
+    QPushButton* connectButton() const { return form->findChild<QPushButton*>("CMD_CONNECT"); }
+    QPushButton* disconnectButton() const { return form->findChild<QPushButton*>("CMD_DISCONNECT"); }
 
     ScriptedServer server;
-    WirePlatform p;
+    PlatformWith<qt::QtSocket> p;
     std::unique_ptr<qt::MainForm> form;
-    QLineEdit* text1 = nullptr;
-    QPushButton* connectButton = nullptr;
-    QPushButton* disconnectButton = nullptr;
 };
 
 }  // namespace kelpa::test
