@@ -3,6 +3,7 @@
 // day's log file.
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -48,16 +49,12 @@ inline std::string bytes(std::initializer_list<int> values) {
 // The style of the character at `pos` of a window; fails the test if no run
 // covers it. For GoogleTest tests only.
 inline TextStyle styleAt(const OutputWindow& w, std::size_t pos) {
-    TextStyle found;
-    bool covered = false;
+    std::optional<TextStyle> found;
     w.forEachRun([&](const OutputWindow::Run& r) {
-        if (pos >= r.begin && pos < r.end) {
-            found = r.style;
-            covered = true;
-        }
+        if (pos >= r.begin && pos < r.end) found = r.style;
     });
-    EXPECT_TRUE(covered) << "no run covers position " << pos;
-    return found;
+    EXPECT_TRUE(found.has_value()) << "no run covers position " << pos;
+    return found.value_or(TextStyle{});
 }
 
 }  // namespace kelpa::test

@@ -2,7 +2,7 @@
 
 #include <atomic>
 #include <fstream>
-#include <sstream>
+#include <iterator>
 #include <unistd.h>
 
 namespace kelpa::test {
@@ -24,9 +24,7 @@ TempFolder::~TempFolder() {
 
 std::string TempFolder::read(const std::string& relative) const {
     std::ifstream in(path_ / relative, std::ios::binary);
-    std::ostringstream s;
-    s << in.rdbuf();
-    return s.str();
+    return {std::istreambuf_iterator<char>(in), {}};
 }
 
 void TempFolder::write(const std::string& relative, const std::string& bytes) const {
