@@ -26,16 +26,15 @@ struct ScriptedServer {
     explicit ScriptedServer(std::vector<std::string> greetings = {}) : greetings_(std::move(greetings)) {
         server.listen(QHostAddress::LocalHost);
         QObject::connect(&server, &QTcpServer::newConnection, [this] {
-            QTcpSocket* c = server.nextPendingConnection();
+            current = server.nextPendingConnection();
             const std::size_t n = received.size();
             received.emplace_back();
-            current = c;
-            QObject::connect(c, &QTcpSocket::readyRead, [this, c, n] {
+            QObject::connect(current, &QTcpSocket::readyRead, [this, c = current, n] {
                 const QByteArray b = c->readAll();
                 received[n].append(b.constData(), static_cast<std::size_t>(b.size()));
             });
             if (n < greetings_.size()) send(greetings_[n]);
-            if (hangUp) c->disconnectFromHost();
+            if (hangUp) current->disconnectFromHost();
         });
     }
     std::string port() const { return std::to_string(server.serverPort()); }
