@@ -49,7 +49,9 @@ TEST(SiteManagerDialog, TabOrderAndSavedSitesInTheBarAfterCloseWithTheFirstSelec
                   std::tuple(1, -1, QString()));
         // Tab goes from Save through the boxes to Close.
         QStringList order;
-        for (QWidget* w = d->OKButton; order.size() < 8; w = w->nextInFocusChain())
+        // Bounded: a chain without eight such widgets would otherwise go round forever.
+        int steps = 0;
+        for (QWidget* w = d->OKButton; order.size() < 8 && steps++ < 200; w = w->nextInFocusChain())
             if ((w->focusPolicy() & Qt::TabFocus) && !w->objectName().isEmpty()) order << w->objectName();
         EXPECT_EQ(order, QStringList({"OKButton", "TXT_SiteName", "TXT_SSname", "TXT_DNSIP", "TXT_Dport",
                                       "TXT_Aport", "TXT_DESC", "CancelButton"}));
