@@ -6,22 +6,18 @@ namespace kelpa {
 
 void CommandRoad::S_RunCommands(std::string text) {
     const int depth = depth_.current();
-    if (depth == 0) {
-        nestedTexts_ = 0;
-        nestedBytes_ = 0;
-        workSpent_ = false;
-        workStart_ = workMeter_ ? workMeter_() : 0;
-    }
+    if (depth == 0) startBudgets();
     if (workSpent_) return;
     if (depth_.full() || (depth > 0 && nestedTexts_ >= kNestedTextBudget)) {
         const std::string trimmed = trimBlanks(text);
         if (trimmed.empty()) return;
         const std::string head = trimmed.substr(0, trimmed.find("\r\n"));
+        // What is not run is told whatever the debug switch says.
         if (depth_.full())
-            debug_.DebugLog("Commands nested more than " + decimal(kNestingLimit) + " deep, not run: " + head);
+            debug_.tellAlways("Commands nested more than " + decimal(kNestingLimit) + " deep, not run: " + head);
         else if (nestedTexts_++ == kNestedTextBudget)
-            debug_.DebugLog("More than " + decimal(kNestedTextBudget) + " nested commands in one run, stopped at: " +
-                            head);
+            debug_.tellAlways("More than " + decimal(kNestedTextBudget) + " nested commands in one run, stopped at: " +
+                              head);
         return;
     }
     if (depth > 0) {
@@ -42,6 +38,8 @@ void CommandRoad::S_RunCommands(std::string text) {
         if (pair == std::string::npos || pair + 2 > end) pair = end;
         std::string line = text.substr(start, pair - start);
         start = pair == end ? end : pair + 2;
+        // Each line of a pasted or typed text is a command of its own.
+        if (depth == 0) startBudgets();
         if (overWorkBudget(line)) return;
         if (line.size() >= 2 && line[0] == '@') {
             debug_.DebugLog("Running Macro : " + line);
@@ -60,13 +58,20 @@ void CommandRoad::S_RunCommands(std::string text) {
     }
 }
 
+void CommandRoad::startBudgets() {
+    nestedTexts_ = 0;
+    nestedBytes_ = 0;
+    workSpent_ = false;
+    workStart_ = workMeter_ ? workMeter_() : 0;
+}
+
 bool CommandRoad::overWorkBudget(const std::string& line) {
     if (workSpent_) return true;
     const std::uint64_t done = nestedBytes_ + (workMeter_ ? workMeter_() - workStart_ : 0);
     if (done <= kWorkBudget) return false;
     workSpent_ = true;
-    debug_.DebugLog("More than " + decimal(static_cast<long long>(kWorkBudget >> 20)) +
-                    " MB of commands in one run, stopped at: " + line);
+    debug_.tellAlways("More than " + decimal(static_cast<long long>(kWorkBudget >> 20)) +
+                      " MB of commands in one run, stopped at: " + line);
     return true;
 }
 

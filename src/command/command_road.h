@@ -20,12 +20,13 @@ public:
     // among them ends at this depth with a debug line.
     static constexpr int kNestingLimit = 64;
     // A text that branches (a macro calling itself twice) stays under the
-    // depth yet doubles its work at every level; one command from outside
-    // may run at most this many nested texts.
+    // depth yet doubles its work at every level; one line from outside
+    // (typed, pasted, queued, a trigger action's) may run at most this many
+    // nested texts.
     static constexpr int kNestedTextBudget = 1000;
     // Values that double themselves reach the expansion cap in a few lines,
     // and a line that names one a thousand times then costs a gigabyte. One
-    // command from outside may expand and nest at most this many bytes.
+    // line from outside may grow by expansion and nest at most this many bytes.
     static constexpr std::uint64_t kWorkBudget = std::uint64_t{4} << 20;
 
     CommandRoad(Sender& sender, DebugChannel& debug) : sender_(sender), debug_(debug) {}
@@ -36,7 +37,7 @@ public:
     void setMacroRunner(LineHandler h) { runMacro_ = std::move(h); }
     void setKeywordRunner(LineHandler h) { runKeyword_ = std::move(h); }
     void setExpander(Expander e) { expand_ = std::move(e); }
-    // Bytes expanded so far, by anyone; read at each line.
+    // Bytes that expansions added so far, by anyone; read at each line.
     void setWorkMeter(std::function<std::uint64_t()> m) { workMeter_ = std::move(m); }
 
     void S_RunCommands(std::string text);
@@ -46,6 +47,9 @@ public:
     void enterText(std::string text);
 
 private:
+    void startBudgets();
+    bool overWorkBudget(const std::string& line);
+
     Sender& sender_;
     DebugChannel& debug_;
     LineHandler runMacro_;
@@ -57,8 +61,6 @@ private:
     std::uint64_t workStart_ = 0;
     std::uint64_t nestedBytes_ = 0;
     bool workSpent_ = false;
-
-    bool overWorkBudget(const std::string& line);
 };
 
 }  // namespace kelpa

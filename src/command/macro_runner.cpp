@@ -99,7 +99,7 @@ void MacroRunner::S_RunMacro(std::string& line) {
     }
     std::string body = bodyOf(text);
     if (!putArguments(body, args)) {
-        debug_.DebugLog("Macro " + name + " too long with its arguments, not run");
+        debug_.tellAlways("Macro " + name + " too long with its arguments, not run");
         return;
     }
     commands_.S_RunCommands(std::move(body));

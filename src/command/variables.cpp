@@ -324,7 +324,8 @@ private:
 
 std::string VariableTable::S_ExpandVars(std::string_view text) const {
     std::string out = expandOnce(text);
-    expandedBytes_ += out.size();
+    // Only growth is work beyond the text itself: a long pasted line is not.
+    if (out.size() > text.size()) expandedBytes_ += out.size() - text.size();
     return out;
 }
 

@@ -46,8 +46,8 @@ public:
     // order, exactly as one pass per entry would; an index over the names
     // makes the cost follow the text and its references, not the table.
     std::string S_ExpandVars(std::string_view text) const;
-    // Bytes of text every expansion so far has handed back: what the
-    // command road weighs a runaway run by.
+    // Bytes every expansion so far added to its text: what the command road
+    // weighs a runaway run by.
     std::uint64_t expandedBytes() const { return expandedBytes_; }
     // Empties the table, as the trigger loader does.
     void clear();

@@ -251,8 +251,7 @@ void StatusFrames::endFrame() {
     std::string frame;
     frame.swap(pending_);
     if (dropped_ > 0) {
-        if (debug_.enabled)
-            debug_.DebugLog("Frame too long, " + decimal(static_cast<long long>(dropped_)) + " bytes dropped");
+        debug_.tellAlways("Frame too long, " + decimal(static_cast<long long>(dropped_)) + " bytes dropped");
         dropped_ = 0;
     }
     S_SplitFrame(frame);

@@ -188,6 +188,8 @@ TEST(Macros, ParametersAreCleanedAndPutInAscendingOrder) {
                                   "say a and %1\r\n", "say a0|\r\n"}));
     h.run("@go 1 2 c");
     EXPECT_EQ(h.c.parts().variables.entry(1).Value, "C");  // keyword lines fold the argument
+    h.run("@go x          y");
+    EXPECT_EQ(h.value("LAST"), "Y") << "ten blanks leave two: the third word is y";
     EXPECT_TRUE(h.has("Running Macro : @go a.b,c;d!e?f\r\n"));
 }
 
@@ -227,28 +229,46 @@ TEST(Macros, FilesInAnyExtensionCaseAndTheOverrideFolder) {
     EXPECT_EQ(editor.Mlist, (Writes{"Y.macro", "first.macro", "only.macro", "x.Macro"}));
 }
 
-// Branching calls and huge expansions stop at the budgets of one run; the
-// next command from outside has the whole budgets again.
-TEST(Macros, BranchingCallsAndHugeExpansionsStopAtTheBudgetsOfOneRun) {
+// Branching calls and huge expansions stop at the budgets of one line from
+// outside, and say so with the debug switch off; each line of a text has the
+// whole budgets, and text that expands to itself costs nothing.
+TEST(Macros, BranchingCallsAndHugeExpansionsStopAtTheBudgetsOfOneLine) {
     Lines h;
+    h.c.setDebugInfo(false);
     h.file("tree.macro", "@tree\r\n@tree");
-    h.run("@tree\r\nsay alive");
-    EXPECT_EQ(h.count("More than 1000 nested commands in one run, stopped at: @tree\r\n"), 1u);
+    h.run("@tree\r\nsay alive\r\n@tree");
+    EXPECT_EQ(h.count("More than 1000 nested commands in one run, stopped at: @tree\r\n"), 2u);
     EXPECT_EQ(h.writes(), Writes{"say alive\r\n"});
-    h.c.parts().windows.text[kDebugWindow].clear();
-    h.run("@tree");
-    EXPECT_EQ(h.count("More than 1000 nested commands in one run"), 1u);
-    // Eight doublings leave 128 KB in X; each line that names it sends it all.
+    std::string flat;
+    for (int i = 0; i < 1005; ++i) flat += "#ifeq 1 1 say " + std::to_string(i) + "\r\n";
+    h.run(flat);
+    EXPECT_EQ(h.writes().size(), 1006u);
+    EXPECT_EQ(h.writes().back(), "SAY 1004\r\n");
+    // Eight doublings leave 128 KB in X; a macro that names it 40 times stops
+    // a little past 4 MB, and the next line runs.
     std::string text = "#sv x " + std::string(512, 'a');
     for (int i = 0; i < 8; ++i) text += "\r\n#sv x %x%x";
-    for (int i = 0; i < 40; ++i) text += "\r\nsay %X";
-    h.run(text + "\r\nsay never");
+    h.run(text);
+    std::string body;
+    for (int i = 0; i < 40; ++i) body += "say %X\r\n";
+    h.file("big.macro", body + "say never");
+    std::size_t before = h.fp.socket.sent.size();
+    h.run("@big\r\nsay alive");
     EXPECT_EQ(h.count("More than 4 MB of commands in one run, stopped at: say %X\r\n"), 1u);
-    const std::size_t sent = h.fp.socket.sent.size();
-    EXPECT_TRUE(sent > std::size_t{3} << 20 && sent < std::size_t{4} << 20) << sent;
-    EXPECT_NE(h.writes().back(), "say never\r\n");
-    h.run("say alive");
+    const std::size_t sent = h.fp.socket.sent.size() - before;
+    EXPECT_TRUE(sent > std::size_t{4} << 20 && sent < std::size_t{9} << 19) << sent;
     EXPECT_EQ(h.writes().back(), "say alive\r\n");
+    // 3 MB of plain lines in a macro go out whole; a body whose arguments
+    // would pass 1 MB is not run.
+    std::string lines, refs;
+    for (int i = 0; i < 3000; ++i) lines += std::string(999, 'p') + "\r\n";
+    for (int i = 0; i < 2000; ++i) refs += "%1";
+    h.file("plain.macro", lines);
+    h.file("wide.macro", "say " + refs);
+    before = h.fp.socket.sent.size();
+    h.run("@plain\r\n@wide " + std::string(1000, 'w'));
+    EXPECT_EQ(h.fp.socket.sent.size() - before, 3000u * 1001u);
+    EXPECT_TRUE(h.has("Macro wide too long with its arguments, not run\r\n"));
 }
 
 TEST(Words, GetwordEndsAtOneBlankOrTheFirstPairAndFolds) {

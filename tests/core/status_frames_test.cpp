@@ -83,7 +83,7 @@ TEST(StatusFrames, TelnetOptionTwentyFourIsNotAFrameStartAndItemsTellTheDebugWin
 }
 
 TEST(StatusFrames, AFrameWithoutEndSwallowsTheStreamWithinItsBound) {
-    ClientHarness h;
+    ClientHarness h(/*connected=*/true, /*debugOn=*/false);
     h.receive("before" + F24 + "1,8,42" + I25);
     const std::string block(64 * 1024, 'x');
     for (int i = 0; i < 48; ++i) h.receive(block);  // 3 MB
