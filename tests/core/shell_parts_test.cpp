@@ -1,6 +1,6 @@
 // The shell's parts that need no toolkit: where the program keeps its
-// files, which system information program the About dialog starts, and the
-// gate that orders the window's events.
+// files, which system information program the About dialog starts, the gate
+// that orders the window's events, and how the form follows its size.
 #include <gtest/gtest.h>
 
 #include <set>
@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "shell/event_gate.h"
+#include "shell/form_layout.h"
 #include "shell/program_folder.h"
 #include "shell/system_info.h"
 
@@ -94,4 +95,31 @@ TEST(EventGate, EventsDuringAHandlerWaitAndRunInOrderOnceItIsOver) {
     });
     EXPECT_EQ(seen, (std::vector<std::string>{"data opens a box", "box closes", "close", "queue tick", "data again"}));
     EXPECT_FALSE(next.busy());
+}
+
+// Growing the window by some amount grows the work area's windows and moves
+// what sits below or right of them by that amount; the site bar stays, and a
+// size too small for a rule keeps what the rule would have made negative.
+TEST(FormLayout, ControlsFollowTheWindowAndTooSmallSizesGoNoLower) {
+    const int w = kFormInnerWidth + kNominalFrameWidth, h = kFormInnerHeight + kNominalFrameHeight;
+    FormLayout at, taller, wider, tiny;
+    at.Form_Resize(w, h);
+    taller.Form_Resize(w, h + 1000);
+    wider.Form_Resize(w + 1000, h);
+    for (const char* c : {"t", "HistT", "DBGWindow", "Mwindow(3)", "SSTab1", "SSTab2", "ToolsTabs", "HistView"})
+        EXPECT_EQ(std::pair(wider[c].width, taller[c].height), std::pair(at[c].width + 1000, at[c].height + 1000))
+            << c;
+    EXPECT_EQ(wider["Text1"].width, at["Text1"].width + 1000);
+    for (const char* c : {"BTN_BULK", "BTN_Flags", "Label11", "BSeek", "DList", "brefresh", "BFilter"})
+        EXPECT_EQ(wider[c].left, at[c].left + 1000) << c;
+    for (const char* c : {"Text1", "BTN_BULK", "InfoTabs", "DebugInfo", "CMD_About", "Tseek", "brefresh", "BFilter"})
+        EXPECT_EQ(taller[c].top, at[c].top + 1000) << c;
+    for (const char* c : {"CB_Connections", "Site", "PPort", "CMD_CONNECT", "CMD_DISCONNECT", "Frame3"})
+        EXPECT_EQ(taller[c], at[c]) << c;
+
+    tiny.Form_Resize(w, h);
+    tiny.Form_Resize(600, 600);
+    for (const auto& [name, r] : tiny.all()) EXPECT_TRUE(r.width >= 0 && r.height >= 0) << name;
+    EXPECT_EQ(tiny["PlayGround"].width, at["PlayGround"].width) << "a rule that would go below zero is skipped";
+    EXPECT_LT(tiny["InfoTabs"].top, at["Frame3"].top) << "a low window lets the tabs slide over the frame";
 }
