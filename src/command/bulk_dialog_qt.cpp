@@ -23,7 +23,7 @@ BulkDialog::BulkDialog(QWidget* parent)
     TXT_Bulk->setGeometry(pxRect(120, 120, 9585, 4815));
     TXT_Bulk->setFont(monospaceFont(9.75));
     TXT_Bulk->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
-    TXT_Bulk->setLineWrapMode(QPlainTextEdit::NoWrap);
+    wrapLines(TXT_Bulk);
     QPalette p = TXT_Bulk->palette();
     p.setColor(QPalette::Base, Qt::black);
     p.setColor(QPalette::Text, Qt::yellow);

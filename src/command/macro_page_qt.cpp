@@ -32,7 +32,7 @@ MacroPage::MacroPage(MacroEditor& editor, Runner run, QWidget* page)
     placed(new QLabel(QStringLiteral("Commands"), page), nullptr, 120, 840, 960, 285);
     txtMacrosCommands = placed(new QPlainTextEdit(page), "txtMacrosCommands", 1080, 840, 4560, 4935);
     txtMacrosCommands->setFont(small);
-    txtMacrosCommands->setLineWrapMode(QPlainTextEdit::NoWrap);
+    wrapLines(txtMacrosCommands);
 
     MListName = placed(new QLabel(QStringLiteral("Main"), page), "MListName", 5880, 480, 3255, 285);
     MListName->setTextFormat(Qt::PlainText);  // a folder name, never markup

@@ -31,6 +31,11 @@ std::string boxText(const QPlainTextEdit* box) {
 
 void setBoxText(QPlainTextEdit* box, std::string_view core) { box->setPlainText(toQString(replaceAll(core, kCrLf, "\n"))); }
 
+void wrapLines(QPlainTextEdit* box) {
+    box->setLineWrapMode(QPlainTextEdit::WidgetWidth);
+    box->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+}
+
 void FileList::mouseDoubleClickEvent(QMouseEvent* e) {
     QListWidget::mouseDoubleClickEvent(e);
     const QModelIndex under = indexAt(e->position().toPoint());

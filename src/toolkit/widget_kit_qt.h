@@ -45,6 +45,9 @@ std::string toCoreBytes(const QString& text);
 std::string boxText(const QPlainTextEdit* box);
 // Shows the core's text (lines ending in CR LF) in a multi-line box.
 void setBoxText(QPlainTextEdit* box, std::string_view core);
+// Long lines of a multi-line box fold at its width, as text boxes with at
+// most a vertical scroll bar do; the text itself keeps its line breaks.
+void wrapLines(QPlainTextEdit* box);
 
 // A fixed-pitch font at the given size: DejaVu Sans Mono, or the system's
 // fixed font, never a proportional substitute.

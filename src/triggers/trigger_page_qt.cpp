@@ -33,7 +33,7 @@ TriggerPage::TriggerPage(QWidget* page, TriggerEditor& editor, Guard guard)
     txtTRGBody_ = placed(new QPlainTextEdit(page), "txtTRGBody", 840, 2160, 4800, 3615);
     for (QPlainTextEdit* box : {TxtTrgFlags_, txtTRGBody_}) {
         box->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
-        box->setLineWrapMode(QPlainTextEdit::NoWrap);
+        wrapLines(box);
     }
 
     auto* type = placed(new QGroupBox(QStringLiteral("Type"), page), "Frame1", 5880, 420, 3255, 855);

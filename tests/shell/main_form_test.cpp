@@ -1,8 +1,9 @@
 // The main window on the fakes: what it shows at start, the connection bar,
-// the resize rules on the real widgets, the command line and the Bulk
-// dialog down to the bytes on the socket, and the flags dialog following the
-// core's table both ways.
+// the command line and the Bulk dialog down to the bytes on the socket, and
+// the flags dialog following the core's table both ways.
 #include <gtest/gtest.h>
+
+#include <QScrollBar>
 
 #include <stdexcept>
 
@@ -84,8 +85,14 @@ TEST(BulkDialog, SendSendsEveryLineCancelAndEscapeSendNothingAndKeepTheText) {
     };
     const auto ok = [](qt::BulkDialog* d) { QTest::mouseClick(d->OKButton, Qt::LeftButton); };
     bulk({}, ok);
-    bulk(QString::fromUtf8("north\nsay\u00a0hi"), ok);
-    EXPECT_EQ(f.fake.socket.sent, "\r\nnorth\r\nsay\xA0hi\r\n") << "an empty box sends a bare line end";
+    // A long line folds at the box's width and still goes out as one line.
+    const QString along(300, u'x');
+    bulk(QString::fromUtf8("north\nsay\u00a0hi ") + along, [&](qt::BulkDialog* d) {
+        EXPECT_EQ(d->TXT_Bulk->horizontalScrollBar()->maximum(), 0);
+        ok(d);
+    });
+    EXPECT_EQ(f.fake.socket.sent, "\r\nnorth\r\nsay\xA0hi " + along.toStdString() + "\r\n")
+        << "an empty box sends a bare line end";
     EXPECT_TRUE(f.form().bulkDialog()->TXT_Bulk->toPlainText().isEmpty());
 
     f.fake.socket.sent.clear();
