@@ -38,8 +38,9 @@ void CommandRoad::S_RunCommands(std::string text) {
         if (pair == std::string::npos || pair + 2 > end) pair = end;
         std::string line = text.substr(start, pair - start);
         start = pair == end ? end : pair + 2;
-        // Each line of a pasted or typed text is a command of its own.
-        if (depth == 0) startBudgets();
+        // Each line of a pasted or typed text may branch as far as one typed
+        // line; the bytes stay counted over the whole text.
+        if (depth == 0) nestedTexts_ = 0;
         if (overWorkBudget(line)) return;
         if (line.size() >= 2 && line[0] == '@') {
             debug_.DebugLog("Running Macro : " + line);
