@@ -1,5 +1,6 @@
 #include "command/macro_runner.h"
 
+#include <algorithm>
 #include <set>
 
 #include "command/words.h"
@@ -38,8 +39,14 @@ bool sameIgnoringCase(std::string_view a, std::string_view b) {
 
 std::string MacroRunner::folder(const std::string& overrideDir) {
     std::string f = std::string(kFolder) + "/";
-    if (!overrideDir.empty()) f += overrideDir + "/";
+    if (!overrideDir.empty()) f += slashes(overrideDir) + "/";
     return f;
+}
+
+// Macro sets written on Windows name their sub-folders with backslashes.
+std::string MacroRunner::slashes(std::string path) {
+    std::replace(path.begin(), path.end(), '\\', '/');
+    return path;
 }
 
 std::string MacroRunner::bodyOf(const std::string& text) {
@@ -83,7 +90,7 @@ void MacroRunner::S_RunMacro(std::string& line) {
     line = variables_.S_ExpandVars(line);
     if (line.empty()) return;
     const std::size_t blank = line.find(' ');
-    const std::string name = line.substr(1, (blank == std::string::npos ? line.size() : blank) - 1);
+    const std::string name = slashes(line.substr(1, (blank == std::string::npos ? line.size() : blank) - 1));
     const std::string args = blank == std::string::npos ? std::string() : line.substr(blank + 1);
 
     std::string path = fileOf(folder(""), name);

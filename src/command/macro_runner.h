@@ -29,6 +29,8 @@ public:
     // The folder that macro files are read from and written to, with its
     // trailing "/": "macros/" or "macros/<dir>/".
     static std::string folder(const std::string& overrideDir);
+    // A name or folder with its backslashes turned into slashes.
+    static std::string slashes(std::string path);
 
     // The lines of a macro file, cut at CR LF, a lone CR or a lone LF.
     static std::string bodyOf(const std::string& fileText);

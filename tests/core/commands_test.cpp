@@ -220,10 +220,14 @@ TEST(Macros, FilesInAnyExtensionCaseAndTheOverrideFolder) {
     h.run("#override");
     for (const auto& [name, text] : std::vector<std::pair<std::string, std::string>>{
              {"x.Macro", "say x"}, {"AREA/Y.MACRO", "say y %1"}, {"z.macro.txt", "say z"},
-             {"Y.macro", "say main y %1"}, {"only.macro", "say only main"}})
+             {"Y.macro", "say main y %1"}, {"only.macro", "say only main"}, {"AREA/SUB/v.macro", "say v"},
+             {"AREA/w.macro", "say w"}})
         h.file(name, text);
-    h.run("@x\r\n@X\r\n#override area\r\n@Y a\r\n@only\r\n@z\r\n#override\r\n@Y b");
-    EXPECT_EQ(h.writes(), (Writes{"say x\r\n", "say y a\r\n", "say only main\r\n", "say main y b\r\n"}));
+    // Backslashes name sub-folders, as in macro sets written on Windows.
+    h.run("@x\r\n@X\r\n#override area\r\n@Y a\r\n@only\r\n@z\r\n#override area\\sub\r\n@v\r\n#override\r\n@Y b\r\n"
+          "@AREA\\w");
+    EXPECT_EQ(h.writes(), (Writes{"say x\r\n", "say y a\r\n", "say only main\r\n", "say v\r\n", "say main y b\r\n",
+                                  "say w\r\n"}));
     EXPECT_TRUE(h.has(" UNKNOWN MACRO for command \r\n\r\nMacro names count case: there is macros/x.Macro\r\n"));
     editor.brefresh3_Click();
     EXPECT_EQ(editor.Mlist, (Writes{"Y.macro", "first.macro", "only.macro", "x.Macro"}));
