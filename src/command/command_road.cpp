@@ -12,10 +12,13 @@ void CommandRoad::S_RunCommands(std::string text) {
         const std::string trimmed = trimBlanks(text);
         if (trimmed.empty()) return;
         const std::string head = trimmed.substr(0, trimmed.find("\r\n"));
-        // What is not run is told whatever the debug switch says.
-        if (depth_.full())
-            debug_.tellAlways("Commands nested more than " + decimal(kNestingLimit) + " deep, not run: " + head);
-        else if (nestedTexts_++ == kNestedTextBudget)
+        // What is not run is told whatever the debug switch says, once a
+        // command: a runaway tree meets the depth at each of its leaves.
+        if (depth_.full()) {
+            if (!depthTold_)
+                debug_.tellAlways("Commands nested more than " + decimal(kNestingLimit) + " deep, not run: " + head);
+            depthTold_ = true;
+        } else if (nestedTexts_++ == kNestedTextBudget)
             debug_.tellAlways("More than " + decimal(kNestedTextBudget) + " nested commands in one run, stopped at: " +
                               head);
         return;
@@ -38,9 +41,6 @@ void CommandRoad::S_RunCommands(std::string text) {
         if (pair == std::string::npos || pair + 2 > end) pair = end;
         std::string line = text.substr(start, pair - start);
         start = pair == end ? end : pair + 2;
-        // Each line of a pasted or typed text may branch as far as one typed
-        // line; the bytes stay counted over the whole text.
-        if (depth == 0) nestedTexts_ = 0;
         if (overWorkBudget(line)) return;
         if (line.size() >= 2 && line[0] == '@') {
             debug_.DebugLog("Running Macro : " + line);
@@ -61,6 +61,7 @@ void CommandRoad::S_RunCommands(std::string text) {
 
 void CommandRoad::startBudgets() {
     nestedTexts_ = 0;
+    depthTold_ = false;
     nestedBytes_ = 0;
     workSpent_ = false;
     workStart_ = workMeter_ ? workMeter_() : 0;

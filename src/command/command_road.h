@@ -20,10 +20,11 @@ public:
     // among them ends at this depth with a debug line.
     static constexpr int kNestingLimit = 64;
     // A text that branches (a macro calling itself twice) stays under the
-    // depth yet doubles its work at every level; one line from outside
-    // (typed, pasted, queued, a trigger action's) may run at most this many
-    // nested texts.
-    static constexpr int kNestedTextBudget = 1000;
+    // depth yet doubles its work at every level; one command from outside
+    // may run at most this many nested texts. Enough for a pasted text of
+    // thousands of conditions, and a runaway tree still ends within a
+    // fraction of a second.
+    static constexpr int kNestedTextBudget = 20000;
     // Values that double themselves reach the expansion cap in a few lines,
     // and a line that names one a thousand times then costs a gigabyte. One
     // text from outside may grow by expansion and nest at most this many
@@ -59,6 +60,7 @@ private:
     std::function<std::uint64_t()> workMeter_;
     Depth depth_{kNestingLimit};
     int nestedTexts_ = 0;
+    bool depthTold_ = false;
     std::uint64_t workStart_ = 0;
     std::uint64_t nestedBytes_ = 0;
     bool workSpent_ = false;
