@@ -27,7 +27,7 @@ public:
     static constexpr int kNestedTextBudget = 20000;
     // Values that double themselves reach the expansion cap in a few lines,
     // and a line that names one a thousand times then costs a gigabyte. One
-    // text from outside may grow by expansion and nest at most this many
+    // command from outside may grow by expansion and nest at most this many
     // bytes; a line that expands to itself costs nothing.
     static constexpr std::uint64_t kWorkBudget = std::uint64_t{4} << 20;
 

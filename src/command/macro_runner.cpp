@@ -1,6 +1,5 @@
 #include "command/macro_runner.h"
 
-#include <algorithm>
 #include <set>
 
 #include "command/words.h"
@@ -44,10 +43,7 @@ std::string MacroRunner::folder(const std::string& overrideDir) {
 }
 
 // Macro sets written on Windows name their sub-folders with backslashes.
-std::string MacroRunner::slashes(std::string path) {
-    std::replace(path.begin(), path.end(), '\\', '/');
-    return path;
-}
+std::string MacroRunner::slashes(const std::string& path) { return replaceAll(path, "\\", "/"); }
 
 std::string MacroRunner::bodyOf(const std::string& text) {
     std::string body;

@@ -30,7 +30,7 @@ public:
     // trailing "/": "macros/" or "macros/<dir>/".
     static std::string folder(const std::string& overrideDir);
     // A name or folder with its backslashes turned into slashes.
-    static std::string slashes(std::string path);
+    static std::string slashes(const std::string& path);
 
     // The lines of a macro file, cut at CR LF, a lone CR or a lone LF.
     static std::string bodyOf(const std::string& fileText);
