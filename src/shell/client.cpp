@@ -25,6 +25,8 @@ ClientParts::ClientParts(Platform& p)
       status(),
       frames(status, debug) {
     wireStatus();
+    // The browser's view shows this until the first day is loaded.
+    windows.text[kHistView].append("History goes here", {windows.state[kHistView].Colour});
     telnet.setSender([this](std::string& answer) { sender.S_SendData(answer); });
     commands.setExpander([this](const std::string& s) { return variables.S_ExpandVars(s); });
     commands.setWorkMeter([this] { return variables.expandedBytes(); });

@@ -110,6 +110,9 @@ void FormLayout::Form_Resize(int W, int H) {
     r("brefresh").left = dlist.left;
     r("BFilter").left = dlist.left;
     r("BFilter").top = tools.height - 855;
+    // The heading of the list goes with it; left behind, the growing view
+    // would cover it.
+    r("Label1").left = dlist.left;
     setWidth(r("HistView"), tools.width - 1800);
     setHeight(r("HistView"), tools.height - 960);
 }

@@ -26,6 +26,7 @@ std::string pattern(std::size_t n) {
 
 TEST(HistoryBrowser, EndsInOrderWhenThereIsNothingToRead) {
     Browser t;
+    EXPECT_EQ(t.window(kHistView), "History goes here");
     t.day("H.20261120.txt", "");
     t.day("H.20261121.txt", "day21\r\n");
     t.b.brefresh_Click();

@@ -110,7 +110,7 @@ TEST(FormLayout, ControlsFollowTheWindowAndTooSmallSizesGoNoLower) {
         EXPECT_EQ(std::pair(wider[c].width, taller[c].height), std::pair(at[c].width + 1000, at[c].height + 1000))
             << c;
     EXPECT_EQ(wider["Text1"].width, at["Text1"].width + 1000);
-    for (const char* c : {"BTN_BULK", "BTN_Flags", "Label11", "BSeek", "DList", "brefresh", "BFilter"})
+    for (const char* c : {"BTN_BULK", "BTN_Flags", "Label11", "BSeek", "DList", "Label1", "brefresh", "BFilter"})
         EXPECT_EQ(wider[c].left, at[c].left + 1000) << c;
     for (const char* c : {"Text1", "BTN_BULK", "InfoTabs", "DebugInfo", "CMD_About", "Tseek", "brefresh", "BFilter"})
         EXPECT_EQ(taller[c].top, at[c].top + 1000) << c;
