@@ -33,4 +33,56 @@ std::string toBytes(std::u32string_view text) {
     return out;
 }
 
+std::string cp1252ToUtf8(std::string_view bytes) {
+    std::string out;
+    out.reserve(bytes.size() * 2);
+    for (char b : bytes) {
+        const char32_t c = cp1252ToUnicode(static_cast<unsigned char>(b));
+        if (c < 0x80) {
+            out += static_cast<char>(c);
+        } else if (c < 0x800) {
+            out += static_cast<char>(0xC0 | (c >> 6));
+            out += static_cast<char>(0x80 | (c & 0x3F));
+        } else {
+            out += static_cast<char>(0xE0 | (c >> 12));
+            out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+            out += static_cast<char>(0x80 | (c & 0x3F));
+        }
+    }
+    return out;
+}
+
+bool utf8ToCp1252(std::string_view utf8, std::string& out) {
+    out.clear();
+    for (std::size_t i = 0; i < utf8.size();) {
+        const auto lead = static_cast<unsigned char>(utf8[i]);
+        char32_t c;
+        std::size_t n;
+        if (lead < 0x80) {
+            c = lead;
+            n = 1;
+        } else if ((lead & 0xE0) == 0xC0 && lead >= 0xC2) {
+            c = lead & 0x1F;
+            n = 2;
+        } else if ((lead & 0xF0) == 0xE0) {
+            c = lead & 0x0F;
+            n = 3;
+        } else {
+            return false;  // four-byte characters are beyond the code page too
+        }
+        if (i + n > utf8.size()) return false;
+        for (std::size_t k = 1; k < n; ++k) {
+            const auto b = static_cast<unsigned char>(utf8[i + k]);
+            if ((b & 0xC0) != 0x80) return false;
+            c = (c << 6) | (b & 0x3F);
+        }
+        if (n == 3 && c < 0x800) return false;  // overlong
+        const char byte = unicodeToCp1252(c);
+        if (byte == '?' && c != '?') return false;
+        out += byte;
+        i += n;
+    }
+    return true;
+}
+
 }  // namespace kelpa

@@ -16,4 +16,11 @@ char unicodeToCp1252(char32_t c);
 // A typed text (UTF-32) as bytes.
 std::string toBytes(std::u32string_view text);
 
+// Bytes as UTF-8, each byte one character.
+std::string cp1252ToUtf8(std::string_view bytes);
+
+// UTF-8 back to bytes; false, with `out` undefined, for text that is not
+// UTF-8 or holds a character the code page lacks.
+bool utf8ToCp1252(std::string_view utf8, std::string& out);
+
 }  // namespace kelpa

@@ -1,5 +1,6 @@
 #include "platform/std_file_system.h"
 
+#include "common/codepage.h"
 #include "common/text.h"
 
 #include <fcntl.h>
@@ -61,8 +62,31 @@ private:
 
 StdFileSystem::StdFileSystem(std::filesystem::path root) : root_(std::move(root)) {}
 
+namespace {
+
+bool present(const std::filesystem::path& p) {
+    std::error_code ec;
+    return std::filesystem::symlink_status(p, ec).type() != std::filesystem::file_type::not_found;
+}
+
+// A name from the disk as the program's bytes; one that is not UTF-8, or
+// holds a letter the code page lacks, as it stands.
+std::string programName(const std::string& disk) {
+    std::string bytes;
+    return utf8ToCp1252(disk, bytes) ? bytes : disk;
+}
+
+}  // namespace
+
 std::filesystem::path StdFileSystem::full(const std::string& path) const {
-    return root_ / std::filesystem::path(path);
+    if (std::all_of(path.begin(), path.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; }))
+        return root_ / std::filesystem::path(path);
+    const std::filesystem::path utf8 = root_ / std::filesystem::path(cp1252ToUtf8(path));
+    const std::filesystem::path raw = root_ / std::filesystem::path(path);
+    if (present(utf8)) return utf8;
+    if (present(raw)) return raw;
+    // A new file goes where its folder is.
+    return !present(utf8.parent_path()) && present(raw.parent_path()) ? raw : utf8;
 }
 
 bool StdFileSystem::exists(const std::string& path) const {
@@ -77,6 +101,11 @@ bool StdFileSystem::exists(const std::string& path) const {
 
 bool StdFileSystem::remove(const std::string& path) {
     std::error_code ec;
+    // Only files: a folder of the name (an override folder, say) stays.
+    if (std::filesystem::symlink_status(full(path), ec).type() == std::filesystem::file_type::directory) {
+        lastError_ = "it is a folder";
+        return false;
+    }
     if (std::filesystem::remove(full(path), ec)) return true;
     lastError_ = ec ? ec.message() : "there is no such file";
     return false;
@@ -200,13 +229,13 @@ std::vector<std::string> StdFileSystem::list(const std::string& folder,
     if (ec) return names;
     for (const auto& entry : it) {
         if (!entry.is_regular_file(ec)) continue;
-        std::string name = entry.path().filename().string();
+        std::string name = programName(entry.path().filename().string());
         if (endsWithIgnoringCase(name, suffix)) names.push_back(name);
     }
     std::sort(names.begin(), names.end());
     return names;
 }
 
-std::string StdFileSystem::absolute(const std::string& path) const { return full(path).string(); }
+std::string StdFileSystem::absolute(const std::string& path) const { return programName(full(path).string()); }
 
 }  // namespace kelpa

@@ -26,6 +26,9 @@ public:
     const std::filesystem::path& root() const { return root_; }
 
 private:
+    // The program's names are Windows-1252 bytes; on disk they are UTF-8,
+    // as every other program here writes them. A name already on disk in
+    // the program's own bytes (copied as they were) is still found.
     std::filesystem::path full(const std::string& path) const;
     std::filesystem::path root_;
     mutable std::string lastError_;

@@ -5,6 +5,8 @@
 // expansion against one plain pass per entry on random tables.
 #include <gtest/gtest.h>
 
+#include <fstream>
+
 #include <random>
 
 #include "command/variables.h"
@@ -231,6 +233,33 @@ TEST(Macros, FilesInAnyExtensionCaseAndTheOverrideFolder) {
     EXPECT_TRUE(h.has(" UNKNOWN MACRO for command \r\n\r\nMacro names count case: there is macros/x.Macro\r\n"));
     editor.brefresh3_Click();
     EXPECT_EQ(editor.Mlist, (Writes{"Y.macro", "first.macro", "only.macro", "x.Macro"}));
+}
+
+// Names hold the program's bytes; on disk they are UTF-8, and a name copied
+// byte for byte is still found. A folder of a macro's name is never deleted.
+TEST(Macros, LettersBeyondAsciiInNamesAreUtf8OnDisk) {
+    Lines h;
+    const std::filesystem::path macros = h.fp.folder.path() / "macros";
+    h.file("\xE9" "cu.macro", "say raw");
+    std::ofstream(macros / "\xC3\xA9p\xC3\xA9" "e.macro") << "say sharp";
+    h.run("@\xE9p\xE9" "e\r\n@\xE9" "cu");
+    EXPECT_EQ(h.writes(), (Writes{"say sharp\r\n", "say raw\r\n"}));
+    MacroEditor& editor = h.c.parts().macroEditor;
+    editor.txtMacrosLabel = "d\xE9g\xE2t.macro";
+    editor.txtMacrosCommands = "say new";
+    editor.BTNMacrosSave_Click();
+    EXPECT_EQ(std::ifstream(macros / "d\xC3\xA9g\xC3\xA2t.macro").get(), 's');
+    editor.brefresh3_Click();
+    EXPECT_EQ(editor.Mlist, (Writes{"d\xE9g\xE2t.macro", "\xE9" "cu.macro", "\xE9p\xE9" "e.macro"}));
+    EXPECT_EQ(h.fp.files.absolute("macros/d\xE9g\xE2t.macro"),
+              h.fp.folder.path().string() + "/macros/d\xE9g\xE2t.macro");
+
+    std::filesystem::create_directory(macros / "AREA");
+    editor.txtMacrosLabel = "AREA";
+    editor.BTNMacrosDelete_Click();
+    ASSERT_TRUE(std::filesystem::is_directory(macros / "AREA"));
+    EXPECT_EQ(h.fp.host.messages.back(),
+              "Cannot delete the macro " + h.fp.files.absolute("macros/AREA") + ": it is a folder.");
 }
 
 // Branching calls and huge expansions stop at the budgets of one command

@@ -245,11 +245,13 @@ TEST(TriggerEditor, RefusedNamesAndFailedSavesAndDeletesSayWhyAndKeepTheBoxes) {
     EXPECT_EQ(t.fp.host.messages.back(),
               "Cannot delete the trigger " + t.fp.files.absolute("triggers/a.trigger") + ": there is no such file.");
     EXPECT_EQ(e.txtTRGBody + "|" + std::to_string(t.fp.host.messages.size()), "kept|9");
-    t.fp.folder.write("triggers/d.trigger/inside", "");  // there, but no file to delete
+    // A folder of the name, even an empty one, is not the trigger's to delete.
+    std::filesystem::create_directory(t.fp.folder.path() / "triggers/d.trigger");
     e.txtTRGLabel = "d.trigger";
     e.btnTRGDelete_Click();
     EXPECT_EQ(t.fp.host.messages.back(),
-              "Cannot delete the trigger " + t.fp.files.absolute("triggers/d.trigger") + ": Directory not empty.");
+              "Cannot delete the trigger " + t.fp.files.absolute("triggers/d.trigger") + ": it is a folder.");
+    EXPECT_TRUE(t.fp.files.exists("triggers/d.trigger"));
     // A listed file gone before the double click: told, and the boxes stay.
     t.fp.folder.write("triggers/b.trigger", "pattern1=x\r\naction=y");
     e.brefresh2_Click();
