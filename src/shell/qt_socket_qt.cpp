@@ -62,7 +62,13 @@ void QtSocket::close() {
     open_ = false;
     closing_ = false;
     dataWaits_ = false;
-    socket_.close();
+    // A connect still under way is given up; Qt's close would let it
+    // finish and report it first.
+    const auto state = socket_.state();
+    if (state == QAbstractSocket::HostLookupState || state == QAbstractSocket::ConnectingState)
+        socket_.abort();
+    else
+        socket_.close();
     releaseWatch();
 }
 

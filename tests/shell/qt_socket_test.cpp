@@ -7,6 +7,10 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <arpa/inet.h>
+#include <fcntl.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 #include "integration/loopback.h"
@@ -96,6 +100,38 @@ TEST(QtSocket, ARefusedConnectionOrAnImpossiblePortIsAnErrorAfterTheCall) {
         EXPECT_EQ(r.events.size(), 1u);
         EXPECT_NE(r.s.state(), Socket::kConnected);
     }
+}
+
+// A connect the player cancels stays cancelled, even if the server takes
+// the connection later: a server whose queue is full drops the first tries.
+TEST(QtSocket, AConnectCancelledWhileUnderWayNeverReportsItself) {
+    const int server = ::socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in at{};
+    at.sin_family = AF_INET;
+    at.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof at;
+    ASSERT_EQ(::bind(server, reinterpret_cast<sockaddr*>(&at), size), 0);
+    ASSERT_EQ(::listen(server, 0), 0);
+    ::getsockname(server, reinterpret_cast<sockaddr*>(&at), &size);
+    std::vector<int> fillers;
+    for (int i = 0; i < 2; ++i) {
+        fillers.push_back(::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0));
+        ::connect(fillers.back(), reinterpret_cast<sockaddr*>(&at), size);
+    }
+    Recorder r(std::to_string(ntohs(at.sin_port)), false);
+    QTest::qWait(200);
+    ASSERT_TRUE(r.events.empty()) << r.events.front();  // still under way
+    r.s.close();
+    // Room in the queue: a try still standing would now get through.
+    ::fcntl(server, F_SETFL, O_NONBLOCK);
+    for (int i = 0; i < 12; ++i) {
+        QTest::qWait(300);
+        for (int fd; (fd = ::accept(server, nullptr, nullptr)) >= 0;) ::close(fd);
+    }
+    EXPECT_TRUE(r.events.empty()) << r.events.front();
+    EXPECT_EQ(r.s.state(), 0);
+    for (int fd : fillers) ::close(fd);
+    ::close(server);
 }
 
 TEST(QtHost, TheLockFileLivesInTheUsersRuntimeFolder) {
