@@ -10,8 +10,8 @@ namespace kelpa::qt {
 BulkDialog::BulkDialog(QWidget* parent)
     : QDialog(parent, Qt::Tool | Qt::WindowTitleHint | Qt::WindowCloseButtonHint),
       TXT_Bulk(new QPlainTextEdit(this)),
-      OKButton(new QPushButton(QStringLiteral("&Send"), this)),
-      CancelButton(new QPushButton(QStringLiteral("&Cancel"), this)) {
+      OKButton(new CommandButton(QStringLiteral("&Send"), this)),
+      CancelButton(new CommandButton(QStringLiteral("&Cancel"), this)) {
     setObjectName(QStringLiteral("Bulk"));
     setWindowTitle(QStringLiteral("Bulk"));
     setModal(true);
@@ -23,7 +23,7 @@ BulkDialog::BulkDialog(QWidget* parent)
     TXT_Bulk->setGeometry(pxRect(120, 120, 9585, 4815));
     TXT_Bulk->setFont(monospaceFont(9.75));
     TXT_Bulk->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
-    wrapLines(TXT_Bulk);
+    multiLineBox(TXT_Bulk);
     QPalette p = TXT_Bulk->palette();
     p.setColor(QPalette::Base, Qt::black);
     p.setColor(QPalette::Text, Qt::yellow);
@@ -31,10 +31,8 @@ BulkDialog::BulkDialog(QWidget* parent)
 
     OKButton->setObjectName(QStringLiteral("OKButton"));
     OKButton->setGeometry(pxRect(7080, 5100, 1215, 375));
-    OKButton->setAutoDefault(false);
     CancelButton->setObjectName(QStringLiteral("CancelButton"));
     CancelButton->setGeometry(pxRect(8490, 5100, 1215, 375));
-    CancelButton->setAutoDefault(false);
 
     // Both only hide the dialog, so that a cancelled text is there next time.
     connect(OKButton, &QPushButton::clicked, this, [this] {

@@ -15,9 +15,7 @@ namespace kelpa::qt {
 namespace {
 
 QPushButton* button(const char* caption, const char* name, int left, int top, int width, QWidget* page) {
-    auto* b = placed(new QPushButton(QString::fromLatin1(caption), page), name, left, top, width, 375);
-    b->setAutoDefault(false);
-    return b;
+    return placed(new CommandButton(QString::fromLatin1(caption), page), name, left, top, width, 375);
 }
 
 }  // namespace
@@ -32,7 +30,7 @@ MacroPage::MacroPage(MacroEditor& editor, Runner run, QWidget* page)
     placed(new QLabel(QStringLiteral("Commands"), page), nullptr, 120, 840, 960, 285);
     txtMacrosCommands = placed(new QPlainTextEdit(page), "txtMacrosCommands", 1080, 840, 4560, 4935);
     txtMacrosCommands->setFont(small);
-    wrapLines(txtMacrosCommands);
+    multiLineBox(txtMacrosCommands);
 
     MListName = placed(new QLabel(QStringLiteral("Main"), page), "MListName", 5880, 480, 3255, 285);
     MListName->setTextFormat(Qt::PlainText);  // a folder name, never markup
@@ -75,8 +73,16 @@ void MacroPage::sync() {
     if (editor_.revision == shownRevision_) return;
     shownRevision_ = editor_.revision;
     const QSignalBlocker blockList(Mlist), blockLabel(txtMacrosLabel), blockText(txtMacrosCommands);
-    Mlist->clear();
-    for (const std::string& name : editor_.Mlist) Mlist->addItem(toQString(name));
+    // Filled again only when the files changed, so that the entry last
+    // chosen stays marked.
+    QStringList names, shown;
+    for (const std::string& name : editor_.Mlist) names << toQString(name);
+    names.sort();  // as the list sorts them
+    for (int i = 0; i < Mlist->count(); ++i) shown << Mlist->item(i)->text();
+    if (names != shown) {
+        Mlist->clear();
+        Mlist->addItems(names);
+    }
     MListName->setText(toQString(editor_.MListName));
     if (toCoreBytes(txtMacrosLabel->text()) != editor_.txtMacrosLabel)
         txtMacrosLabel->setText(toQString(editor_.txtMacrosLabel));

@@ -93,8 +93,7 @@ AboutDialog::AboutDialog(QWidget* parent)
 
     cmdOK = placed(new QPushButton(QStringLiteral("OK"), this), "cmdOK", 5400, 3480, 1260, 375);
     cmdOK->setDefault(true);
-    cmdSysInfo = placed(new QPushButton(QStringLiteral("&System Info..."), this), "cmdSysInfo", 5400, 4020, 1260, 375);
-    cmdSysInfo->setAutoDefault(false);
+    cmdSysInfo = placed(new CommandButton(QStringLiteral("&System Info..."), this), "cmdSysInfo", 5400, 4020, 1260, 375);
     connect(cmdOK, &QPushButton::clicked, this, &QDialog::accept);
     connect(cmdSysInfo, &QPushButton::clicked, this, &AboutDialog::cmdSysInfo_Click);
 

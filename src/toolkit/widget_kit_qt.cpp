@@ -2,6 +2,7 @@
 
 #include <QFontDatabase>
 #include <QFontInfo>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPalette>
 #include <QPlainTextEdit>
@@ -31,13 +32,29 @@ std::string boxText(const QPlainTextEdit* box) {
 
 void setBoxText(QPlainTextEdit* box, std::string_view core) { box->setPlainText(toQString(replaceAll(core, kCrLf, "\n"))); }
 
-void wrapLines(QPlainTextEdit* box) {
+void multiLineBox(QPlainTextEdit* box) {
+    box->setTabChangesFocus(true);
     box->setLineWrapMode(QPlainTextEdit::WidgetWidth);
     box->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
 }
 
+CommandButton::CommandButton(const QString& caption, QWidget* parent) : QPushButton(caption, parent) {
+    // Never the default button of a dialog: Enter elsewhere in it stays
+    // where it is.
+    setAutoDefault(false);
+}
+
+void CommandButton::keyPressEvent(QKeyEvent* e) {
+    if ((e->key() == Qt::Key_Return || e->key() == Qt::Key_Enter) && !e->isAutoRepeat()) {
+        click();
+        return;
+    }
+    QPushButton::keyPressEvent(e);
+}
+
 void FileList::mouseDoubleClickEvent(QMouseEvent* e) {
     QListWidget::mouseDoubleClickEvent(e);
+    if (e->button() != Qt::LeftButton) return;
     const QModelIndex under = indexAt(e->position().toPoint());
     if (onDoubleClick) onDoubleClick(under.isValid() ? under.row() : -1);
 }

@@ -7,6 +7,7 @@
 #include <QFont>
 #include <QListWidget>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QRect>
 #include <QString>
 #include <QWidget>
@@ -45,9 +46,11 @@ std::string toCoreBytes(const QString& text);
 std::string boxText(const QPlainTextEdit* box);
 // Shows the core's text (lines ending in CR LF) in a multi-line box.
 void setBoxText(QPlainTextEdit* box, std::string_view core);
-// Long lines of a multi-line box fold at its width, as text boxes with at
-// most a vertical scroll bar do; the text itself keeps its line breaks.
-void wrapLines(QPlainTextEdit* box);
+// The ways of a multi-line text box: long lines fold at its width, as in
+// text boxes with at most a vertical scroll bar (the text itself keeps its
+// line breaks), and Tab moves on to the next control instead of typing a
+// tab that would reach the server.
+void multiLineBox(QPlainTextEdit* box);
 
 // A fixed-pitch font at the given size: DejaVu Sans Mono, or the system's
 // fixed font, never a proportional substitute.
@@ -65,8 +68,19 @@ W* placed(W* w, const char* name, int left, int top, int width, int height) {
     return w;
 }
 
-// A list that reports a double click anywhere in it, with the row under
-// the mouse: -1 beside the entries, where no entry is chosen.
+// A push button that Enter presses while it has the focus, as Space does,
+// without taking Enter from the rest of its window.
+class CommandButton : public QPushButton {
+public:
+    explicit CommandButton(const QString& caption, QWidget* parent);
+
+protected:
+    void keyPressEvent(QKeyEvent* e) override;
+};
+
+// A list that reports a double click of the left button anywhere in it,
+// with the row under the mouse: -1 beside the entries, where no entry is
+// chosen.
 class FileList : public QListWidget {
 public:
     using QListWidget::QListWidget;

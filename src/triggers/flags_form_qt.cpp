@@ -10,7 +10,7 @@ namespace kelpa::qt {
 
 FlagsForm::FlagsForm(const FlagTable& flags, std::function<void(int, bool)> setFlag, QWidget* parent)
     : QDialog(parent, Qt::Tool | Qt::WindowTitleHint | Qt::WindowCloseButtonHint),
-      BTN_Close(new QPushButton(QStringLiteral("Close"), this)), flags_(flags),
+      BTN_Close(new CommandButton(QStringLiteral("Close"), this)), flags_(flags),
       setFlag_(std::move(setFlag)) {
     setObjectName(QStringLiteral("FlagsForm"));
     setWindowTitle(QStringLiteral("Flags"));
@@ -27,7 +27,6 @@ FlagsForm::FlagsForm(const FlagTable& flags, std::function<void(int, bool)> setF
     }
     BTN_Close->setObjectName(QStringLiteral("BTN_Close"));
     BTN_Close->setGeometry(pxRect(10920, 6810, 1215, 375));
-    BTN_Close->setAutoDefault(false);
     // Close and Escape only hide: the check boxes keep their state.
     connect(BTN_Close, &QPushButton::clicked, this, &QDialog::reject);
     sync();

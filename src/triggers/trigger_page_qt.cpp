@@ -33,7 +33,7 @@ TriggerPage::TriggerPage(QWidget* page, TriggerEditor& editor, Guard guard)
     txtTRGBody_ = placed(new QPlainTextEdit(page), "txtTRGBody", 840, 2160, 4800, 3615);
     for (QPlainTextEdit* box : {TxtTrgFlags_, txtTRGBody_}) {
         box->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
-        wrapLines(box);
+        multiLineBox(box);
     }
 
     auto* type = placed(new QGroupBox(QStringLiteral("Type"), page), "Frame1", 5880, 420, 3255, 855);
@@ -42,11 +42,11 @@ TriggerPage::TriggerPage(QWidget* page, TriggerEditor& editor, Guard guard)
     Option1_[0]->setChecked(true);
 
     TList_ = placed(new FileList(page), "TList", 5880, 1380, 3255, 3615);
-    placed(new QPushButton(QStringLiteral("Refresh"), page), "brefresh2", 5880, 5100, 1575, 375);
-    placed(new QPushButton(QStringLiteral("&Reload Triggers"), page), "Reload", 7560, 5100, 1575, 375);
-    placed(new QPushButton(QStringLiteral("New"), page), "btnTRGNew", 840, 5880, 1215, 375);
-    placed(new QPushButton(QStringLiteral("Save"), page), "btnTRGSave", 2160, 5880, 1215, 375);
-    placed(new QPushButton(QStringLiteral("Delete"), page), "btnTRGDelete", 3480, 5880, 1215, 375);
+    placed(new CommandButton(QStringLiteral("Refresh"), page), "brefresh2", 5880, 5100, 1575, 375);
+    placed(new CommandButton(QStringLiteral("&Reload Triggers"), page), "Reload", 7560, 5100, 1575, 375);
+    placed(new CommandButton(QStringLiteral("New"), page), "btnTRGNew", 840, 5880, 1215, 375);
+    placed(new CommandButton(QStringLiteral("Save"), page), "btnTRGSave", 2160, 5880, 1215, 375);
+    placed(new CommandButton(QStringLiteral("Delete"), page), "btnTRGDelete", 3480, 5880, 1215, 375);
     connectControls();
 }
 

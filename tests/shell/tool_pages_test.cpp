@@ -139,5 +139,40 @@ TEST(ToolPages, DoubleClickBesideTheEntriesEmptiesTheBoxes) {
     }
 }
 
+// Keys and mouse as players know them: a double click of another button
+// than the left does nothing, the entry opened stays marked, Tab leaves a
+// box without typing a tab, and Enter presses the button that has the focus.
+TEST(ToolPages, KeysAndButtonsAsPlayersKnowThem) {
+    ToolsFixture f;
+    f.form().activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&f.form()));
+    const char* const pages[][3] = {{"Mlist", "txtMacrosCommands", "BTNMacrosNew"},
+                                    {"TList", "txtTRGBody", "btnTRGNew"}};
+    for (const auto& [list, body, newButton] : pages) {
+        f.show(list[0] == 'M' ? 2 : 1);
+        f.open(list, 1);
+        auto* entries = f.control<QListWidget>(list);
+        EXPECT_EQ(entries->currentRow(), 1) << list;
+        const QString opened = f.text(body);
+        const QPoint beside(5, entries->viewport()->height() - 3);
+        QTest::mousePress(entries->viewport(), Qt::RightButton, {}, beside);
+        QTest::mouseDClick(entries->viewport(), Qt::RightButton, {}, beside);
+        f.form().syncFromCore();
+        EXPECT_EQ(f.text(body), opened) << list;
+
+        auto* box = f.control<QPlainTextEdit>(body);
+        box->setFocus();
+        QTest::keyClick(box, Qt::Key_Tab);
+        EXPECT_EQ(f.text(body), opened) << list;
+        EXPECT_NE(f.form().focusWidget(), box) << list;
+
+        auto* button = f.control<QPushButton>(newButton);
+        button->setFocus();
+        QTest::keyClick(button, Qt::Key_Return);
+        f.form().syncFromCore();
+        EXPECT_NE(f.text(body), opened) << list << ": the template is back";
+    }
+}
+
 }  // namespace
 }  // namespace kelpa::test
