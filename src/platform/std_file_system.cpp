@@ -101,12 +101,13 @@ bool StdFileSystem::exists(const std::string& path) const {
 
 bool StdFileSystem::remove(const std::string& path) {
     std::error_code ec;
+    const std::filesystem::path p = full(path);
     // Only files: a folder of the name (an override folder, say) stays.
-    if (std::filesystem::symlink_status(full(path), ec).type() == std::filesystem::file_type::directory) {
+    if (std::filesystem::symlink_status(p, ec).type() == std::filesystem::file_type::directory) {
         lastError_ = "it is a folder";
         return false;
     }
-    if (std::filesystem::remove(full(path), ec)) return true;
+    if (std::filesystem::remove(p, ec)) return true;
     lastError_ = ec ? ec.message() : "there is no such file";
     return false;
 }

@@ -245,14 +245,14 @@ TEST(Macros, LettersBeyondAsciiInNamesAreUtf8OnDisk) {
     h.run("@\xE9p\xE9" "e\r\n@\xE9" "cu");
     EXPECT_EQ(h.writes(), (Writes{"say sharp\r\n", "say raw\r\n"}));
     MacroEditor& editor = h.c.parts().macroEditor;
-    editor.txtMacrosLabel = "d\xE9g\xE2t.macro";
+    editor.txtMacrosLabel = "d\xE9g\xE2t\x80.macro";
     editor.txtMacrosCommands = "say new";
     editor.BTNMacrosSave_Click();
-    EXPECT_EQ(std::ifstream(macros / "d\xC3\xA9g\xC3\xA2t.macro").get(), 's');
+    EXPECT_EQ(std::ifstream(macros / "d\xC3\xA9g\xC3\xA2t\xE2\x82\xAC.macro").get(), 's');
     editor.brefresh3_Click();
-    EXPECT_EQ(editor.Mlist, (Writes{"d\xE9g\xE2t.macro", "\xE9" "cu.macro", "\xE9p\xE9" "e.macro"}));
-    EXPECT_EQ(h.fp.files.absolute("macros/d\xE9g\xE2t.macro"),
-              h.fp.folder.path().string() + "/macros/d\xE9g\xE2t.macro");
+    EXPECT_EQ(editor.Mlist, (Writes{"d\xE9g\xE2t\x80.macro", "\xE9" "cu.macro", "\xE9p\xE9" "e.macro"}));
+    EXPECT_EQ(h.fp.files.absolute("macros/d\xE9g\xE2t\x80.macro"),
+              h.fp.folder.path().string() + "/macros/d\xE9g\xE2t\x80.macro");
 
     std::filesystem::create_directory(macros / "AREA");
     editor.txtMacrosLabel = "AREA";
