@@ -5,6 +5,7 @@
 #include <QComboBox>
 #include <QCoreApplication>
 #include <QKeyEvent>
+#include <QPlainTextEdit>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScreen>
@@ -49,6 +50,9 @@ MainForm::MainForm(Platform& platform, QWidget* parent)
     }, this);
     for (QWidget* dialog : {static_cast<QWidget*>(bulk_), static_cast<QWidget*>(flags_)})
         dialog->setAttribute(Qt::WA_QuitOnClose, false);
+    // Typing goes on in the command line once the flags are put away, not
+    // on the button that opened them (where Space would open them again).
+    connect(flags_, &QDialog::finished, this, &MainForm::focusCommandLine);
     collectLaidOutControls();
     applyLayout();
 
@@ -259,11 +263,19 @@ void MainForm::Text1_Enter() {
 }
 
 void MainForm::BTN_BULK_Click() {
+    // The dialog opens for typing, whichever of its buttons closed it last.
+    bulk_->TXT_Bulk->setFocus();
     bulk_->exec();
+    focusCommandLine();
     if (!bulk_->BulkResult) return;
     const std::string text = bulk_->commandText();
     guarded("BTN_BULK_Click", [&] { client_.Bulk_Send(text); });
     bulk_->clearText();
+}
+
+void MainForm::focusCommandLine() {
+    activateWindow();
+    Text1_->setFocus();
 }
 
 void MainForm::BTN_Flags_Click() {

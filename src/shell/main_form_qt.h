@@ -111,6 +111,7 @@ private:
     void Text1_Enter();
     void BTN_BULK_Click();
     void BTN_Flags_Click();
+    void focusCommandLine();
     // main_form_dialogs_qt.cpp
     void CMD_SaveConnection_Click();
     void CMD_About_Click();

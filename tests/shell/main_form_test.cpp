@@ -76,12 +76,18 @@ TEST(CommandLine, EnterSendsTheWholeLineInTheCodePageEscapeHidesAndAFailureIsTol
 TEST(BulkDialog, SendSendsEveryLineCancelAndEscapeSendNothingAndKeepTheText) {
     FormFixture f;
     f.fake.socket.connected = true;
-    // Writes the box (unless null) and closes the dialog as `close` says.
+    f.form().activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&f.form()));
+    // Writes the box (unless null) and closes the dialog as `close` says;
+    // the box has the focus when it opens, the command line after.
     const auto bulk = [&f](const QString& text, const std::function<void(qt::BulkDialog*)>& close) {
+        f.control("BTN_BULK")->setFocus();  // as a click leaves it
         f.whileOpen<qt::BulkDialog>("BTN_BULK", [&](qt::BulkDialog* d) {
+            EXPECT_EQ(d->focusWidget(), d->TXT_Bulk);
             if (!text.isNull()) d->TXT_Bulk->setPlainText(text);
             close(d);
         });
+        EXPECT_EQ(f.form().focusWidget(), f.control("Text1"));
     };
     const auto ok = [](qt::BulkDialog* d) { QTest::mouseClick(d->OKButton, Qt::LeftButton); };
     bulk({}, ok);
@@ -105,6 +111,8 @@ TEST(BulkDialog, SendSendsEveryLineCancelAndEscapeSendNothingAndKeepTheText) {
 TEST(FlagsForm, KeywordsShowWhileOpenAndClicksReachTheNextKeyword) {
     FormFixture f;
     f.fake.socket.connected = true;
+    f.form().activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&f.form()));
     qt::FlagsForm* flags = f.form().flagsForm();
     f.click("BTN_Flags");
     // Types a line; the mirrors follow within a frame.
@@ -131,8 +139,10 @@ TEST(FlagsForm, KeywordsShowWhileOpenAndClicksReachTheNextKeyword) {
     EXPECT_TRUE(f.form().client().parts().flags.value[12]);
     f.click("BTN_Flags");
     EXPECT_TRUE(box(12)->isChecked());
+    f.control("BTN_Flags")->setFocus();
     QTest::mouseClick(flags->BTN_Close, Qt::LeftButton);
     EXPECT_FALSE(flags->isVisible());
+    EXPECT_EQ(f.form().focusWidget(), f.control("Text1")) << "typing goes on in the command line";
 
     // The grid fits the dialog without overlaps.
     std::vector<QRect> taken{flags->BTN_Close->geometry()};
