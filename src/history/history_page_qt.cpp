@@ -14,19 +14,6 @@ namespace kelpa::qt {
 
 namespace {
 
-// A double click anywhere in the list, also below its entries.
-class DayList : public QListWidget {
-public:
-    using QListWidget::QListWidget;
-    std::function<void()> onDoubleClick;
-
-protected:
-    void mouseDoubleClickEvent(QMouseEvent* e) override {
-        QListWidget::mouseDoubleClickEvent(e);
-        if (onDoubleClick) onDoubleClick();
-    }
-};
-
 // The key codes the view knows; any other key gives 0.
 int keyCode(int qtKey) {
     switch (qtKey) {
@@ -51,11 +38,15 @@ QPushButton* button(const char* name, const char* caption, QWidget* parent) {
 HistoryPage::HistoryPage(const Controls& controls, HistoryViews& views, Guard guard, std::function<bool()> busy)
     : QObject(controls.page), c_(controls), views_(views), guard_(std::move(guard)), busy_(std::move(busy)) {
     QWidget* page = c_.page;
-    auto* dlist = new DayList(page);
+    auto* dlist = new FileList(page);
     dlist->setObjectName(QStringLiteral("DList"));
     dlist->setSortingEnabled(true);
     dlist->setFont(monospaceFont(8.25));
-    dlist->onDoubleClick = [this] { DList_DblClick(); };
+    // The day's name fills the narrow list; a scroll bar for the last
+    // pixels would hide a line.
+    dlist->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    // The day under the selection, also for a click below the entries.
+    dlist->onDoubleClick = [this](int) { DList_DblClick(); };
     DList = dlist;
 
     auto* dates = new QLabel(QStringLiteral("Dates"), page);

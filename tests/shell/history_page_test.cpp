@@ -39,6 +39,12 @@ TEST(HistoryPage, ADayLoadsWithTheEventLoopTurningBetweenPieces) {
     qt::HistoryPage* page = f.form().historyPage();
     f.form().tabs()->setCurrentIndex(6);
     ASSERT_EQ(f.list("DList"), (QStringList{"H.20261122.txt", "H.20261123.txt"}));
+    auto* dlist = f.control<QListWidget>("DList");
+    EXPECT_FALSE(dlist->horizontalScrollBar()->isVisible()) << "a day's name fits";
+    // Only the left button opens a day.
+    dlist->setCurrentRow(0);
+    QTest::mouseDClick(dlist->viewport(), Qt::RightButton, {}, dlist->visualItemRect(dlist->item(0)).center());
+    EXPECT_FALSE(f.form().client().historyViews().browser.loading());
     // Other events run while the load goes on, and see part of the day.
     std::vector<std::size_t> seen;
     QTimer other;
