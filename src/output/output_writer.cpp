@@ -143,14 +143,14 @@ void OutputWriter::print(std::string_view input, int win, bool received) {
     // one the caller's text is read where it lies.
     std::string joined;
     std::string_view text = input;
-    const bool carried = received && !st.TelnetPending.empty();
+    const bool carried = received && !st.CutPending.empty();
     if (!st.Pending.empty() || carried) {
-        joined.reserve(st.Pending.size() + (carried ? st.TelnetPending.size() : 0) + input.size());
+        joined.reserve(st.Pending.size() + (carried ? st.CutPending.size() : 0) + input.size());
         joined.append(st.Pending);
-        if (carried) joined.append(st.TelnetPending);
+        if (carried) joined.append(st.CutPending);
         joined.append(input);
         st.Pending.clear();
-        if (carried) st.TelnetPending.clear();
+        if (carried) st.CutPending.clear();
         text = joined;
     }
     st.StartLen = windows_.text[win].size();
@@ -197,7 +197,7 @@ void OutputWriter::writeAll(std::string_view all, int win, bool received) {
             }
             const std::size_t used = telnet_.S_InterpretIac(all.substr(pos), win);
             if (used == TelnetInterpreter::kUnfinished) {
-                if (received) st.TelnetPending.assign(all.substr(pos));
+                if (received) st.CutPending.assign(all.substr(pos));
                 return;
             }
             pos += used;
@@ -227,12 +227,19 @@ void OutputWriter::writeAll(std::string_view all, int win, bool received) {
             }
         if (fin == ForwardFinder::npos && quickEnd < all.size()) fin = finals.next(pos, pos + kFinalReach);
         if (fin == ForwardFinder::npos) {
-            if (all.size() - pos > kLongestPending) {
-                ++pos;  // only the ESC goes; the rest is ordinary text
-            } else {
+            const std::size_t left = all.size() - pos;
+            if (left <= kLongestPending) {
                 st.Pending.assign(all.substr(pos));
                 return;
             }
+            // A read that ends inside a longer sequence leaves it for the
+            // next read, which may bring its final: where the reads end
+            // changes nothing. Past the reach it is no sequence.
+            if (received && left <= kFinalReach) {
+                st.CutPending.assign(all.substr(pos));
+                return;
+            }
+            ++pos;  // only the ESC goes; the rest is ordinary text
             continue;
         }
         if ((all[fin] | 0x20) == 'm' && fin >= pos + 2)

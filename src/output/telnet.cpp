@@ -48,9 +48,12 @@ std::size_t TelnetInterpreter::S_InterpretIac(std::string_view text, int win) {
         case 250: {
             const int option = byteAt(text, 2);
             std::size_t se = std::string_view::npos;
+            // IAC SB and the bytes a subnegotiation may hold before it is
+            // taken to be over; what comes after it is text again.
+            const std::size_t bound = 2 + kMaxLinemodePayload;
             if (option == 34) {
-                se = text.find("\xFF\xF0", 3);
-                if (se == std::string_view::npos && text.size() <= kMaxLinemodePayload) return kUnfinished;
+                se = text.substr(0, bound + 1).find("\xFF\xF0", 3);
+                if (se == std::string_view::npos && text.size() <= bound) return kUnfinished;
             }
             debug_.DebugLog("IAC ;");
             debug_.DebugLog(" SB ;");
@@ -61,9 +64,9 @@ std::size_t TelnetInterpreter::S_InterpretIac(std::string_view text, int win) {
                 return 3;
             }
             if (se == std::string_view::npos) {
-                debug_.DebugLog("dropped " + decimal(static_cast<long long>(text.size() - 3)) +
+                debug_.DebugLog("dropped " + decimal(static_cast<long long>(bound - 3)) +
                                 " bytes of a subnegotiation without its end");
-                return text.size();
+                return bound;
             }
             debug_.DebugLog(std::string(text.substr(3, se - 3)) + "IAC SE");
             return se + 2;

@@ -21,9 +21,10 @@ struct WindowState {
     bool Reverse = false;
     bool Ink = true;
     std::string Pending;
-    // A telnet sequence cut by the end of a read: only the next read
+    // A telnet sequence, or an ESC sequence longer than Pending takes, cut
+    // by the end of a read: only the next read of the same connection
     // completes it, never an echo or another text written meanwhile.
-    std::string TelnetPending;
+    std::string CutPending;
     std::size_t StartLen = 0;
 };
 

@@ -20,6 +20,10 @@ void ServerSession::CMD_CONNECT_Click() {
 }
 
 void ServerSession::s_Connect() {
+    // A sequence cut by the end of the last connection never gets its end:
+    // the new stream starts clean.
+    windows_.state[kMainWindow].CutPending.clear();
+    if (frames_) frames_->newStream();
     if (onConnect_) onConnect_();
     log_.open(bar_.CurrentSite.ShortName);
     p_.host.focusCommandLine();

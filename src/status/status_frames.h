@@ -31,6 +31,9 @@ public:
     // the chunk's frames are gathered and reach the panel together before
     // it returns, ending as if applied one by one.
     void S_ExtractFrames(std::string& data) override;
+    void newStream() override {
+        if (state_ != State::Frame) state_ = State::Text;
+    }
     // These two reach the panel before they return.
     void S_SplitFrame(std::string_view frame);
     void S_ApplyStatusItem(std::string_view item);

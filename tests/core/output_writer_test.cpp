@@ -45,7 +45,7 @@ Runs runsOf(const OutputWindow& w) {
 
 auto stateOf(const WindowState& x) {
     return std::tie(x.Colour, x.NotBold, x.BackColour, x.Underline, x.Blink, x.Reverse, x.Ink, x.Pending,
-                    x.TelnetPending, x.StartLen);
+                    x.CutPending, x.StartLen);
 }
 
 }  // namespace
@@ -122,7 +122,7 @@ void slowPrint(Client& c, std::string_view input, int win, bool received) {
     WindowState& st = c.parts().windows.state[win];
     OutputWindow& out = c.parts().windows.text[win];
     const std::string all =
-        std::exchange(st.Pending, {}) + (received ? std::exchange(st.TelnetPending, {}) : "") + std::string(input);
+        std::exchange(st.Pending, {}) + (received ? std::exchange(st.CutPending, {}) : "") + std::string(input);
     st.StartLen = out.size();
     std::string text;
     auto flush = [&](bool last) {
@@ -146,15 +146,16 @@ void slowPrint(Client& c, std::string_view input, int win, bool received) {
         } else if (const std::size_t fin = all.find_first_of(CsiFinals, pos + 1); fin < pos + 9999) {
             c.parts().ansi.A_ParseCsi(std::string_view(all).substr(pos, fin - pos + 1), win);
             used = fin + 1 - pos;
-        } else if (all.size() - pos <= 5) {
+        } else if (all.size() - pos <= 5 || (received && all.size() - pos < 10000)) {
             used = TelnetInterpreter::kUnfinished;
         }
         if (used == TelnetInterpreter::kUnfinished) {
-            // ESC fragments wait for any text; telnet ones only for the next read.
-            if (all[pos] == '\x1B')
+            // Short ESC fragments wait for any text; longer and telnet ones
+            // only for the next read.
+            if (all[pos] == '\x1B' && all.size() - pos <= 5)
                 st.Pending = all.substr(pos);
             else if (received)
-                st.TelnetPending = all.substr(pos);
+                st.CutPending = all.substr(pos);
             break;
         }
     }
@@ -267,7 +268,7 @@ TEST(OutputWriter, FragmentsAndNegotiationAreSwallowedOrWaitWhenCutShort) {
     const std::vector<IacRow> rows = {
         {"other controls", "a\x07" "b\x08" "c\td\r\n\x1A", "a\x07" "b\x08" "c\td\r\n\x1A", ""},
         {"5 characters: kept", "ab" + ESC + "[1;2", "ab", "", ESC + "[1;2"},
-        {"6: only the ESC goes", "ab" + ESC + "[1;22", "ab[1;22", ""},
+        {"6 from a read: kept for the next read", "ab" + ESC + "[1;22", "ab", "", ESC + "[1;22"},
         {"h is no final; e is", ESC + "[?25hi there", "re", "ANSI not supported " + ESC + "[?25hi the\r\n"},
         {"will echo", "a" + bytes({255, 251, 1}) + "b", "ab", "IAC  WILL  echo \r\n"},
         {"do naws", bytes({255, 253, 31}), "", "IAC  DO  window size \r\n"},
@@ -286,8 +287,8 @@ TEST(OutputWriter, FragmentsAndNegotiationAreSwallowedOrWaitWhenCutShort) {
         {"IAC alone", "ab" + bytes({255}), "ab", "", bytes({255})},
         {"SB without option", "ab" + bytes({255, 250}), "ab", "", bytes({255, 250})},
         {"linemode without SE", "ab" + bytes({255, 250, 34}) + "wait", "ab", "", bytes({255, 250, 34}) + "wait"},
-        {"linemode past the bound", bytes({255, 250, 34}) + std::string(80000, 'p'), "",
-         "IAC  SB  linemode dropped 80000 bytes of a subnegotiation without its end\r\n"},
+        {"linemode past the bound, then text", bytes({255, 250, 34}) + std::string(65535, 'p') + "tail", "tail",
+         "IAC  SB  linemode dropped 65535 bytes of a subnegotiation without its end\r\n"},
     };
     // Cut 0 is the whole text in one.
     for (const auto& row : rows) {
@@ -298,9 +299,26 @@ TEST(OutputWriter, FragmentsAndNegotiationAreSwallowedOrWaitWhenCutShort) {
             h.c.parts().writer.W_PrintReceived(row.text.substr(0, cut));
             h.c.parts().writer.W_PrintReceived(row.text.substr(cut));
             const WindowState& st = h.state(kMainWindow);
-            EXPECT_EQ(std::tuple(h.window(kMainWindow), h.debugText(), st.Pending + st.TelnetPending, h.fp.socket.sent),
+            EXPECT_EQ(std::tuple(h.window(kMainWindow), h.debugText(), st.Pending + st.CutPending, h.fp.socket.sent),
                       std::tuple(row.display, row.debug, row.pending, ""));
         }
+    }
+    // A longer ESC sequence cut by a read is completed by the next read, up
+    // to the finder's reach; any other text reads it as no sequence.
+    Writer h;
+    h.c.parts().writer.W_PrintReceived("a" + ESC + "[0;1;3");
+    h.c.parts().writer.W_PrintReceived("2mgreen");
+    h.c.parts().writer.W_Print(ESC + "[1;22", kMainWindow);
+    EXPECT_EQ(h.window(kMainWindow), "agreen[1;22");
+    Writer whole;
+    whole.c.parts().writer.W_PrintReceived("a" + ESC + "[0;1;32mgreen");
+    EXPECT_EQ(h.style(kMainWindow, 1).colour, whole.style(kMainWindow, 1).colour);
+    EXPECT_NE(h.style(kMainWindow, 1).colour, h.style(kMainWindow, 0).colour);
+    for (const std::size_t digits : {9998, 9999}) {
+        Writer far;
+        far.c.parts().writer.W_PrintReceived(ESC + std::string(digits, '1'));
+        EXPECT_EQ(far.state(kMainWindow).CutPending.size() + far.window(kMainWindow).empty(),
+                  digits == 9998 ? 10000u : 0u) << digits;
     }
 }
 

@@ -240,6 +240,17 @@ TEST(ReceiveRoad, ATelnetSequenceCutByAReadWaitsForTheNextReadOnly) {
     EXPECT_EQ(prompt.window(kMainWindow), "prompt> north\r\n");
     // Any other text drops an unfinished sequence at its end.
     prompt.c.parts().writer.W_Print("x\xFF\xFD", kMainWindow);
-    EXPECT_EQ(prompt.window(kMainWindow) + prompt.state(kMainWindow).Pending + prompt.state(kMainWindow).TelnetPending,
+    EXPECT_EQ(prompt.window(kMainWindow) + prompt.state(kMainWindow).Pending + prompt.state(kMainWindow).CutPending,
               "prompt> north\r\nx");
+
+    // A new connection starts clean: what the last one cut off never
+    // joins the new server's first bytes.
+    for (const std::string cut : {"\xFF", "\xFF\xFA\x22" "abc", "\x1B[0;1;3"}) {
+        ClientHarness next;
+        next.receive("bye " + cut);
+        next.c.parts().session.s_Connect();
+        next.receive("\xFF\xFD\x18Welcome");
+        EXPECT_EQ(next.fp.socket.sent, answer) << cut;
+        EXPECT_EQ(next.window(kMainWindow), "bye " + std::string("\0ANSI\0", 6) + "Welcome") << cut;
+    }
 }

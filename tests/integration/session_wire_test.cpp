@@ -70,7 +70,7 @@ TEST(TelnetOnTheWire, CutSequencesPromptsPasswordsAndAFrame) {
     // `pending` for the next read, so that the next piece comes with another.
     const auto sendRead = [&t](const std::string& piece, const std::string& pending) {
         t.server.send(piece);
-        return t.until([&] { return t.c().parts().windows.state[kMainWindow].TelnetPending == pending; });
+        return t.until([&] { return t.c().parts().windows.state[kMainWindow].CutPending == pending; });
     };
 
     // A read that ends after IAC, then one that ends after IAC DO: the 24
