@@ -78,7 +78,7 @@ std::string programName(const std::string& disk) {
 
 }  // namespace
 
-std::filesystem::path StdFileSystem::full(const std::string& path) const {
+std::filesystem::path StdFileSystem::full(const std::string& path, bool creating) const {
     if (std::all_of(path.begin(), path.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; }))
         return root_ / std::filesystem::path(path);
     const std::filesystem::path utf8 = root_ / std::filesystem::path(cp1252ToUtf8(path));
@@ -86,7 +86,7 @@ std::filesystem::path StdFileSystem::full(const std::string& path) const {
     if (present(utf8)) return utf8;
     if (present(raw)) return raw;
     // A new file goes where its folder is.
-    return !present(utf8.parent_path()) && present(raw.parent_path()) ? raw : utf8;
+    return creating && !present(utf8.parent_path()) && present(raw.parent_path()) ? raw : utf8;
 }
 
 bool StdFileSystem::exists(const std::string& path) const {
@@ -114,12 +114,13 @@ bool StdFileSystem::remove(const std::string& path) {
 
 bool StdFileSystem::createDirectories(const std::string& path) {
     std::error_code ec;
-    std::filesystem::create_directories(full(path), ec);
-    return std::filesystem::is_directory(full(path), ec);
+    const std::filesystem::path p = full(path, true);
+    std::filesystem::create_directories(p, ec);
+    return std::filesystem::is_directory(p, ec);
 }
 
 std::unique_ptr<AppendFile> StdFileSystem::openAppend(const std::string& path) {
-    std::filesystem::path p = full(path);
+    std::filesystem::path p = full(path, true);
     std::error_code ec;
     // A folder of that name cannot be a log.
     if (std::filesystem::is_directory(p, ec)) return nullptr;
@@ -184,7 +185,7 @@ std::unique_ptr<ReadFile> StdFileSystem::openRead(const std::string& path) const
 }
 
 bool StdFileSystem::writeAll(const std::string& path, const std::string& bytes) {
-    std::filesystem::path target = full(path);
+    std::filesystem::path target = full(path, true);
     std::error_code ec;
     // A link stays a link: the file it names is the one written.
     for (int hops = 0; hops < 16 && std::filesystem::is_symlink(target, ec); ++hops) {

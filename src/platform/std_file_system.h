@@ -28,8 +28,9 @@ public:
 private:
     // The program's names are Windows-1252 bytes; on disk they are UTF-8,
     // as every other program here writes them. A name already on disk in
-    // the program's own bytes (copied as they were) is still found.
-    std::filesystem::path full(const std::string& path) const;
+    // the program's own bytes (copied as they were) is still found, and a
+    // file made in a folder so named goes there.
+    std::filesystem::path full(const std::string& path, bool creating = false) const;
     std::filesystem::path root_;
     mutable std::string lastError_;
 };

@@ -254,6 +254,14 @@ TEST(Macros, LettersBeyondAsciiInNamesAreUtf8OnDisk) {
     EXPECT_EQ(h.fp.files.absolute("macros/d\xE9g\xE2t\x80.macro"),
               h.fp.folder.path().string() + "/macros/d\xE9g\xE2t\x80.macro");
 
+    // A day log goes into its site's folder in UTF-8, or into one copied
+    // under the program's own bytes.
+    for (const char* site : {"Ch\xE2teau", "\xC9t\xE9"}) h.openLog(site);
+    std::filesystem::create_directories(h.fp.folder.path() / "logs" / "\xC9" "cole");
+    h.openLog("\xC9" "cole");
+    for (const char* folder : {"Ch\xC3\xA2teau", "\xC3\x89t\xC3\xA9", "\xC9" "cole"})
+        EXPECT_FALSE(std::filesystem::is_empty(h.fp.folder.path() / "logs" / folder)) << folder;
+
     std::filesystem::create_directory(macros / "AREA");
     editor.txtMacrosLabel = "AREA";
     editor.BTNMacrosDelete_Click();
