@@ -27,11 +27,6 @@ int keyCode(int qtKey) {
     }
 }
 
-QPushButton* button(const char* name, const char* caption, QWidget* parent) {
-    auto* b = new CommandButton(QString::fromLatin1(caption), parent);
-    b->setObjectName(QString::fromLatin1(name));
-    return b;
-}
 
 }  // namespace
 
@@ -66,9 +61,9 @@ HistoryPage::HistoryPage(const Controls& controls, HistoryViews& views, Guard gu
 
     Tseek = new QLineEdit(page);
     Tseek->setObjectName(QStringLiteral("Tseek"));
-    BSeek = button("BSeek", "Seek", page);
-    BFilter = button("BFilter", "Filter", page);
-    brefresh = button("brefresh", "Refresh", page);
+    BSeek = commandButton("BSeek", "Seek", page);
+    BFilter = commandButton("BFilter", "Filter", page);
+    brefresh = commandButton("brefresh", "Refresh", page);
 
     loader_.setInterval(0);
     searcher_.setInterval(0);

@@ -20,11 +20,6 @@ namespace kelpa::qt {
 
 namespace {
 
-QPushButton* button(const char* name, const char* caption, QWidget* parent) {
-    auto* b = new CommandButton(QString::fromLatin1(caption), parent);
-    b->setObjectName(QString::fromLatin1(name));
-    return b;
-}
 
 QLineEdit* textBox(const char* name, const std::string& text, QWidget* parent) {
     auto* t = new QLineEdit(toQString(text), parent);
@@ -50,8 +45,8 @@ void MainForm::buildLeftColumn() {
     Site_ = textBox("Site", client_.connectionBar().Site, this);
     PPort_ = textBox("PPort", client_.connectionBar().PPort, this);
     SPort_ = textBox("SPort", client_.connectionBar().SPort, this);
-    CMD_CONNECT_ = button("CMD_CONNECT", "C&onnect", this);
-    CMD_DISCONNECT_ = button("CMD_DISCONNECT", "&Disconnect", this);
+    CMD_CONNECT_ = commandButton("CMD_CONNECT", "C&onnect", this);
+    CMD_DISCONNECT_ = commandButton("CMD_DISCONNECT", "&Disconnect", this);
     CMD_DISCONNECT_->setEnabled(false);
     status_.build(this);
 }
@@ -79,8 +74,8 @@ void MainForm::buildWorkArea() {
     Text1_->setFont(monospaceFont(9.75));
     // A command line has no length limit (Qt's default stops at 32,767).
     Text1_->setMaxLength(std::numeric_limits<int>::max());
-    BTN_BULK_ = button("BTN_BULK", "&Bulk", PlayGround_);
-    BTN_Flags_ = button("BTN_Flags", "&Flags", PlayGround_);
+    BTN_BULK_ = commandButton("BTN_BULK", "&Bulk", PlayGround_);
+    BTN_Flags_ = commandButton("BTN_Flags", "&Flags", PlayGround_);
 }
 
 void MainForm::buildSystemPage(QWidget* page) {
@@ -88,8 +83,8 @@ void MainForm::buildSystemPage(QWidget* page) {
     DebugInfo_ = checkBox("DebugInfo", "&Debug", false, page);
     IG_ = checkBox("IG", "Graphics", true, page);
     CT_ = checkBox("CT", "Cleaner Text", true, page);
-    button("CMD_SaveConnection", "&Connections", page);
-    button("CMD_About", "&About", page);
+    commandButton("CMD_SaveConnection", "&Connections", page);
+    commandButton("CMD_About", "&About", page);
 }
 
 void MainForm::buildToolsPage(QWidget* page) {

@@ -44,6 +44,12 @@ CommandButton::CommandButton(const QString& caption, QWidget* parent) : QPushBut
     setAutoDefault(false);
 }
 
+CommandButton* commandButton(const char* name, const char* caption, QWidget* parent) {
+    auto* b = new CommandButton(QString::fromLatin1(caption), parent);
+    b->setObjectName(QString::fromLatin1(name));
+    return b;
+}
+
 void CommandButton::keyPressEvent(QKeyEvent* e) {
     if ((e->key() == Qt::Key_Return || e->key() == Qt::Key_Enter) && !e->isAutoRepeat()) {
         click();

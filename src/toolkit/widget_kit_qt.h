@@ -78,6 +78,9 @@ protected:
     void keyPressEvent(QKeyEvent* e) override;
 };
 
+// A CommandButton with its control name and a Latin-1 caption.
+CommandButton* commandButton(const char* name, const char* caption, QWidget* parent);
+
 // A list that reports a double click of the left button anywhere in it,
 // with the row under the mouse: -1 beside the entries, where no entry is
 // chosen.
