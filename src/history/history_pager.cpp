@@ -65,6 +65,7 @@ void HistoryPager::ShowHistoryPage() {
     windows_.state[kHistT].StartLen = 0;
     std::size_t& pos = history_.HistoryPos;
     const std::size_t len = history_.size();
+    showsTheEnd_ = pos == len;
     if (pos == len) pos = backOnePage(pos);
     std::size_t e = pos;
     for (int i = 0; i < kPageLines; ++i) {

@@ -37,6 +37,10 @@ public:
     }
     // Every key is taken: the control itself never acts on one.
     void HistT_KeyDown(int keyCode);
+    // Whether the page shown was drawn from the end of the text (End, new
+    // text, Down at the last line): a view too small for it shows its last
+    // line, the newest, rather than its top.
+    bool showsTheEnd() const { return showsTheEnd_; }
 
     // The CR of the last CR LF that ends at or before p - 1; 0 for none.
     std::size_t searchBack(std::size_t p) const;
@@ -57,6 +61,7 @@ private:
     HistoryText& history_;
     OutputWriter& writer_;
     OutputWindows& windows_;
+    bool showsTheEnd_ = true;
 };
 
 }  // namespace kelpa

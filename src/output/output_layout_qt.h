@@ -4,6 +4,7 @@
 
 #include <QColor>
 #include <QString>
+#include <QStringView>
 
 #include <vector>
 
@@ -34,6 +35,32 @@ std::vector<LaidLine> layoutLines(const OutputWindow& model, const QColor& plain
 // layout of the text before it: the last line may grow, new lines follow.
 void layoutMore(std::vector<LaidLine>& lines, const OutputWindow& model, std::size_t from,
                 const QColor& plainColour);
+
+// The rows of one laid line at `columns` characters a row, each given to
+// `row(start, length)`: a row ends before the last blank that still fits,
+// and the blanks at a break show on neither row; a word longer than a row,
+// or a row with no blank behind a word, is cut at the row's end.
+template <class Row>
+void wrapLine(QStringView text, int columns, Row&& row) {
+    const int len = static_cast<int>(text.size());
+    int start = 0;
+    while (len - start > columns) {
+        const int cut = start + columns;  // the first character past the row
+        int blank = cut;
+        while (blank > start && text[blank] != u' ') --blank;
+        int end = blank;
+        while (end > start && text[end - 1] == u' ') --end;
+        if (end == start) {
+            row(start, columns);
+            start = cut;
+            continue;
+        }
+        row(start, end - start);
+        start = blank + 1;
+        while (start < len && text[start] == u' ') ++start;
+    }
+    if (start < len || start == 0) row(start, len - start);
+}
 
 // The character the user sees for one byte, or a null QChar for a byte
 // that draws nothing.

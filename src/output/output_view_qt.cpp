@@ -105,6 +105,9 @@ OutputView::OutputView(const OutputWindow& model, const WindowInfo& info, QWidge
     charWidth_ = qMax(1, fm.horizontalAdvance(QLatin1Char('M')));
     lineHeight_ = qMax(1, fm.lineSpacing());
     ascent_ = fm.ascent();
+    dragScroll_ = new QTimer(this);
+    dragScroll_->setInterval(50);
+    connect(dragScroll_, &QTimer::timeout, this, &OutputView::dragScrollTick);
 }
 
 void OutputView::sync() {
@@ -146,8 +149,9 @@ void OutputView::ensureLaidOut() {
         anchor_ = caret_ = Pos{};
         selecting_ = false;
         wrapFrom(wrappedColumns_ == columns() ? changed : 0);
-        updateScrollRange(!fromTop_);
-        if (fromTop_) verticalScrollBar()->setValue(0);
+        const bool fromTop = fromTop_ && fromTop_();
+        updateScrollRange(!fromTop);
+        if (fromTop) verticalScrollBar()->setValue(0);
     } else if (wrappedColumns_ != columns()) {
         QScrollBar* bar = verticalScrollBar();
         const bool atEnd = bar->value() >= bar->maximum();
@@ -166,14 +170,9 @@ void OutputView::wrapFrom(int line) {
     const int cols = columns();
     wrappedColumns_ = cols;
     while (!rows_.empty() && rows_.back().line >= line) rows_.pop_back();
-    for (int i = line; i < static_cast<int>(lines_.size()); ++i) {
-        const int len = static_cast<int>(lines_[static_cast<std::size_t>(i)].text.size());
-        int start = 0;
-        do {
-            rows_.push_back({i, start, qMin(cols, len - start)});
-            start += cols;
-        } while (start < len);
-    }
+    for (int i = line; i < static_cast<int>(lines_.size()); ++i)
+        wrapLine(lines_[static_cast<std::size_t>(i)].text, cols,
+                 [&](int start, int length) { rows_.push_back({i, start, length}); });
 }
 
 void OutputView::updateScrollRange(bool toEnd) {
@@ -221,6 +220,14 @@ void OutputView::paintEvent(QPaintEvent* e) {
             const Row& row = rows_[static_cast<std::size_t>(r)];
             paintSelection(p, row, y);
             paintRow(p, row, y);
+            // Selected text in the selection's own colour, readable on it
+            // whatever colour the server gave it.
+            if (const auto [a, b] = selectionIn(row); a < b) {
+                const QColor pen = palette().color(QPalette::HighlightedText);
+                p.setClipRect(QRect(a * charWidth_, y, (b - a) * charWidth_, lineHeight_) & rowRect);
+                paintSelection(p, row, y);
+                paintRow(p, row, y, &pen);
+            }
         }
         // A row drawn only in part is known only if it did not change.
         const std::uint64_t look = rowLook(r);
@@ -306,7 +313,11 @@ void OutputView::refreshScreen() {
 
 void OutputView::scrollContentsBy(int, int) { refreshScreen(); }
 
-void OutputView::paintRow(QPainter& p, const Row& row, int y) {
+namespace {
+constexpr QChar kSoftHyphen = QChar(0xAD);
+}  // namespace
+
+void OutputView::paintRow(QPainter& p, const Row& row, int y, const QColor* pen) {
     const LaidLine& line = lines_[static_cast<std::size_t>(row.line)];
     const int end = row.start + row.length;
     for (const LaidSpan& s : line.spans) {
@@ -319,10 +330,13 @@ void OutputView::paintRow(QPainter& p, const Row& row, int y) {
             f.setUnderline(s.underline);
             p.setFont(f);
         }
-        p.setPen(s.colour);
-        // A view of the line's characters, not a copy.
-        p.drawText(QPoint((a - row.start) * charWidth_, y + ascent_),
-                   QString::fromRawData(line.text.constData() + a, b - a));
+        p.setPen(pen ? *pen : s.colour);
+        // A view of the line's characters, not a copy, but for a soft
+        // hyphen: the font gives it no width, which would pull the rest of
+        // the run out of its cells. It shows as the hyphen it stands for.
+        QString run = QString::fromRawData(line.text.constData() + a, b - a);
+        if (run.contains(kSoftHyphen)) run = QString(run).replace(kSoftHyphen, u'-');
+        p.drawText(QPoint((a - row.start) * charWidth_, y + ascent_), run);
     }
 }
 
@@ -354,14 +368,49 @@ OutputView::Pos OutputView::posAt(const QPoint& pt) const {
 
 void OutputView::mousePressEvent(QMouseEvent* e) {
     if (e->button() != Qt::LeftButton) return QAbstractScrollArea::mousePressEvent(e);
-    anchor_ = caret_ = posAt(e->position().toPoint());
+    // Shift+click moves the selection's far end; a plain click starts anew.
+    caret_ = posAt(e->position().toPoint());
+    if (!(e->modifiers() & Qt::ShiftModifier)) anchor_ = caret_;
     selecting_ = true;
     viewport()->update();
 }
 
 void OutputView::mouseMoveEvent(QMouseEvent* e) {
     if (!selecting_ || !(e->buttons() & Qt::LeftButton)) return;
-    caret_ = posAt(e->position().toPoint());
+    dragPoint_ = e->position().toPoint();
+    caret_ = posAt(dragPoint_);
+    if ((dragPoint_.y() < 0 || dragPoint_.y() >= viewport()->height()) && !dragScroll_->isActive())
+        dragScroll_->start();
+    viewport()->update();
+}
+
+void OutputView::mouseReleaseEvent(QMouseEvent* e) {
+    if (e->button() == Qt::LeftButton) dragScroll_->stop();
+    QAbstractScrollArea::mouseReleaseEvent(e);
+}
+
+void OutputView::dragScrollTick() {
+    const int step = dragPoint_.y() < 0 ? -1 : dragPoint_.y() >= viewport()->height() ? 1 : 0;
+    if (!selecting_ || step == 0) return dragScroll_->stop();
+    QScrollBar* bar = verticalScrollBar();
+    bar->setValue(bar->value() + step);
+    caret_ = posAt(dragPoint_);
+    viewport()->update();
+}
+
+// A double click selects the word under the pointer: the characters up to
+// the blanks around it.
+void OutputView::mouseDoubleClickEvent(QMouseEvent* e) {
+    if (e->button() != Qt::LeftButton || rows_.empty()) return QAbstractScrollArea::mouseDoubleClickEvent(e);
+    const Pos at = posAt(e->position().toPoint());
+    const QString& t = lines_[static_cast<std::size_t>(at.line)].text;
+    int a = qMin(at.col, static_cast<int>(t.size()) - 1), b = a;
+    if (a < 0 || t[a] == u' ') return;
+    while (a > 0 && t[a - 1] != u' ') --a;
+    while (b < t.size() && t[b] != u' ') ++b;
+    anchor_ = {at.line, a};
+    caret_ = {at.line, b};
+    selecting_ = false;
     viewport()->update();
 }
 
@@ -381,6 +430,13 @@ QString OutputView::selectedText() const {
 void OutputView::keyPressEvent(QKeyEvent* e) {
     if (e->matches(QKeySequence::Copy)) {
         if (const QString s = selectedText(); !s.isEmpty()) QApplication::clipboard()->setText(s);
+        return;
+    }
+    if (e->matches(QKeySequence::SelectAll)) {
+        ensureLaidOut();
+        anchor_ = {};
+        caret_ = lines_.empty() ? Pos{} : Pos{static_cast<int>(lines_.size()) - 1, static_cast<int>(lines_.back().text.size())};
+        viewport()->update();
         return;
     }
     QAbstractScrollArea::keyPressEvent(e);

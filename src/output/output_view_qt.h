@@ -9,8 +9,11 @@
 #include <QAbstractScrollArea>
 #include <QColor>
 #include <QFont>
+#include <QPoint>
+#include <QTimer>
 
 #include <cstdint>
+#include <functional>
 #include <utility>
 #include <vector>
 
@@ -27,9 +30,10 @@ public:
     // Follows the model; cheap when it did not change. A hidden view waits
     // until it is shown.
     void sync();
-    // New text shows from the first line instead of the end: for a window
-    // that is only ever drawn whole, a page whose top must be in sight.
-    void setShowsFromTop(bool fromTop) { fromTop_ = fromTop; }
+    // Whether new text shows from the first line instead of the end, asked
+    // at each change: for a window that is only ever drawn whole, a page
+    // whose top must be in sight.
+    void setShowsFromTop(std::function<bool()> fromTop) { fromTop_ = std::move(fromTop); }
 
     // The text of a line as it is drawn (lines end at LF, before wrapping).
     int lineCount();
@@ -44,6 +48,8 @@ protected:
     void showEvent(QShowEvent* e) override;
     void mousePressEvent(QMouseEvent* e) override;
     void mouseMoveEvent(QMouseEvent* e) override;
+    void mouseReleaseEvent(QMouseEvent* e) override;
+    void mouseDoubleClickEvent(QMouseEvent* e) override;
     void keyPressEvent(QKeyEvent* e) override;
     void scrollContentsBy(int dx, int dy) override;
 
@@ -65,7 +71,9 @@ private:
     void updateScrollRange(bool toEnd);
     int visibleRows() const;
     Pos posAt(const QPoint& p) const;
-    void paintRow(QPainter& p, const Row& row, int y);
+    void dragScrollTick();
+    // The row's text in its runs' colours, or all of it in `pen`.
+    void paintRow(QPainter& p, const Row& row, int y, const QColor* pen = nullptr);
     void paintSelection(QPainter& p, const Row& row, int y);
     // The selected cells of a row, from its start; equal when none.
     std::pair<int, int> selectionIn(const Row& row) const;
@@ -97,7 +105,10 @@ private:
     std::vector<Row> rows_;
 
     bool selecting_ = false;
-    bool fromTop_ = false;
+    // A drag beyond the top or bottom scrolls the text a row at a tick.
+    QTimer* dragScroll_ = nullptr;
+    QPoint dragPoint_;
+    std::function<bool()> fromTop_;
     Pos anchor_, caret_;
 
     // The look of what each screen row shows now, from the paints and

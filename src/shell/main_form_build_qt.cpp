@@ -59,9 +59,12 @@ void MainForm::buildWorkArea() {
     QWidget* main = SSTab1_->addPage(QStringLiteral("Main"));
     SSTab2_ = new TabControl(QStringLiteral("SSTab2"), QColor(64, 64, 64), 2, main);
     makeView(kMainWindow, SSTab2_->addPage(QStringLiteral("Actual")));
-    // A history page is taller than the view at small sizes: its top line,
-    // the one the keys and Seek go by, stays in sight.
-    makeView(kHistT, SSTab2_->addPage(QStringLiteral("History")))->setShowsFromTop(true);
+    // A history page can be taller than the view: its top line, the one the
+    // keys and Seek go by, stays in sight, except on the page at the end of
+    // the run, whose newest line does.
+    makeView(kHistT, SSTab2_->addPage(QStringLiteral("History")))->setShowsFromTop([this] {
+        return !client_.historyViews().pager.showsTheEnd();
+    });
     buildSystemPage(SSTab1_->addPage(QStringLiteral("System")));
     for (int i = 0; i < 4; ++i) makeView(kCustom1 + i, SSTab1_->addPage(QStringLiteral("Custom %1").arg(i + 1)));
     buildToolsPage(SSTab1_->addPage(QStringLiteral("Tools")));
@@ -110,6 +113,9 @@ void MainForm::buildToolsPage(QWidget* page) {
 OutputView* MainForm::makeView(int win, QWidget* parent) {
     auto* v = new OutputView(client_.window(win), windowInfo(win), parent);
     views_[static_cast<std::size_t>(win)] = v;
+    // Typing into a window that was clicked goes to the command line; the
+    // history page takes its keys itself.
+    if (win != kHistT) v->installEventFilter(this);
     return v;
 }
 

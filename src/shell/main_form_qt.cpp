@@ -12,6 +12,7 @@
 #include <QSignalBlocker>
 
 #include <exception>
+#include <memory>
 
 #include "command/bulk_dialog_qt.h"
 #include "command/macro_page_qt.h"
@@ -243,6 +244,19 @@ void MainForm::startTimers() {
     Queue_->start(Sender::kFirstQueueInterval);
 }
 
+namespace {
+
+// A key that types into a line: a character, Enter or Backspace, without
+// Ctrl, Alt or Meta (those stay with the window: Ctrl+C copies).
+bool typedText(const QKeyEvent& k) {
+    if (k.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) return false;
+    const int key = k.key();
+    if (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Backspace) return true;
+    return !k.text().isEmpty() && k.text().front().isPrint();
+}
+
+}  // namespace
+
 bool MainForm::eventFilter(QObject* watched, QEvent* e) {
     if (watched == Text1_ && e->type() == QEvent::KeyPress) {
         const int key = static_cast<QKeyEvent*>(e)->key();
@@ -251,6 +265,11 @@ bool MainForm::eventFilter(QObject* watched, QEvent* e) {
             return true;
         }
         if (key == Qt::Key_Escape) guarded("Text1_KeyPress", [&] { client_.Text1_Escape(); });
+    } else if (e->type() == QEvent::KeyPress && watched != Text1_ && typedText(*static_cast<QKeyEvent*>(e))) {
+        Text1_->setFocus();
+        const std::unique_ptr<QEvent> typed(e->clone());
+        QCoreApplication::sendEvent(Text1_, typed.get());
+        return true;
     }
     return QWidget::eventFilter(watched, e);
 }

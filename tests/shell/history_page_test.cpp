@@ -19,16 +19,22 @@ TEST(HistoryPage, HistTShowsAPageAndTakesTheKeys) {
     f.clickTab("SSTab2", 1);
     auto* HistT = f.form().outputWindow(kHistT);
     HistT->setFocus();
-    // The top line at first and after each key; other keys do nothing. The
-    // page is taller than the view, which shows it from its top line.
-    ASSERT_GT(HistT->verticalScrollBar()->maximum(), 0);
-    const auto top = [HistT] { return HistT->lineText(HistT->verticalScrollBar()->value()); };
-    QStringList tops{top()};
-    for (Qt::Key key : {Qt::Key_PageUp, Qt::Key_Home, Qt::Key_Down, Qt::Key_A, Qt::Key_Right}) {
+    // The page is taller than the view. The last page shows its newest
+    // line; other pages show their top line, the one the keys go by. Other
+    // keys do nothing.
+    QScrollBar* bar = HistT->verticalScrollBar();
+    ASSERT_GT(bar->maximum(), 0);
+    const auto top = [HistT, bar] { return HistT->lineText(bar->value()); };
+    const auto atEnd = [bar] { return bar->value() == bar->maximum() ? "end" : "top"; };
+    QStringList tops{atEnd()};
+    for (Qt::Key key : {Qt::Key_PageUp, Qt::Key_Home, Qt::Key_Down, Qt::Key_A, Qt::Key_Right, Qt::Key_End}) {
         QTest::keyClick(HistT, key);
-        tops << top();
+        f.form().syncFromCore();
+        tops << top() + atEnd();
     }
-    EXPECT_EQ(tops, QStringList({"line 73", "line 46", "line 1", "line 2", "line 2", "line 2"}));
+    EXPECT_EQ(tops, QStringList({"end", "line 46top", "line 1top", "line 2top", "line 2top", "line 2top",
+                                 "line " + QString::number(73 + bar->maximum()) + "end"}));
+    EXPECT_EQ(HistT->lineText(HistT->lineCount() - 2), "line 100");
 }
 
 TEST(HistoryPage, ADayLoadsWithTheEventLoopTurningBetweenPieces) {

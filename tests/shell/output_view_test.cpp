@@ -62,6 +62,28 @@ TEST(OutputLayout, BytesBecomeTheCharactersTheUserSeesInTheColoursOfTheirRuns) {
         << "plain text takes the view's colour";
 }
 
+// Rows of a line at a width: between words, the blanks of a break on no
+// row, a word longer than a row cut.
+TEST(OutputLayout, LongLinesWrapBetweenWords) {
+    struct Row { const char* text; int columns; QStringList rows; };
+    const Row rows[] = {
+        {"", 5, {""}},
+        {"short", 5, {"short"}},
+        {"the orc hits", 7, {"the orc", "hits"}},
+        {"the orc hits", 8, {"the orc", "hits"}},
+        {"ab   cd", 3, {"ab", "cd"}},
+        {"abcdefghij klm", 4, {"abcd", "efgh", "ij", "klm"}},
+        {"   indented long", 6, {"   ind", "ented", "long"}},
+        {"ends in blanks     ", 7, {"ends in", "blanks"}},
+    };
+    for (const Row& row : rows) {
+        const QString text = QString::fromLatin1(row.text);
+        QStringList got;
+        qt::wrapLine(text, row.columns, [&](int start, int length) { got << text.mid(start, length); });
+        EXPECT_EQ(got, row.rows) << row.text << " at " << row.columns;
+    }
+}
+
 // The paints of a widget, and those of less than the whole of it, while
 // the counter lives.
 struct PaintCounter : QObject {
@@ -149,6 +171,75 @@ TEST(OutputView, ASelectionCopiesTheTextAcrossLines) {
     QTest::mouseMove(vp, to);  // with the button held
     QTest::mouseRelease(vp, Qt::LeftButton, {}, to);
     EXPECT_EQ(t->selectedText(), "bc\nde");
+}
+
+// The mouse and keys on an output window: a double click takes a word,
+// Shift+click and a drag past the bottom move the far end, Ctrl+A takes
+// everything, and letters typed there land in the command line.
+TEST(OutputView, SelectingAndTypingAsPlayersKnowThem) {
+    FormFixture f;
+    print(f, numberedLines(1, 60) + "\x1B[1;34mthe blue dragon\x1B[0m");
+    qt::OutputView* t = f.form().outputWindow(kMainWindow);
+    QWidget* vp = t->viewport();
+    const QFontMetrics fm(qt::monospaceFont(9.75));
+    const int w = fm.horizontalAdvance('M'), h = fm.lineSpacing();
+    const int rows = vp->height() / h;
+    // The last row holds the blue text; the view sits at the end.
+    const int lastY = (t->lineCount() - 1 - t->verticalScrollBar()->value()) * h + h / 2;
+    QTest::mouseDClick(vp, Qt::LeftButton, {}, QPoint(6 * w, lastY));
+    EXPECT_EQ(t->selectedText(), "blue");
+    QTest::mouseClick(vp, Qt::LeftButton, Qt::ShiftModifier, QPoint(15 * w, lastY));
+    EXPECT_EQ(t->selectedText(), "blue dragon");
+
+    // A drag that leaves the bottom scrolls the text under it.
+    t->verticalScrollBar()->setValue(0);
+    QTest::mousePress(vp, Qt::LeftButton, {}, QPoint(0, h / 2));
+    QTest::mouseMove(vp, QPoint(w, vp->height() + 5));
+    QTest::qWait(400);
+    QTest::mouseRelease(vp, Qt::LeftButton, {}, QPoint(w, vp->height() + 5));
+    EXPECT_GT(t->verticalScrollBar()->value(), 2);
+    EXPECT_TRUE(t->selectedText().startsWith("line 1\nline 2\n"));
+    EXPECT_GT(t->selectedText().count('\n'), rows + 1);
+
+    QTest::keyClick(t, Qt::Key_A, Qt::ControlModifier);
+    EXPECT_TRUE(t->selectedText().startsWith("line 1\n") && t->selectedText().endsWith("the blue dragon"));
+    t->setFocus();
+    QTest::keyClicks(t, "look");
+    EXPECT_EQ(f.control<QLineEdit>("Text1")->text(), "look");
+    EXPECT_TRUE(f.control("Text1")->hasFocus());
+    EXPECT_FALSE(t->selectedText().isEmpty()) << "Ctrl+A stayed with the window";
+}
+
+// Pictures that must match: a soft hyphen draws as the hyphen in its own
+// cell, so the text behind it stays in its columns; selected text looks the
+// same whatever colour the server gave it.
+TEST(OutputView, ASoftHyphenKeepsItsCellAndSelectedTextTakesTheSelectionsColour) {
+    OutputWindow soft, hard, blue, plain;
+    const TextStyle grey{.colour = rgb(192, 192, 192)};
+    soft.append("ab\xAD" "cd|", grey);
+    hard.append("ab-cd|", grey);
+    blue.append("the blue dragon", {.colour = rgb(0, 0, 255)});
+    plain.append("the blue dragon", grey);
+    const WindowInfo& info = windowInfo(kMainWindow);
+    qt::OutputView a(soft, info), b(hard, info), c(blue, info), d(plain, info);
+    for (qt::OutputView* v : {&a, &b, &c, &d}) {
+        v->resize(200, 60);
+        v->show();
+    }
+    QCoreApplication::processEvents();
+    EXPECT_EQ(a.viewport()->grab().toImage(), b.viewport()->grab().toImage());
+    EXPECT_EQ(a.lineText(0), QString::fromUtf16(u"ab\u00ADcd|")) << "the text itself keeps it";
+
+    const int w = QFontMetrics(qt::monospaceFont(info.pointSize)).horizontalAdvance('M');
+    const QRect word(4 * w, 0, 4 * w, 10);
+    auto selectedWord = [&](qt::OutputView& v) {
+        QTest::mouseDClick(v.viewport(), Qt::LeftButton, {}, QPoint(5 * w, 5));
+        EXPECT_EQ(v.selectedText(), "blue");
+        return v.viewport()->grab().toImage().copy(word);
+    };
+    const QImage before = c.viewport()->grab().toImage().copy(word);
+    EXPECT_EQ(selectedWord(c), selectedWord(d));
+    EXPECT_NE(before, selectedWord(c));
 }
 
 // A flood repaints at most once per frame. A long text that follows its end
