@@ -27,7 +27,8 @@ void Sender::S_SendData(std::string& X) {
 
 void Sender::s_queuedata(std::string& X) {
     if (QueueSlots.size() >= kQueueSlots) {
-        debug_.DebugLog("Queue full, not queued: " + X);
+        // Quoted: a text that ends in ";" would leave the debug line open.
+        debug_.DebugLog("Queue full, not queued: \"" + X + "\"");
         return;
     }
     QueueSlots.push_back(X);

@@ -31,7 +31,7 @@ public:
     // A password (while the server echoes) is counted but never shown.
     static std::string refusedLine(const std::string& bytes, bool showText = true) {
         return "SendData failed, " + std::to_string(bytes.size()) + " bytes not sent: " +
-               (showText ? bytes.substr(0, bytes.find_first_of("\r\n")) : std::string());
+               (showText ? '"' + bytes.substr(0, bytes.find_first_of("\r\n")) + '"' : std::string());
     }
 };
 

@@ -47,8 +47,8 @@ TEST(Sender, QueueTickPicksAnIntervalAndSendsOneEntryInOrderUpToTwenty) {
     for (const int interval : {1501, 3000, 751}) EXPECT_EQ(h.c.Queue_Timer(), interval);
     EXPECT_EQ(h.fp.socket.writes, (Writes{"north\r\n", "south"}));
 
-    for (int i = 1; i <= 21; ++i) h.queue("c" + std::to_string(i));
-    EXPECT_EQ(h.debugText(), "Queue full, not queued: c21\r\n");
+    for (int i = 1; i <= 21; ++i) h.queue("c" + std::to_string(i) + (i == 21 ? ";;" : ""));
+    EXPECT_EQ(h.debugText(), "Queue full, not queued: \"c21;;\"\r\n") << "the line is closed";
     for (int i = 0; i < 25; ++i) h.c.Queue_Timer();
     ASSERT_EQ(h.fp.socket.writes.size(), 22u);
     EXPECT_EQ(h.fp.socket.writes[2] + "|" + h.fp.socket.writes.back(), "c1|c20");
@@ -81,12 +81,12 @@ TEST(Sender, AWriteTheSocketRefusesIsTold) {
     SendHarness h;
     h.fp.socket.refuseWrites = true;
     h.c.Text1_Enter("look;;say hi");
-    EXPECT_NE(h.debugText().find("SendData failed, 14 bytes not sent: look\r\n"), std::string::npos) << h.debugText();
+    EXPECT_NE(h.debugText().find("SendData failed, 14 bytes not sent: \"look\"\r\n"), std::string::npos) << h.debugText();
     EXPECT_EQ(h.logFile() + "|" + h.window(kMainWindow) + "|" + h.history(),
               "look\r\nsay hi\r\n\r\n|look\r\nsay hi\r\n|look\r\nsay hi\r\n");
 
     h.c.parts().bar.Sites = {SiteRecord{"", "", "", "", 0, 0, "hello#10#there", ""}};
     h.c.parts().bar.CB_Connections_Click(0);
     h.c.parts().session.s_Connect();
-    EXPECT_NE(h.debugText().find("SendData failed, 11 bytes not sent: hello\r\n"), std::string::npos) << h.debugText();
+    EXPECT_NE(h.debugText().find("SendData failed, 11 bytes not sent: \"hello\"\r\n"), std::string::npos) << h.debugText();
 }
