@@ -7,6 +7,8 @@
 #include <QPushButton>
 #include <QSignalBlocker>
 
+#include <algorithm>
+
 #include "common/text.h"
 #include "toolkit/widget_kit_qt.h"
 
@@ -35,7 +37,6 @@ MacroPage::MacroPage(MacroEditor& editor, Runner run, QWidget* page)
     MListName = placed(new QLabel(QStringLiteral("Main"), page), "MListName", 5880, 480, 3255, 285);
     MListName->setTextFormat(Qt::PlainText);  // a folder name, never markup
     Mlist = placed(new FileList(page), "Mlist", 5880, 840, 3255, 4215);
-    Mlist->setSortingEnabled(true);
     Mlist->setFont(small);
     brefresh3 = button("Main", "brefresh3", 5880, 5160, 1575, page);
     Command1 = button("OverDir", "Command1", 7560, 5160, 1575, page);
@@ -77,7 +78,12 @@ void MacroPage::sync() {
     // chosen stays marked.
     QStringList names, shown;
     for (const std::string& name : editor_.Mlist) names << toQString(name);
-    names.sort();  // as the list sorts them
+    // Sorted as players read names, whatever their case; the names' own
+    // order only between names that differ in case alone.
+    std::sort(names.begin(), names.end(), [](const QString& a, const QString& b) {
+        const int c = QString::compare(a, b, Qt::CaseInsensitive);
+        return c != 0 ? c < 0 : a < b;
+    });
     for (int i = 0; i < Mlist->count(); ++i) shown << Mlist->item(i)->text();
     if (names != shown) {
         Mlist->clear();

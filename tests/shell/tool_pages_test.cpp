@@ -38,13 +38,13 @@ TEST(MacroPage, ListsOpensSavesAndReloads) {
     // Typed text is what Save writes, trimmed, with one CR LF behind it; a
     // no-break space (0xA0) comes back as one, or a pattern holding it would
     // stop matching after any edit.
-    f.retype("txtMacrosLabel", "new.macro");
+    f.retype("txtMacrosLabel", "New.macro");
     f.control<QPlainTextEdit>("txtMacrosCommands")->setPlainText("  say\u00a0new\nsay more  ");
     f.click("BTNMacrosSave");
-    EXPECT_EQ(f.fake.folder.read("macros/new.macro"), "say\xA0new\r\nsay more\r\n");
+    EXPECT_EQ(f.fake.folder.read("macros/New.macro"), "say\xA0new\r\nsay more\r\n");
     EXPECT_EQ(f.list("Mlist").size(), 2);  // not refreshed by Save
     f.click("brefresh3");
-    EXPECT_EQ(f.list("Mlist"), (QStringList{"a.macro", "b.macro", "new.macro"}));
+    EXPECT_EQ(f.list("Mlist"), (QStringList{"a.macro", "b.macro", "New.macro"})) << "in any case, as players read";
 
     // The override list; Save goes where the label says.
     f.form().client().Text1_Enter("#override area");
@@ -53,7 +53,7 @@ TEST(MacroPage, ListsOpensSavesAndReloads) {
     EXPECT_EQ(f.control<QLabel>("MListName")->textFormat(), Qt::PlainText) << "a folder <B> is no markup";
     EXPECT_EQ(f.list("Mlist"), QStringList{"o.macro"});
     f.click("BTNMacrosSave");
-    EXPECT_EQ(f.fake.folder.read("macros/AREA/new.macro"), "say\xA0new\r\nsay more\r\n");
+    EXPECT_EQ(f.fake.folder.read("macros/AREA/New.macro"), "say\xA0new\r\nsay more\r\n");
 }
 
 TEST(MacroPage, DeleteAsksAndFailuresKeepTheBoxes) {
