@@ -187,10 +187,11 @@ void OutputView::updateScrollRange(bool toEnd) {
 void OutputView::resizeEvent(QResizeEvent* e) {
     QAbstractScrollArea::resizeEvent(e);
     if (!isVisible()) return;
-    const QScrollBar* bar = verticalScrollBar();
-    const bool atEnd = bar->value() >= bar->maximum();
+    // New text first: it decides where the view stands (the end, or the
+    // top of a page), and the new size keeps that.
     ensureLaidOut();
-    updateScrollRange(atEnd);
+    const QScrollBar* bar = verticalScrollBar();
+    updateScrollRange(bar->value() >= bar->maximum());
 }
 
 void OutputView::showEvent(QShowEvent* e) {
