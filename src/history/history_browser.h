@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "history/history_text.h"
+#include "history/session_log.h"
 #include "output/debug_channel.h"
 #include "output/window_state.h"
 #include "platform/platform.h"
@@ -53,7 +54,7 @@ public:
     static std::string loadingCaption(std::size_t count, std::size_t size);
 
 private:
-    std::string folder() const { return "logs/" + shortName_(); }
+    std::string folder() const { return SessionLog::folderFor(shortName_()); }
     // Opens the next waiting day; at the end of all, shows HistView again.
     void next();
 

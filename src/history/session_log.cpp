@@ -4,10 +4,24 @@
 
 namespace kelpa {
 
+std::string SessionLog::folderFor(const std::string& shortName) {
+    std::string folder = "logs";
+    std::size_t start = 0;
+    while (start <= shortName.size()) {
+        std::size_t end = shortName.find_first_of("\\/", start);
+        if (end == std::string::npos) end = shortName.size();
+        std::size_t last = end;
+        while (last > start && (shortName[last - 1] == ' ' || shortName[last - 1] == '.')) --last;
+        if (last > start) folder += "/" + shortName.substr(start, last - start);
+        start = end + 1;
+    }
+    return folder;
+}
+
 std::string SessionLog::pathFor(const std::string& shortName, const Date& day) {
     char date[16];
     std::snprintf(date, sizeof date, "%04d%02d%02d", day.year, day.month, day.day);
-    return "logs/" + shortName + "/H." + date + ".txt";
+    return folderFor(shortName) + "/H." + date + ".txt";
 }
 
 void SessionLog::open(const std::string& shortName) {

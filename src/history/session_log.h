@@ -20,6 +20,13 @@ public:
     // The calendar day of the log.
     Date LogDate;
 
+    // The site's folder of day logs, "logs" and the short name as a path.
+    // Books written on Windows part folders with a backslash (`Games\Med`),
+    // and Windows drops a name's trailing blanks and dots (`Blank ` is the
+    // folder `Blank`): the logs of those years stay where they are. A part
+    // left empty (`..` among them) is passed over, so that a log never
+    // lands outside logs/.
+    static std::string folderFor(const std::string& shortName);
     static std::string pathFor(const std::string& shortName, const Date& day);
 
     // Takes a new handle number and opens today's file of the site, creating

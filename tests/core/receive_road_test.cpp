@@ -98,6 +98,11 @@ TEST(ServerSession, ConnectCloseAndErrorSetTheButtonsAndTheLog) {
 
 TEST(SessionLog, ChangeOfDaySwitchesTheFileInBothDirections) {
     EXPECT_EQ(SessionLog::pathFor("x", Date{987, 1, 2}), "logs/x/H.09870102.txt");
+    // Short names from books written on Windows name the folders Windows made.
+    for (const auto& [name, folder] : std::vector<std::pair<std::string, std::string>>{
+             {"Games\\Med", "logs/Games/Med"}, {"Blank .", "logs/Blank"}, {"..\\..\\etc", "logs/etc"},
+             {"/abs/", "logs/abs"}, {" ", "logs"}, {" lead", "logs/ lead"}})
+        EXPECT_EQ(SessionLog::folderFor(name), folder) << name;
     ClientHarness h;
     h.c.parts().bar.Sites = {site("mud", "")};
     h.c.parts().bar.CB_Connections_Click(0);
