@@ -171,9 +171,8 @@ void MainForm::syncConnectionBar() {
         const QSignalBlocker block(CB_Connections_);
         CB_Connections_->setCurrentIndex(bar.listIndex);
     }
-    // Only a real change is written, so that typing is not disturbed.
     for (auto [box, text] : {std::pair{Site_, &bar.Site}, {PPort_, &bar.PPort}, {SPort_, &bar.SPort}})
-        if (toCoreBytes(box->text()) != *text) box->setText(toQString(*text));
+        setLineText(box, *text);
     CMD_CONNECT_->setEnabled(bar.connectEnabled);
     CMD_DISCONNECT_->setEnabled(bar.disconnectEnabled);
 }

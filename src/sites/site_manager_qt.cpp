@@ -52,7 +52,7 @@ QString shownDescription(const std::string& d) {
 }  // namespace
 
 SiteManagerDialog::SiteManagerDialog(FileSystem& files, QWidget* parent)
-    : QDialog(parent, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint | Qt::MSWindowsFixedSizeDialogHint),
+    : QDialog(parent, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint | Qt::MSWindowsFixedSizeDialogHint),
       model_(files) {
     setObjectName(QStringLiteral("DLG_SiteMan"));
     setWindowTitle(QStringLiteral("Servers Management"));
@@ -196,7 +196,7 @@ void SiteManagerDialog::mirror() {
     for (auto [box, text] : {std::pair{TXT_SiteName, &b.SiteName}, {TXT_SSname, &b.SSname}, {TXT_DNSIP, &b.DNSIP},
                              {TXT_DnsIPAlternate, &b.DnsIPAlternate}, {TXT_Dport, &b.Dport},
                              {TXT_Aport, &b.Aport}, {TXT_STRI, &b.STRI}})
-        if (toCoreBytes(box->text()) != *text) box->setText(toQString(*text));
+        setLineText(box, *text);
     if (descriptionOf(TXT_DESC) != b.DESC) TXT_DESC->setPlainText(shownDescription(b.DESC));
     mirroring_ = false;
 }

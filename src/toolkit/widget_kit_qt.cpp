@@ -32,6 +32,12 @@ std::string boxText(const QPlainTextEdit* box) {
 
 void setBoxText(QPlainTextEdit* box, std::string_view core) { box->setPlainText(toQString(replaceAll(core, kCrLf, "\n"))); }
 
+void setLineText(QLineEdit* box, std::string_view core) {
+    if (toCoreBytes(box->text()) == core) return;
+    box->setText(toQString(core));
+    box->setCursorPosition(0);
+}
+
 void multiLineBox(QPlainTextEdit* box) {
     box->setTabChangesFocus(true);
     box->setLineWrapMode(QPlainTextEdit::WidgetWidth);

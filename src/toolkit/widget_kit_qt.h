@@ -5,6 +5,7 @@
 #include <QCheckBox>
 #include <QColor>
 #include <QFont>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
@@ -46,6 +47,10 @@ std::string toCoreBytes(const QString& text);
 std::string boxText(const QPlainTextEdit* box);
 // Shows the core's text (lines ending in CR LF) in a multi-line box.
 void setBoxText(QPlainTextEdit* box, std::string_view core);
+// Shows the core's text in a one-line box, if it is not there already (so
+// that typing is not disturbed), with the caret at the start: a value longer
+// than the box shows its beginning, not its end.
+void setLineText(QLineEdit* box, std::string_view core);
 // The ways of a multi-line text box: long lines fold at its width, as in
 // text boxes with at most a vertical scroll bar (the text itself keeps its
 // line breaks), and Tab moves on to the next control instead of typing a

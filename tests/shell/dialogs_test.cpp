@@ -21,7 +21,15 @@ namespace {
 using SiteManager = qt::SiteManagerDialog;
 
 const std::string kOldBook =
-    "SITE=Old\r\nSSNA=old\r\nSDNS=old.org\r\nSDNA=\r\nSDP_=4000\r\nSAP_=0\r\nSTRI=\r\nSDSC=\r\n\r\n#\r\n";
+    "SITE=Old\r\nSSNA=old\r\nSDNS=old.org\r\nSDNA=\r\nSDP_=4000\r\nSAP_=0\r\n"
+    "STRI=connect Hero secret#10#look at everything in the room#10#score\r\nSDSC=\r\n\r\n#\r\n";
+
+// A dialog with a fixed frame: the window manager is told to show no
+// minimise or maximise button.
+bool fixedFrame(const QWidget* d) {
+    return d->windowFlags().testFlag(Qt::CustomizeWindowHint) &&
+           !(d->windowFlags() & (Qt::WindowMinimizeButtonHint | Qt::WindowMaximizeButtonHint));
+}
 
 // Notes the text of the next message box and closes it with its default
 // button; text the box would read as markup is marked so.
@@ -88,6 +96,7 @@ TEST(SiteManagerDialog, TabOrderAndSavedSitesInTheBarAfterCloseWithTheFirstSelec
     auto* list = f.control<QComboBox>("CB_Connections");
     EXPECT_EQ(std::tuple(list->count(), list->itemText(1), list->currentIndex()), std::tuple(2, u"New"_qs, 0));
     EXPECT_EQ(f.text("Site"), "old.org") << "the first site overwrites what was typed";
+    EXPECT_EQ(f.control<QLineEdit>("Site")->cursorPosition(), 0);
     EXPECT_EQ(f.form().findChild<SiteManager*>(), nullptr) << "the next opening is a fresh dialog";
 }
 
@@ -96,8 +105,10 @@ TEST(SiteManagerDialog, AFailedSaveKeepsTheDialogAndEscapeDiscards) {
     f.fake.folder.write("CONN.ZIG", kOldBook);
     std::filesystem::create_directory(f.fake.folder.path() / "CONN.ZIG.tmp");
     f.whileOpen<SiteManager>("CMD_SaveConnection", [&](SiteManager* d) {
+        EXPECT_TRUE(fixedFrame(d));
         d->SitesList->setCurrentRow(0);
         EXPECT_EQ(d->TXT_DNSIP->text(), "old.org") << "a selection shows its site";
+        EXPECT_EQ(d->TXT_STRI->cursorPosition(), 0) << "a long init string shows its beginning";
         QTest::mouseClick(d->SitesList->viewport(), Qt::LeftButton, {}, {5, d->SitesList->viewport()->height() - 5});
         EXPECT_EQ(d->SitesList->selectedItems().size(), 1) << "a click below the entries keeps the selection";
         d->TXT_SiteName->setText("Other");
@@ -136,6 +147,7 @@ TEST(AboutDialog, ShowsThePictureAndStartsTheSystemInformation) {
     const QByteArray path = qgetenv("PATH");
     f.whileOpen<qt::AboutDialog>("CMD_About", [&](qt::AboutDialog* d) {
         EXPECT_FALSE(d->picIcon->pixmap().isNull());
+        EXPECT_TRUE(fixedFrame(d));
         EXPECT_TRUE(d->cmdOK->isDefault());
         std::vector<std::string> started;
         d->startDetached = [&](const std::string& p) {
