@@ -65,12 +65,12 @@ int main(int argc, char** argv) {
     }
 
     auto form = kelpa::qt::MainForm::createOn(std::make_unique<kelpa::qt::QtPlatform>(path));
-    const std::string where = "Program folder: " + path.string() + " (" + folder.reason + ")";
-    form->client().startupNote(where);
+    form->client().startupNote(kelpa::programFolderNote(path.string(), folder.reason));
     form->syncFromCore();
     form->show();
     if (arguments.contains(QString::fromLatin1(kQuitAfterStart))) {
-        std::printf("%s\n", where.c_str());
+        // The terminal reads UTF-8: the path as the system gave it.
+        std::printf("Program folder: %s (%s)\n", path.string().c_str(), folder.reason.c_str());
         std::fflush(stdout);
         QTimer::singleShot(0, &app, &QCoreApplication::quit);
     }

@@ -1,5 +1,7 @@
 #include "shell/program_folder.h"
 
+#include "common/codepage.h"
+
 namespace kelpa {
 
 namespace {
@@ -36,6 +38,12 @@ ProgramFolder chooseProgramFolder(const ProgramFolderFacts& facts) {
     if (!facts.home.empty() && facts.home.front() == '/')
         return {joined(joined(facts.home, ".local/share"), "kelpa"), "the XDG data home in HOME"};
     return {{}, "neither the executable's folder nor XDG_DATA_HOME nor HOME can be used; name one with --folder"};
+}
+
+std::string programFolderNote(const std::string& path, const std::string& reason) {
+    std::string shown;
+    if (!utf8ToCp1252(path, shown)) shown = path;
+    return "Program folder: " + shown + " (" + reason + ")";
 }
 
 }  // namespace kelpa

@@ -31,4 +31,9 @@ struct ProgramFolder {
 // $HOME/.local/share). A relative DIR is returned as given.
 ProgramFolder chooseProgramFolder(const ProgramFolderFacts& facts);
 
+// The start-up line that names the folder and why, in the code page the
+// debug window shows: a path in UTF-8 that the code page cannot hold stays
+// as it is.
+std::string programFolderNote(const std::string& path, const std::string& reason);
+
 }  // namespace kelpa

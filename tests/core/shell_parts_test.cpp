@@ -32,6 +32,9 @@ TEST(ProgramFolder, ArgumentThenWritableExecutableFolderThenXdgDataHome) {
         EXPECT_EQ(f.path, r.folder) << r.writable << r.installed << " " << r.xdg << " " << r.home;
         EXPECT_FALSE(f.reason.empty());
     }
+    // The debug window shows code page 1252: an accent in the path is one byte.
+    EXPECT_EQ(programFolderNote("/j/Mes Jeux \u00e9", "why"), "Program folder: /j/Mes Jeux \xE9 (why)");
+    EXPECT_EQ(programFolderNote("/j/\u0151", "why"), "Program folder: /j/\u0151 (why)");
 }
 
 TEST(SystemInfo, TheFirstKnownProgramOnThePathStartsOrTheMessageIsShown) {
