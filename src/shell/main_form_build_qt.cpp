@@ -62,9 +62,11 @@ void MainForm::buildWorkArea() {
     // A history page can be taller than the view: its top line, the one the
     // keys and Seek go by, stays in sight, except on the page at the end of
     // the run, whose newest line does.
-    makeView(kHistT, SSTab2_->addPage(QStringLiteral("History")))->setShowsFromTop([this] {
-        return !client_.historyViews().pager.showsTheEnd();
-    });
+    OutputView* histT = makeView(kHistT, SSTab2_->addPage(QStringLiteral("History")));
+    histT->setShowsFromTop([this] { return !client_.historyViews().pager.showsTheEnd(); });
+    // Its keys page the history: Tab reaches it, so a player without a
+    // mouse can read back.
+    histT->setFocusPolicy(Qt::StrongFocus);
     buildSystemPage(SSTab1_->addPage(QStringLiteral("System")));
     for (int i = 0; i < 4; ++i) makeView(kCustom1 + i, SSTab1_->addPage(QStringLiteral("Custom %1").arg(i + 1)));
     buildToolsPage(SSTab1_->addPage(QStringLiteral("Tools")));

@@ -9,6 +9,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScreen>
+#include <QShortcut>
 #include <QSignalBlocker>
 
 #include <exception>
@@ -202,10 +203,35 @@ void MainForm::connectControls() {
     connect(findChild<QPushButton*>(QStringLiteral("CMD_About")), &QPushButton::clicked, this,
             &MainForm::CMD_About_Click);
     Text1_->installEventFilter(this);
+    pagesByKeyboard();
     // Typing at start goes to the command line, where it can do no harm;
     // the site list would take the letters as a choice of another site.
     Text1_->setFocus();
     listenToStatusPanel();
+}
+
+// Pages by keyboard: Ctrl+Tab and Ctrl+Shift+Tab step through the main tabs,
+// Ctrl+PageDown and Ctrl+PageUp through the tabs inside the page shown
+// (Actual and History on Main, the pages of Tools). Focus on a page that
+// goes out of sight moves on along the focus chain, to the command line.
+void MainForm::pagesByKeyboard() {
+    auto step = [this](bool inner, int by) {
+        TabControl* t = SSTab1_;
+        if (inner)
+            t = SSTab1_->page(SSTab1_->currentIndex())->findChild<TabControl*>(QString(), Qt::FindDirectChildrenOnly);
+        if (t && t->count() > 0) t->setCurrentIndex((t->currentIndex() + by + t->count()) % t->count());
+    };
+    const std::pair<QKeySequence, std::pair<bool, int>> keys[] = {
+        {QKeySequence(Qt::CTRL | Qt::Key_Tab), {false, 1}},
+        {QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Backtab), {false, -1}},
+        {QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Tab), {false, -1}},
+        {QKeySequence(Qt::CTRL | Qt::Key_PageDown), {true, 1}},
+        {QKeySequence(Qt::CTRL | Qt::Key_PageUp), {true, -1}},
+    };
+    for (const auto& [key, how] : keys) {
+        auto* s = new QShortcut(key, this);
+        connect(s, &QShortcut::activated, this, [step, how] { step(how.first, how.second); });
+    }
 }
 
 void MainForm::listenToStatusPanel() {

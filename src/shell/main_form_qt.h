@@ -100,6 +100,7 @@ private:
     void buildSystemPage(QWidget* page);
     void buildToolsPage(QWidget* page);
     OutputView* makeView(int win, QWidget* parent);
+    void pagesByKeyboard();
     void collectLaidOutControls();
     void applyLayout();
 

@@ -9,6 +9,7 @@
 
 #include "command/bulk_dialog_qt.h"
 #include "form_fixture.h"
+#include "output/output_view_qt.h"
 #include "sites/site_book.h"
 #include "toolkit/widget_kit_qt.h"
 #include "triggers/flags_form_qt.h"
@@ -43,6 +44,44 @@ TEST(StartUp, TabsOpenOnTheirFirstPageAndTheCheckBoxesOfThePageSystemSwitchTheCo
     for (const char* box : {"IG", "CT", "DebugInfo"}) f.control<QCheckBox>(box)->click();
     const ClientParts& c = f.form().client().parts();
     EXPECT_TRUE(!c.windows.Graphics && !c.pipeline.CleanerText && c.debug.enabled);
+}
+
+// Without a mouse: Ctrl+Tab steps through the main tabs, Ctrl+PageDown
+// through the tabs inside a page, Tab reaches the history page, and focus
+// on a page that went out of sight comes back to the command line.
+TEST(Keyboard, PagesAndTheHistoryAreReachedWithoutAMouse) {
+    FormFixture f;
+    f.form().client().parts().history.append(numberedLines(1, 100));
+    f.form().activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&f.form()));
+    auto* text1 = f.control<QLineEdit>("Text1");
+    text1->setFocus();
+    QTest::keyClick(text1, Qt::Key_Tab, Qt::ControlModifier);
+    EXPECT_EQ(f.form().tabs()->currentIndex(), 1);
+    QTest::keyClick(text1, Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier);
+    QTest::keyClick(text1, Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(f.form().tabs()->currentIndex(), 6) << "round to Tools";
+    QTest::keyClick(text1, Qt::Key_PageDown, Qt::ControlModifier);
+    EXPECT_EQ(f.control<qt::TabControl>("ToolsTabs")->currentIndex(), 1);
+    QTest::keyClick(text1, Qt::Key_Tab, Qt::ControlModifier);
+    QTest::keyClick(text1, Qt::Key_PageUp, Qt::ControlModifier);
+    EXPECT_EQ(f.control<qt::TabControl>("SSTab2")->currentIndex(), 1);
+
+    auto* HistT = f.form().outputWindow(kHistT);
+    for (int i = 0; i < 30 && !HistT->hasFocus(); ++i) QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    ASSERT_TRUE(HistT->hasFocus());
+    QTest::keyClick(HistT, Qt::Key_Home);
+    f.form().syncFromCore();
+    EXPECT_EQ(HistT->lineText(0), "line 1");
+    QTest::keyClick(HistT, Qt::Key_PageDown, Qt::ControlModifier);
+    EXPECT_EQ(f.control<qt::TabControl>("SSTab2")->currentIndex(), 0);
+    EXPECT_TRUE(text1->hasFocus()) << QApplication::focusWidget()->objectName().toStdString();
+    // The same from the trigger editor's body.
+    f.form().tabs()->setCurrentIndex(6);
+    f.control<qt::TabControl>("ToolsTabs")->setCurrentIndex(1);
+    f.control("txtTRGBody")->setFocus();
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab, Qt::ControlModifier);
+    EXPECT_TRUE(text1->hasFocus()) << QApplication::focusWidget()->objectName().toStdString();
 }
 
 TEST(CommandLine, EnterSendsTheWholeLineInTheCodePageEscapeHidesAndAFailureIsToldOnTheDebugChannel) {
