@@ -4,6 +4,7 @@
 #include <QClipboard>
 #include <QElapsedTimer>
 #include <QFontMetrics>
+#include <QFontMetricsF>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QScrollBar>
@@ -103,6 +104,11 @@ OutputView::OutputView(const OutputWindow& model, const WindowInfo& info, QWidge
     viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
     const QFontMetrics fm(font_);
     charWidth_ = qMax(1, fm.horizontalAdvance(QLatin1Char('M')));
+    // The font's own advance is fractional (7.83 px at 9.75 pt) while runs
+    // start on whole-pixel cells: spacing the glyphs out to the cell keeps
+    // every character, box lines and the selection on one grid.
+    font_.setLetterSpacing(QFont::AbsoluteSpacing,
+                           charWidth_ - QFontMetricsF(font_).horizontalAdvance(QLatin1Char('M')));
     lineHeight_ = qMax(1, fm.lineSpacing());
     ascent_ = fm.ascent();
     dragScroll_ = new QTimer(this);

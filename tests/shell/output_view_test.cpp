@@ -242,6 +242,31 @@ TEST(OutputView, ASoftHyphenKeepsItsCellAndSelectedTextTakesTheSelectionsColour)
     EXPECT_NE(before, selectedWord(c));
 }
 
+// A colour change starts the next run on its cell: the glyphs after it stand
+// where they stand in a line of one colour, so box lines meet and the
+// selection covers what it shows.
+TEST(OutputView, GlyphsKeepTheirCellsAcrossColourChanges) {
+    OutputWindow one, two;
+    const TextStyle grey{.colour = rgb(192, 192, 192)}, white{.colour = rgb(255, 255, 255)};
+    one.append("MMMMMMMMMMMMMMMMMMMMI", white);
+    two.append("MMMMMMMMMMMMMMMMMMMM", grey);
+    two.append("I", white);
+    const WindowInfo& info = windowInfo(kMainWindow);
+    qt::OutputView a(one, info), b(two, info);
+    auto ink = [](qt::OutputView& v) {
+        v.resize(300, 40);
+        v.show();
+        QCoreApplication::processEvents();
+        QImage img = v.viewport()->grab().toImage();
+        const QRgb bg = img.pixel(img.width() - 1, img.height() - 1);
+        // Where there is ink, not which colour: the runs differ in colour.
+        for (int y = 0; y < img.height(); ++y)
+            for (int x = 0; x < img.width(); ++x) img.setPixel(x, y, img.pixel(x, y) == bg ? 0 : 0xFFFFFF);
+        return img;
+    };
+    EXPECT_EQ(ink(a), ink(b));
+}
+
 // A flood repaints at most once per frame. A long text that follows its end
 // leaves the scroll bar's handle at the bottom: new lines repaint the text but
 // not the bar, until the handle moves.
