@@ -106,7 +106,7 @@ AboutDialog::AboutDialog(QWidget* parent)
 
     Form_Load();
     cmdOK->setFocus();
-    if (parent) move(parent->window()->geometry().center() - rect().center());
+    if (parent) placeCentred(this, parent->window()->geometry().center());
 }
 
 void AboutDialog::Form_Load() {

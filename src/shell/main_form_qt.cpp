@@ -42,7 +42,7 @@ MainForm::MainForm(Platform& platform, QWidget* parent)
     setBackground(this, QColor(128, 128, 128));
     setFont(formFont());
     resize(px(kFormInnerWidth), px(kFormInnerHeight));
-    if (const QScreen* s = screen()) move(s->availableGeometry().center() - rect().center());
+    if (const QScreen* s = screen()) placeCentred(this, s->availableGeometry().center());
 
     buildLeftColumn();
     buildWorkArea();

@@ -70,7 +70,7 @@ SiteManagerDialog::SiteManagerDialog(FileSystem& files, QWidget* parent)
     mirror();
     if (!model_.loadProblem().empty())
         QTimer::singleShot(0, this, [this] { tell(model_.loadProblem()); });
-    if (parent) move(parent->window()->geometry().center() - rect().center());
+    if (parent) placeCentred(this, parent->window()->geometry().center());
 }
 
 void SiteManagerDialog::build() {

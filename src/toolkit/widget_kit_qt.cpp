@@ -6,6 +6,7 @@
 #include <QMouseEvent>
 #include <QPalette>
 #include <QPlainTextEdit>
+#include <QScreen>
 #include <QTextDocument>
 #include <QWidget>
 
@@ -105,6 +106,16 @@ void setBackground(QWidget* w, const QColor& colour) {
     p.setColor(QPalette::Window, colour);
     w->setPalette(p);
     w->setAutoFillBackground(true);
+}
+
+void placeCentred(QWidget* window, QPoint centre) {
+    QPoint at = centre - window->rect().center();
+    if (const QScreen* screen = window->screen()) {
+        const QRect free = screen->availableGeometry();
+        at.setX(qMax(free.left(), qMin(at.x(), free.right() + 1 - window->width())));
+        at.setY(qMax(free.top(), qMin(at.y(), free.bottom() + 1 - window->height())));
+    }
+    window->move(at);
 }
 
 }  // namespace kelpa::qt

@@ -65,6 +65,11 @@ QFont monospaceFont(double pointSize);
 // so that captions fit the places made for them.
 QFont formFont();
 
+// Puts a window with its centre on `centre`, but never with its top-left
+// corner off the screen's free area: a window larger than the screen still
+// shows its title bar and its left edge.
+void placeCentred(QWidget* window, QPoint centre);
+
 // Names a control and puts it at a place given in twips.
 template <typename W>
 W* placed(W* w, const char* name, int left, int top, int width, int height) {

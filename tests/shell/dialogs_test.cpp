@@ -5,6 +5,7 @@
 #include <QElapsedTimer>
 #include <QFrame>
 #include <QMessageBox>
+#include <QScreen>
 
 #include <filesystem>
 
@@ -145,7 +146,11 @@ TEST(AboutDialog, ShowsThePictureAndStartsTheSystemInformation) {
     bin.write("kinfocenter", "#!/bin/sh\n");
     std::filesystem::permissions(bin.path() / "kinfocenter", std::filesystem::perms::owner_all);
     const QByteArray path = qgetenv("PATH");
+    // Over a main window pushed to the screen's corner, the box stays whole on the screen.
+    const QRect free = f.form().screen()->availableGeometry();
+    f.form().move(free.bottomRight() - QPoint(100, 100));
     f.whileOpen<qt::AboutDialog>("CMD_About", [&](qt::AboutDialog* d) {
+        EXPECT_TRUE(free.contains(QRect(d->pos(), d->size()))) << d->x() << "," << d->y();
         EXPECT_FALSE(d->picIcon->pixmap().isNull());
         EXPECT_TRUE(fixedFrame(d));
         EXPECT_TRUE(d->cmdOK->isDefault());

@@ -3,6 +3,7 @@
 // the flags dialog following the core's table both ways.
 #include <gtest/gtest.h>
 
+#include <QScreen>
 #include <QScrollBar>
 
 #include <stdexcept>
@@ -36,6 +37,8 @@ TEST(StartUp, TabsOpenOnTheirFirstPageAndTheCheckBoxesOfThePageSystemSwitchTheCo
     for (const char* name : {"SSTab1", "SSTab2", "ToolsTabs", "InfoTabs"})
         EXPECT_EQ(f.control<qt::TabControl>(name)->currentIndex(), 0) << name;
     EXPECT_TRUE(f.control("t")->isVisible() && !f.control("DBGWindow")->isVisible());
+    // Centred, but a form wider than the screen keeps its title bar on it.
+    EXPECT_TRUE(f.form().screen()->availableGeometry().contains(f.form().pos())) << f.form().pos().x();
     f.form().activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&f.form()));
     EXPECT_EQ(QApplication::focusWidget(), f.control("Text1")) << "typing at start goes to the command line";
