@@ -43,7 +43,8 @@ bool SessionLog::reopen() {
 // Told whatever the debug switch says: a session without its log is
 // something the player must know.
 void SessionLog::lost(const std::string& why) {
-    debug_.tellAlways(why + files_.absolute(path_));
+    // A retry that fails again is the same outage, told once.
+    if (!resumed_) debug_.tellAlways(why + files_.absolute(path_));
     file_.reset();
     failed_ = true;
     retryIn_ = kRetrySeconds;
@@ -52,11 +53,19 @@ void SessionLog::lost(const std::string& why) {
 void SessionLog::close() {
     file_.reset();
     failed_ = false;
+    resumed_ = false;
 }
 
 void SessionLog::print(const std::string& text) {
     if (!file_) return;
-    if (!file_->write(text, "\r\n")) lost("Cannot write the log ");
+    if (!file_->write(text, "\r\n")) {
+        lost("Cannot write the log ");
+    } else if (resumed_) {
+        // Said only once a write has gone through: a full device still
+        // lets the file open.
+        resumed_ = false;
+        debug_.tellAlways("The log " + files_.absolute(path_) + " is written again");
+    }
 }
 
 void SessionLog::checkDayChange(const std::string& shortName) {
@@ -73,7 +82,7 @@ void SessionLog::checkDayChange(const std::string& shortName) {
     } else if (failed_ && --retryIn_ <= 0) {
         if (reopen()) {
             failed_ = false;
-            debug_.tellAlways("The log " + files_.absolute(path_) + " is written again");
+            resumed_ = true;
         } else {
             retryIn_ = kRetrySeconds;
         }

@@ -59,6 +59,8 @@ private:
     // The log should be open but is not; a new try comes in this many ticks.
     bool failed_ = false;
     int retryIn_ = 0;
+    // Open again after a failure, with no write through yet.
+    bool resumed_ = false;
 };
 
 }  // namespace kelpa

@@ -3,11 +3,13 @@
 // refuse writes even to root: a full device and a folder of /proc.
 #include <gtest/gtest.h>
 
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <time.h>
 #include <unistd.h>
 
 #include <chrono>
+#include <csignal>
 #include <filesystem>
 
 #include "support/client_harness.h"
@@ -73,6 +75,11 @@ TEST(Edges, AFullDeviceEndsTheLogAndTheTextStays) {
     const std::string debug = h.debugText();
     EXPECT_NE(debug.find("Cannot write the log " + log.string()), std::string::npos) << debug;
     EXPECT_EQ(debug.find("Cannot write the log"), debug.rfind("Cannot write the log")) << "told once";
+    // A retry opens the device again, but only a write that goes through
+    // says the log is back.
+    for (int i = 0; i < SessionLog::kRetrySeconds; ++i) h.c.as_timer_Timer();
+    h.receive("still full\r\n");
+    EXPECT_EQ(h.debugText(), debug) << "neither back nor told again";
 
     std::filesystem::remove(log);  // room again
     for (int i = 0; i < SessionLog::kRetrySeconds; ++i) h.c.as_timer_Timer();
@@ -91,6 +98,21 @@ TEST(Edges, AFullDeviceEndsTheLogAndTheTextStays) {
     h.c.as_timer_Timer();
     h.receive("after\r\n");
     EXPECT_EQ(h.fp.folder.read("logs/mud/H.20261124.txt"), "after\r\n\r\n");  // never the endless device
+
+    // A device that takes part of a record: the part is taken back, and the
+    // log goes on with whole lines once there is room.
+    rlimit was{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &was), 0);
+    const auto ignored = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit small = was;
+    small.rlim_cur = 9 + 4;
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+    h.receive("torn line\r\n");
+    setrlimit(RLIMIT_FSIZE, &was);
+    std::signal(SIGXFSZ, ignored);
+    for (int i = 0; i < SessionLog::kRetrySeconds; ++i) h.c.as_timer_Timer();
+    h.receive("whole\r\n");
+    EXPECT_EQ(h.fp.folder.read("logs/mud/H.20261124.txt"), "after\r\n\r\nwhole\r\n\r\n");
 }
 
 TEST(Edges, TheTriggerEditorInAFolderThatRefusesFilesSaysWhyAndKeepsTheText) {
