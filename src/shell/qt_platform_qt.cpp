@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QDate>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QTime>
@@ -12,6 +13,8 @@
 
 #include <cerrno>
 
+#include <fcntl.h>
+#include <sys/file.h>  // flock
 #include <sys/mman.h>  // memfd_create
 #include <unistd.h>
 
@@ -32,9 +35,17 @@ QString QtHost::lockFilePath() {
     return QDir::temp().filePath(QStringLiteral("kelpa-%1.lock").arg(getuid()));
 }
 
-QtHost::QtHost() : lock_(std::make_unique<QLockFile>(lockFilePath())) {
-    lock_->setStaleLockTime(0);
-    previous_ = !lock_->tryLock(0);
+QtHost::QtHost() : lockFd_(::open(QFile::encodeName(lockFilePath()).constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600)) {
+    if (lockFd_ < 0) return;
+    previous_ = ::flock(lockFd_, LOCK_EX | LOCK_NB) != 0;
+    // Shared from now on, so that the next one sees this one. A Kelpa
+    // starting at this very moment holds its exclusive try only briefly; a
+    // lock held for good by anything else is not waited for.
+    for (int tries = 0; tries < 20 && ::flock(lockFd_, LOCK_SH | LOCK_NB) != 0; ++tries) ::usleep(1000);
+}
+
+QtHost::~QtHost() {
+    if (lockFd_ >= 0) ::close(lockFd_);
 }
 
 void QtHost::attach(QWidget* window, QWidget* commandLine) {

@@ -2,7 +2,6 @@
 // random source, the program's folder and the window as host.
 #pragma once
 
-#include <QLockFile>
 #include <QPointer>
 
 #include <filesystem>
@@ -27,6 +26,9 @@ public:
 class QtHost : public Host {
 public:
     QtHost();
+    ~QtHost() override;
+    QtHost(const QtHost&) = delete;
+    QtHost& operator=(const QtHost&) = delete;
     // The window that hides and shows, and the box that takes the focus.
     void attach(QWidget* window, QWidget* commandLine);
 
@@ -46,8 +48,10 @@ public:
 private:
     QPointer<QWidget> window_;
     QPointer<QWidget> commandLine_;
-    // Held while this program runs; a second one finds it taken.
-    std::unique_ptr<QLockFile> lock_;
+    // Every running Kelpa holds a shared lock on the file while it runs; one
+    // that cannot take it alone knows another is running, whichever started
+    // first and whichever has ended since.
+    int lockFd_ = -1;
     bool previous_ = false;
 };
 

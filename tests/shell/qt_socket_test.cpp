@@ -4,12 +4,14 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
+#include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include <arpa/inet.h>
 #include <fcntl.h>
 #include <netinet/in.h>
+#include <sys/file.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -134,12 +136,27 @@ TEST(QtSocket, AConnectCancelledWhileUnderWayNeverReportsItself) {
     ::close(server);
 }
 
-TEST(QtHost, TheLockFileLivesInTheUsersRuntimeFolder) {
+TEST(QtHost, TheLockFileLivesInTheUsersRuntimeFolderAndTellsAnyOtherRunningKelpa) {
     const QByteArray saved = qgetenv("XDG_RUNTIME_DIR");
     QTemporaryDir runtime;
     const QString elsewhere = QDir::temp().filePath(QStringLiteral("kelpa-%1.lock").arg(getuid()));
     qputenv("XDG_RUNTIME_DIR", runtime.path().toLocal8Bit());
     EXPECT_EQ(qt::QtHost::lockFilePath(), QDir(runtime.path()).filePath("kelpa.lock"));
+    {
+        // A third Kelpa sees the second, though the first has ended.
+        auto first = std::make_unique<qt::QtHost>();
+        EXPECT_FALSE(first->previousInstance());
+        qt::QtHost second;
+        first.reset();
+        qt::QtHost third;
+        EXPECT_EQ(std::pair(second.previousInstance(), third.previousInstance()), std::pair(true, true));
+    }
+    EXPECT_FALSE(qt::QtHost().previousInstance()) << "all ended";
+    // A lock that something else holds for good is not waited for.
+    const int held = ::open(QFile::encodeName(qt::QtHost::lockFilePath()).constData(), O_RDWR);
+    ASSERT_EQ(::flock(held, LOCK_EX), 0);
+    EXPECT_TRUE(qt::QtHost().previousInstance());
+    ::close(held);
     qunsetenv("XDG_RUNTIME_DIR");
     EXPECT_EQ(qt::QtHost::lockFilePath(), elsewhere);
     qputenv("XDG_RUNTIME_DIR", "/no/such/folder");
