@@ -1,5 +1,6 @@
 #include "history/history_page_qt.h"
 
+#include <QApplication>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -87,11 +88,15 @@ HistoryPage::HistoryPage(const Controls& controls, HistoryViews& views, Guard gu
         guard_("SSTab2_Click", [&] { views_.pager.SSTab2_Click(tab); });
     });
     views_.search.showHistoryPage = [this] {
+        // A long seek lets the player go on meanwhile: keys typed elsewhere
+        // by then stay where they are typed.
+        const QWidget* focus = QApplication::focusWidget();
+        const bool stillHere = !focus || focus == Tseek || focus == BSeek;
         seeking_ = true;
         c_.SSTab1->setCurrentIndex(0);
         c_.SSTab2->setCurrentIndex(HistoryPager::kHistoryTab);
         seeking_ = false;
-        c_.HistT->setFocus();
+        if (stillHere) c_.HistT->setFocus();
     };
     c_.HistT->installEventFilter(this);
 }

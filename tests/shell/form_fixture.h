@@ -88,6 +88,7 @@ struct FormFixture {
         QTest::keyClicks(control(box), text);
     }
     void enter(const char* box, const QString& line) {
+        control(box)->setFocus();
         QTest::keyClicks(control(box), line);
         QTest::keyClick(control(box), Qt::Key_Return);
     }

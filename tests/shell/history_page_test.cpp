@@ -92,6 +92,18 @@ TEST(HistoryPage, SeekShowsTheLineOnTheHistoryPageAndFilterListsThem) {
     f.click("BFilter");
     auto* HistView = f.form().outputWindow(kHistView);
     EXPECT_EQ(HistView->lineText(0) + "|" + HistView->lineText(2), "2 lines hold \"Dragon\"|A DRAGON wakes.");
+    // A seek through a long run: the player who went back to the command
+    // line meanwhile keeps typing there when the line is found.
+    std::string filler;
+    for (int i = 0; i < 700000; ++i) filler += "filler line\r\n";
+    f.form().client().parts().history.append(filler + "The dragon returns.\r\n" + numberedLines(1, 40));
+    f.form().tabs()->setCurrentIndex(6);
+    f.control<QLineEdit>("Tseek")->setText("returns");
+    f.click("BSeek");  // past the end, round to the top and through the filler
+    EXPECT_NE(HistT->lineText(0), "The dragon returns.") << "still seeking";
+    f.control("Text1")->setFocus();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return HistT->lineText(0) == "The dragon returns."; }, 10000));
+    EXPECT_TRUE(f.control("Text1")->hasFocus());
 }
 
 }  // namespace
