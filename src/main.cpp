@@ -64,8 +64,8 @@ int main(int argc, char** argv) {
         return 1;
     }
 
-    auto form = kelpa::qt::MainForm::createOn(std::make_unique<kelpa::qt::QtPlatform>(path));
-    form->client().startupNote(kelpa::programFolderNote(path.string(), folder.reason));
+    auto form = kelpa::qt::MainForm::createOn(std::make_unique<kelpa::qt::QtPlatform>(path),
+                                              kelpa::programFolderNote(path.string(), folder.reason));
     form->syncFromCore();
     form->show();
     if (arguments.contains(QString::fromLatin1(kQuitAfterStart))) {

@@ -34,7 +34,7 @@ namespace {
 constexpr int kFrameMs = 17;
 }  // namespace
 
-MainForm::MainForm(Platform& platform, QWidget* parent)
+MainForm::MainForm(Platform& platform, QWidget* parent, const std::string& startupNote)
     : QWidget(parent), client_(platform), pacer_(kFrameMs) {
     setObjectName(QStringLiteral("MainForm"));
     setWindowTitle(QStringLiteral("Kelpa"));
@@ -62,6 +62,7 @@ MainForm::MainForm(Platform& platform, QWidget* parent)
     clock_.start();
     connect(&refresh_, &QTimer::timeout, this, &MainForm::syncFromCore);
 
+    if (!startupNote.empty()) client_.startupNote(startupNote);
     guarded("Form_Load", [&] { client_.Form_Load(); });
     syncFromCore();
     connectControls();
@@ -75,9 +76,9 @@ std::unique_ptr<MainForm> MainForm::createForThisSystem() {
     return createOn(std::make_unique<QtPlatform>());
 }
 
-std::unique_ptr<MainForm> MainForm::createOn(std::unique_ptr<QtPlatform> platform) {
+std::unique_ptr<MainForm> MainForm::createOn(std::unique_ptr<QtPlatform> platform, const std::string& startupNote) {
     QtPlatform& p = *platform;
-    auto form = std::make_unique<MainForm>(p.platform);
+    auto form = std::make_unique<MainForm>(p.platform, nullptr, startupNote);
     MainForm* f = form.get();
     f->ownPlatform_ = std::move(platform);
     p.host.attach(f, f->Text1_);

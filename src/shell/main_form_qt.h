@@ -43,14 +43,16 @@ struct QtPlatform;
 class MainForm : public QWidget {
     Q_OBJECT
 public:
-    // Runs the core's start-up; the timers start with it.
-    explicit MainForm(Platform& platform, QWidget* parent = nullptr);
+    // Runs the core's start-up; the timers start with it. The start-up note
+    // is the debug window's first line, before anything the start-up says.
+    explicit MainForm(Platform& platform, QWidget* parent = nullptr, const std::string& startupNote = {});
     ~MainForm() override;
 
     // The window over the real socket, clock and program folder.
     static std::unique_ptr<MainForm> createForThisSystem();
     // The same over a given platform, such as one rooted in another folder.
-    static std::unique_ptr<MainForm> createOn(std::unique_ptr<QtPlatform> platform);
+    static std::unique_ptr<MainForm> createOn(std::unique_ptr<QtPlatform> platform,
+                                              const std::string& startupNote = {});
     QtPlatform* qtPlatform() const { return ownPlatform_.get(); }
 
     Client& client() { return client_; }

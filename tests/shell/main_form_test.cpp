@@ -6,11 +6,14 @@
 #include <QScreen>
 #include <QScrollBar>
 
+#include <filesystem>
+#include <memory>
 #include <stdexcept>
 
 #include "command/bulk_dialog_qt.h"
 #include "form_fixture.h"
 #include "output/output_view_qt.h"
+#include "shell/qt_platform_qt.h"
 #include "sites/site_book.h"
 #include "toolkit/widget_kit_qt.h"
 #include "triggers/flags_form_qt.h"
@@ -42,6 +45,15 @@ TEST(StartUp, TabsOpenOnTheirFirstPageAndTheCheckBoxesOfThePageSystemSwitchTheCo
     f.form().activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&f.form()));
     EXPECT_EQ(QApplication::focusWidget(), f.control("Text1")) << "typing at start goes to the command line";
+    {
+        // The program's folder heads the debug window, before what the
+        // start-up finds wrong in it (a site book that cannot be read).
+        TempFolder folder;
+        std::filesystem::create_directory(folder.path() / "CONN.ZIG");
+        const auto form = qt::MainForm::createOn(std::make_unique<qt::QtPlatform>(folder.path().string()), "Program folder: x");
+        const std::string debug(form->client().parts().windows.text[kDebugWindow].text());
+        EXPECT_TRUE(debug.starts_with("Program folder: x\r\nCannot read the site book")) << debug;
+    }
     f.clickTab("SSTab1", 1);
     EXPECT_TRUE(f.control("DBGWindow")->isVisible() && !f.control("t")->isVisible());
     for (const char* box : {"IG", "CT", "DebugInfo"}) f.control<QCheckBox>(box)->click();
