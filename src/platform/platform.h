@@ -116,6 +116,9 @@ public:
     // letters in any case (Heal.TRIGGER), sorted.
     virtual std::vector<std::string> list(const std::string& folder,
                                           const std::string& suffix) const = 0;
+    // Every name in a folder, files and folders alike; for hints only, so a
+    // file system with nothing to say gives none.
+    virtual std::vector<std::string> entries(const std::string& /*folder*/) const { return {}; }
     // The full path, for messages and for the shell.
     virtual std::string absolute(const std::string& path) const = 0;
     // Why the last failed write failed, in words, for a message box.

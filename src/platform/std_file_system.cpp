@@ -240,6 +240,14 @@ std::vector<std::string> StdFileSystem::list(const std::string& folder,
     return names;
 }
 
+std::vector<std::string> StdFileSystem::entries(const std::string& folder) const {
+    std::vector<std::string> names;
+    std::error_code ec;
+    for (const auto& entry : std::filesystem::directory_iterator(full(folder), ec))
+        names.push_back(programName(entry.path().filename().string()));
+    return names;
+}
+
 std::string StdFileSystem::absolute(const std::string& path) const { return programName(full(path).string()); }
 
 }  // namespace kelpa

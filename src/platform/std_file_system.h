@@ -20,6 +20,7 @@ public:
     bool writeAll(const std::string& path, const std::string& bytes) override;
     std::vector<std::string> list(const std::string& folder,
                                   const std::string& suffix) const override;
+    std::vector<std::string> entries(const std::string& folder) const override;
     std::string absolute(const std::string& path) const override;
     std::string lastError() const override { return lastError_; }
 

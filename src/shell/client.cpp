@@ -1,6 +1,9 @@
 #include "shell/client.h"
 
+#include "command/macro_runner.h"
 #include "common/numbers.h"
+#include "common/text.h"
+#include "sites/site_book.h"
 
 namespace kelpa {
 
@@ -54,6 +57,7 @@ void Client::Form_Load() {
     p_.flags.reset();
     p_.platform.random.seed(static_cast<std::uint32_t>(p_.platform.clock.secondsSinceMidnight()));
     reloadSites();
+    tellOtherCaseNames();
     p_.historyViews.browser.brefresh_Click();
     p_.triggerEditor.brefresh2_Click();
     p_.macroEditor.brefresh3_Click();
@@ -76,6 +80,19 @@ void Client::reloadSites() {
         const std::string why = files.lastError();
         p_.debug.tellAlways("Cannot read the site book " + files.absolute(kSiteBookFile) +
                             (why.empty() ? "" : ": " + why));
+    }
+}
+
+// Names count case here. A player who copied `Triggers` or `conn.zig` from
+// a case-blind system is told why they are not read.
+void Client::tellOtherCaseNames() {
+    FileSystem& files = p_.platform.files;
+    const std::vector<std::string> present = files.entries("");
+    for (const std::string name : {kSiteBookFile, TriggerStore::kNormalFolder, TriggerStore::kGlobalFolder,
+                                   MacroRunner::kFolder, "logs"}) {
+        for (const std::string& other : present)
+            if (other != name && other.size() == name.size() && endsWithIgnoringCase(other, name))
+                p_.debug.tellAlways("Names count case: there is " + other + ", which is not " + name);
     }
 }
 

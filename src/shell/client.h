@@ -152,6 +152,7 @@ public:
 
 private:
     void reloadSites();
+    void tellOtherCaseNames();
 
     ClientParts p_;
 };

@@ -5,6 +5,7 @@
 // directions, the recall file checked by the same timer).
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <functional>
 #include <new>
 #include <stdexcept>
@@ -258,4 +259,20 @@ TEST(ReceiveRoad, ATelnetSequenceCutByAReadWaitsForTheNextReadOnly) {
         EXPECT_EQ(next.fp.socket.sent, answer) << cut;
         EXPECT_EQ(next.window(kMainWindow), "bye " + std::string("\0ANSI\0", 6) + "Welcome") << cut;
     }
+}
+
+// A site book or a folder copied from a case-blind system in another case is
+// not read, and the start-up says so.
+TEST(StartUp, NamesThatDifferOnlyInCaseAreTold) {
+    ClientHarness h(/*connected=*/false, /*debugOn=*/false);
+    h.fp.folder.write("conn.zig", "");
+    for (const char* folder : {"Triggers", "macros", "GTRIGGERS", "Logs.old"})
+        std::filesystem::create_directory(h.fp.folder.path() / folder);
+    h.c.Form_Load();
+    const std::string debug = h.debugText();
+    for (const char* told : {"conn.zig, which is not CONN.ZIG\r\n", "Triggers, which is not triggers\r\n",
+                             "GTRIGGERS, which is not gtriggers\r\n"})
+        EXPECT_NE(debug.find(std::string("Names count case: there is ") + told), std::string::npos) << told << debug;
+    EXPECT_EQ(debug.find("there is macros"), std::string::npos) << debug;
+    EXPECT_EQ(debug.find("Logs"), std::string::npos) << debug;
 }
