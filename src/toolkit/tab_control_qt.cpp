@@ -100,7 +100,10 @@ void TabControl::paintTabs(QPainter& p) {
         QFont f = font();
         f.setBold(selected);
         p.setFont(f);
-        p.drawText(r.adjusted(2, 2, -2, 0), Qt::AlignCenter | Qt::TextSingleLine, captions_.value(i));
+        // A caption wider than its tab keeps its beginning, not its middle.
+        const QRect room = r.adjusted(2, 2, -2, 0);
+        p.drawText(room, Qt::AlignCenter | Qt::TextSingleLine,
+                   p.fontMetrics().elidedText(captions_.value(i), Qt::ElideRight, room.width()));
     }
 }
 

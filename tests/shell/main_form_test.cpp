@@ -15,6 +15,7 @@
 #include "output/output_view_qt.h"
 #include "shell/qt_platform_qt.h"
 #include "sites/site_book.h"
+#include "toolkit/tab_control_qt.h"
 #include "toolkit/widget_kit_qt.h"
 #include "triggers/flags_form_qt.h"
 
@@ -59,6 +60,22 @@ TEST(StartUp, TabsOpenOnTheirFirstPageAndTheCheckBoxesOfThePageSystemSwitchTheCo
     for (const char* box : {"IG", "CT", "DebugInfo"}) f.control<QCheckBox>(box)->click();
     const ClientParts& c = f.form().client().parts();
     EXPECT_TRUE(!c.windows.Graphics && !c.pipeline.CleanerText && c.debug.enabled);
+}
+
+// A caption longer than its tab (a long #LABELWINDOW) shows its beginning.
+TEST(TabControl, ALongCaptionShowsItsBeginning) {
+    qt::TabControl tabs(QStringLiteral("tabs"), QColor(128, 128, 128), 4);
+    for (int i = 0; i < 4; ++i) tabs.addPage(QStringLiteral("page"));
+    tabs.resize(400, 60);
+    tabs.show();
+    auto picture = [&](const QString& caption) {
+        tabs.setTabCaption(1, caption);
+        QCoreApplication::processEvents();
+        return tabs.grab(tabs.tabRect(1)).toImage();
+    };
+    // Digits share one width: only the first one differs.
+    const QString rest(40, u'0');
+    EXPECT_NE(picture(u'1' + rest), picture(u'7' + rest));
 }
 
 // Without a mouse: Ctrl+Tab steps through the main tabs, Ctrl+PageDown
