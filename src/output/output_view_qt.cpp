@@ -392,8 +392,19 @@ void OutputView::mouseMoveEvent(QMouseEvent* e) {
 }
 
 void OutputView::mouseReleaseEvent(QMouseEvent* e) {
-    if (e->button() == Qt::LeftButton) dragScroll_->stop();
+    if (e->button() == Qt::LeftButton) {
+        dragScroll_->stop();
+        offerSelection();
+    }
     QAbstractScrollArea::mouseReleaseEvent(e);
+}
+
+// What is selected is the X selection too, as in every X program: a middle
+// click in the command line pastes it.
+void OutputView::offerSelection() const {
+    QClipboard* clipboard = QApplication::clipboard();
+    if (!clipboard->supportsSelection()) return;
+    if (const QString s = selectedText(); !s.isEmpty()) clipboard->setText(s, QClipboard::Selection);
 }
 
 void OutputView::dragScrollTick() {
@@ -418,6 +429,7 @@ void OutputView::mouseDoubleClickEvent(QMouseEvent* e) {
     anchor_ = {at.line, a};
     caret_ = {at.line, b};
     selecting_ = false;
+    offerSelection();
     viewport()->update();
 }
 
@@ -443,6 +455,7 @@ void OutputView::keyPressEvent(QKeyEvent* e) {
         ensureLaidOut();
         anchor_ = {};
         caret_ = lines_.empty() ? Pos{} : Pos{static_cast<int>(lines_.size()) - 1, static_cast<int>(lines_.back().text.size())};
+        offerSelection();
         viewport()->update();
         return;
     }

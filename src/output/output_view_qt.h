@@ -72,6 +72,7 @@ private:
     int visibleRows() const;
     Pos posAt(const QPoint& p) const;
     void dragScrollTick();
+    void offerSelection() const;
     // The row's text in its runs' colours, or all of it in `pen`.
     void paintRow(QPainter& p, const Row& row, int y, const QColor* pen = nullptr);
     void paintSelection(QPainter& p, const Row& row, int y);
