@@ -28,6 +28,7 @@ MacroPage::MacroPage(MacroEditor& editor, Runner run, QWidget* page)
     const QFont small = monospaceFont(8.25);
     placed(new QLabel(QStringLiteral("Label"), page), nullptr, 120, 480, 960, 285);
     txtMacrosLabel = placed(new QLineEdit(page), "txtMacrosLabel", 1080, 480, 4560, 285);
+    oneLineBox(txtMacrosLabel);
     txtMacrosLabel->setFont(small);
     placed(new QLabel(QStringLiteral("Commands"), page), nullptr, 120, 840, 960, 285);
     txtMacrosCommands = placed(new QPlainTextEdit(page), "txtMacrosCommands", 1080, 840, 4560, 4935);

@@ -62,6 +62,7 @@ HistoryPage::HistoryPage(const Controls& controls, HistoryViews& views, Guard gu
 
     Tseek = new QLineEdit(page);
     Tseek->setObjectName(QStringLiteral("Tseek"));
+    oneLineBox(Tseek);
     BSeek = commandButton("BSeek", "Seek", page);
     BFilter = commandButton("BFilter", "Filter", page);
     brefresh = commandButton("brefresh", "Refresh", page);

@@ -24,6 +24,7 @@ namespace {
 QLineEdit* textBox(const char* name, const std::string& text, QWidget* parent) {
     auto* t = new QLineEdit(toQString(text), parent);
     t->setObjectName(QString::fromLatin1(name));
+    oneLineBox(t);
     return t;
 }
 

@@ -184,8 +184,10 @@ void MainForm::connectControls() {
             [this](int i) { guarded("CB_Connections_Click", [&] { client_.CB_Connections_Click(i); }); });
     for (auto [box, change] : {std::pair{Site_, &Client::Site_Change}, {PPort_, &Client::PPort_Change},
                                {SPort_, &Client::SPort_Change}})
-        connect(box, &QLineEdit::textEdited, this, [this, change](const QString& t) {
-            guarded("TextBox_Change", [&] { (client_.*change)(toCoreBytes(t)); });
+        // What the box holds once it has taken the edit: a pasted line break
+        // is a blank by then.
+        connect(box, &QLineEdit::textEdited, this, [this, box, change] {
+            guarded("TextBox_Change", [&] { (client_.*change)(toCoreBytes(box->text())); });
         });
     connect(CMD_CONNECT_, &QPushButton::clicked, this,
             [this] { guarded("CMD_CONNECT_Click", [&] { client_.CMD_CONNECT_Click(); }); });
@@ -301,7 +303,7 @@ bool MainForm::eventFilter(QObject* watched, QEvent* e) {
 }
 
 void MainForm::Text1_Enter() {
-    const std::string text = toCoreBytes(Text1_->text());
+    const std::string text = commandLineText(Text1_);
     guarded("Text1_KeyPress", [&] { client_.Text1_Enter(text); });
     // Only now: the box keeps its text while the command runs.
     Text1_->clear();

@@ -79,7 +79,9 @@ void SiteManagerDialog::build() {
 
     const int x = 2880, w = 5430, half = 2655;
     auto box = [this](const char* name, int left, int top, int width) {
-        return placed(new QLineEdit(this), name, left, top, width, 285);
+        QLineEdit* line = placed(new QLineEdit(this), name, left, top, width, 285);
+        oneLineBox(line);
+        return line;
     };
     caption("Server Name", x, 120, w, this);
     TXT_SiteName = box("TXT_SiteName", x, 345, w);

@@ -33,6 +33,25 @@ std::string boxText(const QPlainTextEdit* box) {
 
 void setBoxText(QPlainTextEdit* box, std::string_view core) { box->setPlainText(toQString(replaceAll(core, kCrLf, "\n"))); }
 
+std::string commandLineText(const QLineEdit* box) {
+    QString text = box->text();
+    text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+    text.replace(QLatin1Char('\r'), QLatin1Char('\n'));
+    return replaceAll(toCoreBytes(text), "\n", kCrLf);
+}
+
+void oneLineBox(QLineEdit* box) {
+    QObject::connect(box, &QLineEdit::textEdited, box, [box](const QString& text) {
+        if (!text.contains(QLatin1Char('\n')) && !text.contains(QLatin1Char('\r'))) return;
+        QString one = text;
+        one.replace(QStringLiteral("\r\n"), QStringLiteral(" "));
+        one.replace(QLatin1Char('\r'), QLatin1Char(' ')).replace(QLatin1Char('\n'), QLatin1Char(' '));
+        const int at = box->cursorPosition() - static_cast<int>(text.size() - one.size());
+        box->setText(one);
+        box->setCursorPosition(at);
+    });
+}
+
 void setLineText(QLineEdit* box, std::string_view core) {
     if (toCoreBytes(box->text()) == core) return;
     box->setText(toQString(core));

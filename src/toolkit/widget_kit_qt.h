@@ -51,6 +51,14 @@ void setBoxText(QPlainTextEdit* box, std::string_view core);
 // that typing is not disturbed), with the caret at the start: a value longer
 // than the box shows its beginning, not its end.
 void setLineText(QLineEdit* box, std::string_view core);
+// A command line's text as the core takes it: the line breaks of a pasted
+// text (LF from this desktop, CR LF or CR from elsewhere) become CR LF, so
+// that each line runs as its own command, as in the Bulk box.
+std::string commandLineText(const QLineEdit* box);
+// A one-line box that holds a name, a host or a number: a line break pasted
+// into it becomes a blank, as the box shows it, since what it holds has no
+// room for one (a site's field in CONN.ZIG would break the file).
+void oneLineBox(QLineEdit* box);
 // The ways of a multi-line text box: long lines fold at its width, as in
 // text boxes with at most a vertical scroll bar (the text itself keeps its
 // line breaks), and Tab moves on to the next control instead of typing a

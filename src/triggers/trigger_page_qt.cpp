@@ -27,6 +27,7 @@ TriggerPage::TriggerPage(QWidget* page, TriggerEditor& editor, Guard guard)
     : QObject(page), page_(page), editor_(editor), guard_(std::move(guard)) {
     caption(page, "Label", 120, 480);
     txtTRGLabel_ = placed(new QLineEdit(page), "txtTRGLabel", 840, 480, 4800, 285);
+    oneLineBox(txtTRGLabel_);
     caption(page, "Flags", 120, 840);
     TxtTrgFlags_ = placed(new QPlainTextEdit(page), "TxtTrgFlags", 840, 840, 4800, 1215);
     caption(page, "Body", 120, 2160);

@@ -30,9 +30,12 @@ TEST(ConnectionBar, PickingASiteFillsTheBoxesAndConnectUsesWhatTheBoxesHold) {
     QTest::keyClick(f.control("CB_Connections"), Qt::Key_Down);
     f.form().syncFromCore();
     EXPECT_EQ(f.text("Site") + " " + f.text("SPort"), "beta.example 0");
-    f.retype("PPort", "6001");
+    // A port copied from a web page comes with its line end.
+    f.control<QLineEdit>("PPort")->selectAll();
+    f.control<QLineEdit>("PPort")->insert(QStringLiteral("6001\n"));
+    EXPECT_EQ(f.text("PPort"), "6001 ");
     f.click("CMD_CONNECT");
-    EXPECT_EQ(f.fake.socket.connects, std::vector<std::string>{"beta.example:6001"});
+    EXPECT_EQ(f.fake.socket.connects, std::vector<std::string>{"beta.example:6001 "});  // the socket trims
     EXPECT_TRUE(!f.control("CMD_CONNECT")->isEnabled() && f.control("CMD_DISCONNECT")->isEnabled());
 }
 
@@ -129,6 +132,11 @@ TEST(CommandLine, EnterSendsTheWholeLineInTheCodePageEscapeHidesAndAFailureIsTol
     text1->end(false);
     f.enter("Text1", "ab");  // typing goes on past any length
     EXPECT_EQ(f.fake.socket.sent, "look\r\n\r\nsay caf\xE9 \x80" "5 ?\r\n" + line + "ab\r\n");
+    // A pasted list of commands runs line by line, whatever its line ends.
+    f.fake.socket.sent.clear();
+    text1->insert(QStringLiteral("say a\nsay b\r\nsay c\rsay d\n"));
+    QTest::keyClick(text1, Qt::Key_Return);
+    EXPECT_EQ(f.fake.socket.sent, "say a\r\nsay b\r\nsay c\r\nsay d\r\n");
 
     QTest::keyClicks(text1, "north");
     QTest::keyClick(text1, Qt::Key_Escape);
