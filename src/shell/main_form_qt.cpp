@@ -42,7 +42,10 @@ MainForm::MainForm(Platform& platform, QWidget* parent, const std::string& start
     setBackground(this, QColor(128, 128, 128));
     setFont(formFont());
     resize(px(kFormInnerWidth), px(kFormInnerHeight));
-    if (const QScreen* s = screen()) placeCentred(this, s->availableGeometry().center());
+    if (const QScreen* s = screen()) {
+        resize(sizeOnScreen(size(), s->availableGeometry()));
+        placeCentred(this, s->availableGeometry().center());
+    }
 
     buildLeftColumn();
     buildWorkArea();

@@ -127,6 +127,11 @@ void setBackground(QWidget* w, const QColor& colour) {
     w->setAutoFillBackground(true);
 }
 
+QSize sizeOnScreen(QSize wanted, const QRect& free) {
+    constexpr int kTitleBar = 40;
+    return {qMin(wanted.width(), free.width()), qMin(wanted.height(), qMax(1, free.height() - kTitleBar))};
+}
+
 void placeCentred(QWidget* window, QPoint centre) {
     QPoint at = centre - window->rect().center();
     if (const QScreen* screen = window->screen()) {

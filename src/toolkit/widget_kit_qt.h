@@ -77,6 +77,10 @@ QFont formFont();
 // corner off the screen's free area: a window larger than the screen still
 // shows its title bar and its left edge.
 void placeCentred(QWidget* window, QPoint centre);
+// The size a window opens at on a screen with `free` room: what it wants, but
+// no larger than the room, less the height of a title bar, so that a small
+// screen at a large scale still shows the bottom of the window.
+QSize sizeOnScreen(QSize wanted, const QRect& free);
 
 // Names a control and puts it at a place given in twips.
 template <typename W>

@@ -46,6 +46,10 @@ TEST(StartUp, TabsOpenOnTheirFirstPageAndTheCheckBoxesOfThePageSystemSwitchTheCo
     EXPECT_TRUE(f.control("t")->isVisible() && !f.control("DBGWindow")->isVisible());
     // Centred, but a form wider than the screen keeps its title bar on it.
     EXPECT_TRUE(f.form().screen()->availableGeometry().contains(f.form().pos())) << f.form().pos().x();
+    // A small screen at a large scale (1024x600 at 1.25) still shows the
+    // command line under the title bar; a large one leaves the size alone.
+    EXPECT_EQ(qt::sizeOnScreen({802, 520}, {0, 0, 819, 480}), QSize(802, 440));
+    EXPECT_EQ(qt::sizeOnScreen({802, 520}, {0, 0, 1280, 984}), QSize(802, 520));
     f.form().activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&f.form()));
     EXPECT_EQ(QApplication::focusWidget(), f.control("Text1")) << "typing at start goes to the command line";
