@@ -30,12 +30,21 @@ public:
         do n = ::writev(fd_, parts, 2);
         while (n < 0 && errno == EINTR);
         if (n == want) return true;
-        // A full device took part of the record: take that part back, so
-        // that the log holds whole records and the next one, once there is
-        // room again, does not go on from the middle of a line.
+        if (n <= 0) return false;
+        // Part of the record went: a signal may have cut the call short, so
+        // the rest is tried once.
+        std::string rest = std::string(text).append(more).substr(static_cast<std::size_t>(n));
+        ssize_t m;
+        do m = ::write(fd_, rest.data(), rest.size());
+        while (m < 0 && errno == EINTR);
+        if (m == static_cast<ssize_t>(rest.size())) return true;
+        // A full device: take back what went, so that the log holds whole
+        // records and the next one, once there is room again, does not go
+        // on from the middle of a line.
+        const ssize_t went = n + (m > 0 ? m : 0);
         struct stat st {};
-        if (n > 0 && ::fstat(fd_, &st) == 0 && S_ISREG(st.st_mode) && st.st_size >= n) {
-            [[maybe_unused]] const int cut = ::ftruncate(fd_, st.st_size - n);
+        if (::fstat(fd_, &st) == 0 && S_ISREG(st.st_mode) && st.st_size >= went) {
+            [[maybe_unused]] const int cut = ::ftruncate(fd_, st.st_size - went);
         }
         return false;
     }
