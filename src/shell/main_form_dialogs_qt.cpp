@@ -13,11 +13,15 @@ void MainForm::CMD_SaveConnection_Click() {
     }
     guardedCall("CMD_SaveConnection_Click", [this] { client_.SiteManagerClosed(); });
     syncFromCore();
+    // Typing goes on in the command line, as after Bulk and Flags, not on
+    // the button that opened the dialog.
+    focusCommandLine();
 }
 
 void MainForm::CMD_About_Click() {
     AboutDialog dialog(this);
     dialog.exec();
+    focusCommandLine();
 }
 
 }  // namespace kelpa::qt

@@ -105,6 +105,7 @@ TEST(SiteManagerDialog, AFailedSaveKeepsTheDialogAndEscapeDiscards) {
     FormFixture f;
     f.fake.folder.write("CONN.ZIG", kOldBook);
     std::filesystem::create_directory(f.fake.folder.path() / "CONN.ZIG.tmp");
+    f.pressedByThePlayer("CMD_SaveConnection");
     f.whileOpen<SiteManager>("CMD_SaveConnection", [&](SiteManager* d) {
         EXPECT_TRUE(fixedFrame(d));
         d->SitesList->setCurrentRow(0);
@@ -127,6 +128,7 @@ TEST(SiteManagerDialog, AFailedSaveKeepsTheDialogAndEscapeDiscards) {
     });
     EXPECT_EQ(f.fake.folder.read("CONN.ZIG"), kOldBook);
     EXPECT_EQ(f.control<QComboBox>("CB_Connections")->count(), 1);
+    EXPECT_EQ(f.form().focusWidget(), f.control("Text1")) << "typing goes on in the command line";
 }
 
 TEST(QtHost, BoxesShowTheirTextAsTypedAndDeletionDefaultsToNo) {
@@ -149,6 +151,7 @@ TEST(AboutDialog, ShowsThePictureAndStartsTheSystemInformation) {
     // Over a main window pushed to the screen's corner, the box stays whole on the screen.
     const QRect free = f.form().screen()->availableGeometry();
     f.form().move(free.bottomRight() - QPoint(100, 100));
+    f.pressedByThePlayer("CMD_About");
     f.whileOpen<qt::AboutDialog>("CMD_About", [&](qt::AboutDialog* d) {
         EXPECT_TRUE(free.contains(QRect(d->pos(), d->size()))) << d->x() << "," << d->y();
         EXPECT_FALSE(d->picIcon->pixmap().isNull());
@@ -168,6 +171,7 @@ TEST(AboutDialog, ShowsThePictureAndStartsTheSystemInformation) {
         EXPECT_EQ(shown.toStdString(), kSysInfoUnavailable) << "a start that fails is told";
         QTest::keyClick(d, Qt::Key_Escape);
     });
+    EXPECT_EQ(f.form().focusWidget(), f.control("Text1")) << "typing goes on in the command line";
 }
 
 }  // namespace

@@ -87,6 +87,12 @@ struct FormFixture {
         control<QLineEdit>(box)->selectAll();
         QTest::keyClicks(control(box), text);
     }
+    // The window active and the button in focus, as a click leaves them.
+    void pressedByThePlayer(const char* button) {
+        form().activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&form()));
+        control(button)->setFocus();
+    }
     void enter(const char* box, const QString& line) {
         control(box)->setFocus();
         QTest::keyClicks(control(box), line);
