@@ -24,21 +24,24 @@ QString toQString(std::string_view bytes) {
 
 std::string toCoreBytes(const QString& text) { return toBytes(text.toStdU32String()); }
 
-std::string boxText(const QPlainTextEdit* box) {
-    QString raw = box->document()->toRawText();
-    raw.replace(QChar::ParagraphSeparator, QLatin1Char('\n'));
-    raw.replace(QChar::LineSeparator, QLatin1Char('\n'));
-    return replaceAll(toCoreBytes(raw), "\n", kCrLf);
+namespace {
+
+// A text from a box or the desktop with its line breaks, whichever they are
+// (LF, CR LF, CR, or a document's paragraph and line separators), as CR LF.
+std::string withCrLf(QString text) {
+    text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+    for (const QChar br : {QChar(u'\r'), QChar(QChar::ParagraphSeparator), QChar(QChar::LineSeparator)})
+        text.replace(br, QLatin1Char('\n'));
+    return replaceAll(toCoreBytes(text), "\n", kCrLf);
 }
+
+}  // namespace
+
+std::string boxText(const QPlainTextEdit* box) { return withCrLf(box->document()->toRawText()); }
 
 void setBoxText(QPlainTextEdit* box, std::string_view core) { box->setPlainText(toQString(replaceAll(core, kCrLf, "\n"))); }
 
-std::string commandLineText(const QLineEdit* box) {
-    QString text = box->text();
-    text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
-    text.replace(QLatin1Char('\r'), QLatin1Char('\n'));
-    return replaceAll(toCoreBytes(text), "\n", kCrLf);
-}
+std::string commandLineText(const QLineEdit* box) { return withCrLf(box->text()); }
 
 void oneLineBox(QLineEdit* box) {
     QObject::connect(box, &QLineEdit::textEdited, box, [box](const QString& text) {
