@@ -277,9 +277,10 @@ void MainForm::startTimers() {
 
 namespace {
 
-// A key that types into a line: a character, Enter or Backspace, without
-// Ctrl, Alt or Meta (those stay with the window: Ctrl+C copies).
+// A key that types into a line: a character, Enter, Backspace or a paste;
+// other keys with Ctrl, Alt or Meta stay with the window (Ctrl+C copies).
 bool typedText(const QKeyEvent& k) {
+    if (k.matches(QKeySequence::Paste)) return true;
     if (k.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) return false;
     const int key = k.key();
     if (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Backspace) return true;

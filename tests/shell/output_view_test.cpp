@@ -2,6 +2,7 @@
 // the end, and how often a flood repaints.
 #include <gtest/gtest.h>
 
+#include <QClipboard>
 #include <QElapsedTimer>
 #include <QImage>
 #include <QScreen>
@@ -175,7 +176,7 @@ TEST(OutputView, ASelectionCopiesTheTextAcrossLines) {
 
 // The mouse and keys on an output window: a double click takes a word,
 // Shift+click and a drag past the bottom move the far end, Ctrl+A takes
-// everything, and letters typed there land in the command line.
+// everything, and letters typed or pasted there land in the command line.
 TEST(OutputView, SelectingAndTypingAsPlayersKnowThem) {
     FormFixture f;
     print(f, numberedLines(1, 60) + "\x1B[1;34mthe blue dragon\x1B[0m");
@@ -208,6 +209,10 @@ TEST(OutputView, SelectingAndTypingAsPlayersKnowThem) {
     EXPECT_EQ(f.control<QLineEdit>("Text1")->text(), "look");
     EXPECT_TRUE(f.control("Text1")->hasFocus());
     EXPECT_FALSE(t->selectedText().isEmpty()) << "Ctrl+A stayed with the window";
+    QApplication::clipboard()->setText(" north");
+    t->setFocus();
+    QTest::keyClick(t, Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(f.control<QLineEdit>("Text1")->text(), "look north") << "a paste goes to the command line";
 }
 
 // Pictures that must match: a soft hyphen draws as the hyphen in its own
