@@ -1,7 +1,5 @@
 #include "shell/qt_socket_qt.h"
 
-#include <QTimer>
-
 #include <fcntl.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
@@ -17,12 +15,20 @@
 
 namespace kelpa::qt {
 
-QtSocket::QtSocket(QObject* parent) : QObject(parent) {
+QtSocket::QtSocket(QObject* parent, int connectTimeoutMs) : QObject(parent) {
     // Qt reads little ahead: a flood waits in the kernel and slows the
     // sender down instead of piling up in memory, and reaches the core
     // with one copy.
     socket_.setReadBufferSize(kQtBuffer);
+    connectTimer_.setSingleShot(true);
+    connectTimer_.setInterval(connectTimeoutMs);
+    QObject::connect(&connectTimer_, &QTimer::timeout, this, [this] {
+        if (!connecting()) return;
+        socket_.abort();
+        fail(10060, QStringLiteral("Connection timed out"));
+    });
     QObject::connect(&socket_, &QTcpSocket::connected, this, [this] {
+        connectTimer_.stop();
         // Answers and typed lines are a few bytes each: they leave at once,
         // not when the server has acknowledged the one before.
         socket_.setSocketOption(QAbstractSocket::LowDelayOption, 1);
@@ -44,6 +50,7 @@ void QtSocket::connect(const std::string& host, const std::string& port) {
     closing_ = false;
     reset_ = false;
     dataWaits_ = false;
+    connectTimer_.stop();
     socket_.abort();
     releaseWatch();
     const int p = portNumber(port);
@@ -52,20 +59,28 @@ void QtSocket::connect(const std::string& host, const std::string& port) {
         QTimer::singleShot(0, this, [this] { fail(10049, QStringLiteral("Address not available")); });
         return;
     }
+    // Blanks around a name, invisible in the box, would fail its lookup.
+    const std::string name = trimBlanks(host);
     inConnectCall_ = true;
-    socket_.connectToHost(QString::fromLatin1(host.data(), static_cast<qsizetype>(host.size())),
+    socket_.connectToHost(QString::fromLatin1(name.data(), static_cast<qsizetype>(name.size())),
                           static_cast<quint16>(p));
     inConnectCall_ = false;
+    if (connecting()) connectTimer_.start();
+}
+
+bool QtSocket::connecting() const {
+    const auto state = socket_.state();
+    return state == QAbstractSocket::HostLookupState || state == QAbstractSocket::ConnectingState;
 }
 
 void QtSocket::close() {
     open_ = false;
     closing_ = false;
     dataWaits_ = false;
+    connectTimer_.stop();
     // A connect still under way is given up; Qt's close would let it
     // finish and report it first.
-    const auto state = socket_.state();
-    if (state == QAbstractSocket::HostLookupState || state == QAbstractSocket::ConnectingState)
+    if (connecting())
         socket_.abort();
     else
         socket_.close();

@@ -4,6 +4,7 @@
 
 #include <QObject>
 #include <QTcpSocket>
+#include <QTimer>
 
 #include "platform/platform.h"
 
@@ -20,7 +21,10 @@ public:
     // What Qt itself reads ahead. The rest waits in the kernel and is read
     // straight into the chunk, without passing through Qt's buffer.
     static constexpr qint64 kQtBuffer = 4 * 1024;
-    explicit QtSocket(QObject* parent = nullptr);
+    // A connect that has not stood after this long fails with 10060, as on
+    // Windows, rather than after the kernel's two minutes of retries.
+    static constexpr int kConnectTimeoutMs = 30000;
+    explicit QtSocket(QObject* parent = nullptr, int connectTimeoutMs = kConnectTimeoutMs);
     ~QtSocket() override;
 
     void connect(const std::string& host, const std::string& port) override;
@@ -67,8 +71,10 @@ private:
     // Whether the server's end came as a reset (RST) rather than a close.
     bool peerReset() const;
     void releaseWatch();
+    bool connecting() const;
 
     QTcpSocket socket_;
+    QTimer connectTimer_;
     // A second descriptor of the connection, kept so that its TCP state can
     // still be read once Qt has closed its own: Qt reports a reset as a
     // plain close.
