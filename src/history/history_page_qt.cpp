@@ -63,6 +63,9 @@ HistoryPage::HistoryPage(const Controls& controls, HistoryViews& views, Guard gu
     Tseek = new QLineEdit(page);
     Tseek->setObjectName(QStringLiteral("Tseek"));
     oneLineBox(Tseek);
+    // A seek that finds nothing tints the box until its text changes: the
+    // debug window that also says so is off at start.
+    connect(Tseek, &QLineEdit::textChanged, this, [this] { showSeekFailed(false); });
     BSeek = commandButton("BSeek", "Seek", page);
     BFilter = commandButton("BFilter", "Filter", page);
     brefresh = commandButton("brefresh", "Refresh", page);
@@ -140,6 +143,15 @@ void HistoryPage::runSearch() {
         searcher_.start();
     else
         searcher_.stop();
+    showSeekFailed(views_.search.seekFailed());
+}
+
+void HistoryPage::showSeekFailed(bool failed) {
+    if (failed == Tseek->property("seekFailed").toBool()) return;
+    Tseek->setProperty("seekFailed", failed);
+    QPalette p = Tseek->palette();
+    p.setColor(QPalette::Base, failed ? QColor(255, 200, 200) : QApplication::palette(Tseek).color(QPalette::Base));
+    Tseek->setPalette(p);
 }
 
 void HistoryPage::sync() {

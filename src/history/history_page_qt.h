@@ -59,6 +59,7 @@ private:
     void BSeek_Click();
     void BFilter_Click();
     void runSearch();
+    void showSeekFailed(bool failed);
 
     Controls c_;
     HistoryViews& views_;

@@ -8,7 +8,6 @@
 #include <emmintrin.h>
 #endif
 
-#include "common/run_error.h"
 #include "common/text.h"
 #include "output/telnet.h"
 
@@ -43,6 +42,42 @@ std::size_t telnetLength(const unsigned char* p, const unsigned char* end) {
             if (q[0] == 255 && q[1] == 240) return static_cast<std::size_t>(q + 2 - p);
     }
     return n;
+}
+
+// A line as Filter shows it: its text and colours, nothing that acts.
+// Telnet commands (an IAC DO 24 would answer the server), cursor and
+// erase codes (ESC [2J would wipe the list) and sequences without their
+// final letter go; colour codes and a doubled IAC stay.
+std::string shownLine(std::string_view raw) {
+    std::string out;
+    out.reserve(raw.size());
+    const auto* p = reinterpret_cast<const unsigned char*>(raw.data());
+    const unsigned char* const end = p + raw.size();
+    while (p < end) {
+        const unsigned char* q = p;
+        while (q < end && *q != 27 && *q != 255) ++q;
+        out.append(reinterpret_cast<const char*>(p), static_cast<std::size_t>(q - p));
+        if (q == end) break;
+        if (*q == 255) {
+            const bool doubled = q + 1 < end && q[1] == 255;
+            if (doubled) out.append("\xFF\xFF");
+            p = doubled ? q + 2 : q + telnetLength(q, end);
+            continue;
+        }
+        // As the search reads it: up to the first final; with none, only
+        // the ESC goes.
+        const unsigned char* f = q + 1;
+        while (f < end && !kFinal[*f]) ++f;
+        if (f == end) {
+            p = q + 1;
+            continue;
+        }
+        const bool colour = *f == 'm' && f - q >= 2 && q[1] == '[' &&
+                            std::all_of(q + 2, f, [](unsigned char c) { return (c >= '0' && c <= '9') || c == ';'; });
+        if (colour) out.append(reinterpret_cast<const char*>(q), static_cast<std::size_t>(f + 1 - q));
+        p = f + 1;
+    }
+    return out;
 }
 
 }  // namespace
@@ -105,6 +140,9 @@ void VisibleLines::fold(std::string_view raw, std::size_t rawStart) {
             const unsigned char* q = p + 1;
             while (q < end && !kFinal[*q] && !(*q == '\r' && q + 1 < end && q[1] == '\n')) ++q;
             p = (q < end && kFinal[*q]) ? q + 1 : p + 1;
+        } else if (b == 255 && p + 1 < end && p[1] == 255) {
+            *o++ = static_cast<char>(foldCase1252(255));  // shown as one 255
+            p += 2;
         } else if (b == 255) {
             p += telnetLength(p, end);
         } else {
@@ -131,6 +169,7 @@ std::size_t VisibleLines::lineOf(std::size_t k) const {
 
 void HistorySearch::start(Kind kind, std::string_view text) {
     kind_ = Kind::None;
+    seekFailed_ = false;
     ranges_.clear();
     kept_.clear();
     keptBytes_ = 0;
@@ -233,6 +272,7 @@ bool HistorySearch::step() {
 void HistorySearch::endSeek(bool found, std::size_t lineStart) {
     kind_ = Kind::None;
     ranges_.clear();
+    seekFailed_ = !found;
     if (!found) {
         debug_.DebugLog("Seek: no line holds \"" + text_ + "\"");
         return;
@@ -247,26 +287,18 @@ void HistorySearch::endFilter() {
     OutputWindow& view = windows_.text[kHistView];
     view.clear();
     windows_.state[kHistView].StartLen = 0;
+    // A 255 typed into the box shows as itself, not as a telnet command.
+    std::string typed;
+    for (const char c : text_) typed.append(c == '\xFF' ? 2 : 1, c);
     std::string heading = decimal(static_cast<long long>(matches_)) + (matches_ == 1 ? " line holds \"" : " lines hold \"") +
-                          text_ + "\"";
+                          typed + "\"";
     if (kept_.size() < matches_) heading += ", the newest " + decimal(static_cast<long long>(kept_.size())) + " shown";
-    heading += kCrLf;
-    // Each line stands alone, as it was searched: a sequence left open at
-    // its end does not swallow the start of the next.
-    auto print = [&](const std::string& line) {
-        windows_.state[kHistView].Pending.clear();
-        try {
-            writer_.W_Print(line, kHistView);
-        } catch (const RunError&) {
-            // A broken sequence ends that line only.
-        }
-    };
-    print(heading);
+    writer_.W_Print(heading + std::string(kCrLf), kHistView);
     // Every line starts from the plain colours, not from the heading's or
     // the line before it.
     for (const Range& line : kept_)
-        print("\x1b[0m" + history_.read(line.begin, line.end - line.begin) + std::string(kCrLf));
-    windows_.state[kHistView].Pending.clear();
+        writer_.W_Print("\x1b[0m" + shownLine(history_.read(line.begin, line.end - line.begin)) + std::string(kCrLf),
+                        kHistView);
     kept_.clear();
     keptBytes_ = 0;
 }

@@ -79,6 +79,8 @@ public:
     void BFilter_Click(std::string_view text);
 
     bool running() const { return kind_ != Kind::None; }
+    // The last search was a Seek that found nothing; a new search clears it.
+    bool seekFailed() const { return seekFailed_; }
     // One step of a running search; false once it has ended.
     bool step();
     // Runs the search to its end at once (tests, benches).
@@ -107,6 +109,7 @@ private:
     DebugChannel& debug_;
 
     Kind kind_ = Kind::None;
+    bool seekFailed_ = false;
     std::string text_;    // as typed
     std::string needle_;  // folded
     // What is left to read, in order; the front one goes on at `at_`.

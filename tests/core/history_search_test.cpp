@@ -61,6 +61,9 @@ TEST(HistorySearch, SeekFindsTheNextLineAsThePlayerSawItAndWraps) {
     EXPECT_EQ(t.c.parts().windows.text[kHistT].revision(), shown);
     EXPECT_NE(t.debugText().find("Seek: no line holds \"dragon\""), std::string::npos);
     EXPECT_EQ(t.tabRequests, 6) << "a failed seek shows no page";
+    EXPECT_TRUE(t.s.seekFailed());
+    t.seek("shopkeeper");
+    EXPECT_FALSE(t.s.seekFailed());
 }
 
 TEST(HistorySearch, FilterListsEveryMatchingLineUnderItsCount) {
@@ -89,6 +92,18 @@ TEST(HistorySearch, FilterListsEveryMatchingLineUnderItsCount) {
         u.filter(word);
         EXPECT_EQ(u.window(kHistView).rfind("1 line holds", 0), 0u) << word;
     }
+    // Codes that act (a terminal type request, erase and cursor codes, a
+    // broken sequence) are left out of the list: each line keeps its text
+    // and its row, and nothing reaches the server.
+    u.c.parts().history.append("T1 x\xff\xfd\x18y\r\nT2 keep\r\n\x1b[2JT3 clear\x1b[5;5H!\r\n"
+                               "T4 a\x1bMb\r\nT5 \x1b[1;32mc\xff\xff\x1b[31\r\n");
+    u.filter("T");
+    EXPECT_EQ(u.window(kHistView), "5 lines hold \"T\"\r\nT1 xy\r\nT2 keep\r\nT3 clear!\r\nT4 ab\r\nT5 c\xff[31\r\n");
+    EXPECT_EQ(u.fp.socket.sent, "");
+    EXPECT_EQ(styleAt(u.c.parts().windows.text[kHistView], u.window(kHistView).find("c\xff")).colour,
+              rgb(0, 128, 0) + rgb(127, 127, 127));
+    u.filter("\xff");
+    EXPECT_EQ(u.window(kHistView).substr(0, 20), "1 line holds \"\xff\"\r\nT5");
 }
 
 TEST(HistorySearch, FilterKeepsTheNewestLinesThatFit) {

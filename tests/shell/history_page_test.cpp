@@ -92,6 +92,13 @@ TEST(HistoryPage, SeekShowsTheLineOnTheHistoryPageAndFilterListsThem) {
     f.click("BFilter");
     auto* HistView = f.form().outputWindow(kHistView);
     EXPECT_EQ(HistView->lineText(0) + "|" + HistView->lineText(2), "2 lines hold \"Dragon\"|A DRAGON wakes.");
+    // A seek that finds nothing tints the box until the player edits it.
+    auto* Tseek = f.control<QLineEdit>("Tseek");
+    const QColor plain = Tseek->palette().color(QPalette::Base);
+    f.enter("Tseek", "unicorn");
+    EXPECT_NE(Tseek->palette().color(QPalette::Base), plain);
+    QTest::keyClick(Tseek, Qt::Key_Backspace);
+    EXPECT_EQ(Tseek->palette().color(QPalette::Base), plain);
     // A seek through a long run: the player who went back to the command
     // line meanwhile keeps typing there when the line is found.
     std::string filler;
