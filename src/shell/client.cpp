@@ -75,12 +75,12 @@ void Client::SiteManagerClosed() { reloadSites(); }
 
 void Client::reloadSites() {
     FileSystem& files = p_.platform.files;
-    if (!p_.bar.reload(files, [this](const std::string& w) { p_.debug.DebugLog(w); })) {
-        // Told whatever the debug switch says: the player's sites are missing.
-        const std::string why = files.lastError();
-        p_.debug.tellAlways("Cannot read the site book " + files.absolute(kSiteBookFile) +
-                            (why.empty() ? "" : ": " + why));
-    }
+    const SiteBookRead read = p_.bar.reload(files, [this](const std::string& w) { p_.debug.DebugLog(w); });
+    if (read == SiteBookRead::Read) return;
+    // Told whatever the debug switch says: the player's sites are missing.
+    const std::string why = files.lastError();
+    p_.debug.tellAlways((read == SiteBookRead::NotMade ? "Cannot create the site book " : "Cannot read the site book ") +
+                        files.absolute(kSiteBookFile) + (why.empty() ? "" : ": " + why));
 }
 
 // Names count case here. A player who copied `Triggers` or `conn.zig` from

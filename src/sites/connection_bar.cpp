@@ -14,8 +14,8 @@ void ConnectionBar::CB_Connections_Click(int index) {
     CurrentSite = s;
 }
 
-bool ConnectionBar::reload(FileSystem& files, const SiteWarning& warn) {
-    const bool read = LoadSites(files, Sites, warn);
+SiteBookRead ConnectionBar::reload(FileSystem& files, const SiteWarning& warn) {
+    const SiteBookRead read = LoadSites(files, Sites, warn);
     items.clear();
     listIndex = -1;
     if (Sites.empty()) return read;

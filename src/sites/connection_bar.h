@@ -29,8 +29,7 @@ struct ConnectionBar {
     void CB_Connections_Click(int index);
 
     // Reads the site book again, fills the list and selects the first site.
-    // False when the book stands there but cannot be read.
-    bool reload(FileSystem& files, const SiteWarning& warn = {});
+    SiteBookRead reload(FileSystem& files, const SiteWarning& warn = {});
 
     // The site selected in the list, if any.
     const SiteRecord* selected() const;

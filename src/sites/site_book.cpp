@@ -89,12 +89,15 @@ std::string formatSites(const std::vector<SiteRecord>& sites) {
     return out;
 }
 
-bool LoadSites(FileSystem& files, std::vector<SiteRecord>& sites, const SiteWarning& warn) {
-    if (!files.exists(kSiteBookFile)) files.writeAll(kSiteBookFile, "");
+SiteBookRead LoadSites(FileSystem& files, std::vector<SiteRecord>& sites, const SiteWarning& warn) {
+    if (!files.exists(kSiteBookFile) && !files.writeAll(kSiteBookFile, "")) {
+        sites.clear();
+        return SiteBookRead::NotMade;
+    }
     std::string text;
-    if (!files.readAll(kSiteBookFile, text)) return false;
+    if (!files.readAll(kSiteBookFile, text)) return SiteBookRead::Unreadable;
     parseSites(text, sites, warn);
-    return true;
+    return SiteBookRead::Read;
 }
 
 bool SaveSites(FileSystem& files, const std::vector<SiteRecord>& sites) {

@@ -33,9 +33,15 @@ void parseSites(std::string_view text, std::vector<SiteRecord>& sites,
                 const SiteWarning& warn = {});
 std::string formatSites(const std::vector<SiteRecord>& sites);
 
-// Creates an empty CONN.ZIG if there is none, then reads it. False when a
-// book stands there but cannot be read; `sites` is then left as it was.
-bool LoadSites(FileSystem& files, std::vector<SiteRecord>& sites, const SiteWarning& warn = {});
+enum class SiteBookRead {
+    Read,
+    // There was none and none could be made (a read-only folder): no sites.
+    NotMade,
+    // A book stands there but cannot be read; `sites` is left as it was.
+    Unreadable,
+};
+// Creates an empty CONN.ZIG if there is none, then reads it.
+SiteBookRead LoadSites(FileSystem& files, std::vector<SiteRecord>& sites, const SiteWarning& warn = {});
 // Writes the whole book; false if the file could not be written.
 bool SaveSites(FileSystem& files, const std::vector<SiteRecord>& sites);
 

@@ -12,7 +12,7 @@ SiteManager::SiteManager(FileSystem& files) : files_(files) {}
 
 void SiteManager::Form_Load() {
     loadProblem_.clear();
-    if (!LoadSites(files_, Sites)) {
+    if (LoadSites(files_, Sites) == SiteBookRead::Unreadable) {
         const std::string reason = files_.lastError();
         loadProblem_ = "Cannot read the site book " + files_.absolute(kSiteBookFile) +
                        (reason.empty() ? "" : ": " + reason) +

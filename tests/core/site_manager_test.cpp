@@ -4,10 +4,13 @@
 
 #include <tuple>
 
+#include "shell/client.h"
 #include "sites/site_manager.h"
+#include "support/fakes.h"
 #include "support/memory_file_system.h"
 
 using namespace kelpa;
+using kelpa::test::FakePlatform;
 using kelpa::test::MemoryFileSystem;
 
 namespace {
@@ -78,7 +81,10 @@ TEST(SiteManager, DeleteKeepsTheLastSiteAndSelectsTheEntryInTheDeletedPlace) {
     }
 }
 
-TEST(SiteManager, ABookThatCannotBeReadIsNeverReplaced) {
+// A book that stands there but cannot be read is never replaced; one that
+// is missing and cannot be made (a read-only folder) is no book: no sites,
+// and a save tries and says why it failed.
+TEST(SiteManager, ABookThatCannotBeReadIsNeverReplacedAndOneThatCannotBeMadeIsNone) {
     MemoryFileSystem files;
     files.folders.insert(kSiteBookFile);  // there, but no file to read
     SiteManager m{files};
@@ -89,4 +95,19 @@ TEST(SiteManager, ABookThatCannotBeReadIsNeverReplaced) {
     m.CMD_SiteAdd_Click();
     EXPECT_EQ(m.OKButton_Click(), m.loadProblem() + " The file is unchanged.");
     EXPECT_EQ(files.files.count(kSiteBookFile), 0u);
+
+    MemoryFileSystem readOnly;
+    readOnly.readOnly = true;
+    std::vector<SiteRecord> sites{site("old")};
+    EXPECT_EQ(LoadSites(readOnly, sites), SiteBookRead::NotMade);
+    EXPECT_TRUE(sites.empty());
+    SiteManager n{readOnly};
+    n.Form_Load();
+    EXPECT_EQ(n.loadProblem(), "");
+    EXPECT_EQ(n.OKButton_Click(), "Cannot save the site book mem:/CONN.ZIG. The file is unchanged.");
+    FakePlatform fp;
+    Platform platform{fp.socket, fp.clock, fp.random, readOnly, fp.host};
+    Client c{platform};
+    c.Form_Load();
+    EXPECT_EQ(c.parts().windows.text[kDebugWindow].text(), "Cannot create the site book mem:/CONN.ZIG\r\n");
 }

@@ -22,10 +22,12 @@ public:
     }
     bool remove(const std::string& path) override { return files.erase(path) != 0; }
     bool createDirectories(const std::string& path) override {
+        if (readOnly) return false;
         folders.insert(path);
         return true;
     }
     std::unique_ptr<AppendFile> openAppend(const std::string& path) override {
+        if (readOnly) return nullptr;
         const auto slash = path.rfind('/');
         if (slash != std::string::npos && folders.count(path.substr(0, slash)) == 0) return nullptr;
         files[path];
@@ -38,7 +40,7 @@ public:
         return true;
     }
     bool writeAll(const std::string& path, const std::string& bytes) override {
-        if (!room(bytes.size())) return false;
+        if (readOnly || !room(bytes.size())) return false;
         used += bytes.size();
         files[path] = bytes;
         return true;
@@ -61,6 +63,8 @@ public:
     // Bytes the disk takes in all; writes beyond fail.
     std::size_t capacity = static_cast<std::size_t>(-1);
     std::size_t used = 0;
+    // Nothing can be made or written (a read-only mount).
+    bool readOnly = false;
     // Appends are counted but not kept (a sink for long benches).
     bool keepAppends = true;
 
