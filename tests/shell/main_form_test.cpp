@@ -198,6 +198,7 @@ TEST(FlagsForm, KeywordsShowWhileOpenAndClicksReachTheNextKeyword) {
     ASSERT_TRUE(QTest::qWaitForWindowActive(&f.form()));
     qt::FlagsForm* flags = f.form().flagsForm();
     f.click("BTN_Flags");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return flags->focusWidget() == flags->TRGFLAG(0); }, 2000));
     // Types a line; the mirrors follow within a frame.
     const auto type = [&](const char* line, auto shown) {
         f.enter("Text1", line);
