@@ -109,6 +109,9 @@ private:
 QLabel* label(QWidget* parent, const QString& name, const QColor& colour, int left, int top, int width) {
     auto* l = new QLabel(parent);
     l->setTextFormat(Qt::PlainText);  // the server's words, never markup
+    // From the top, as labels of the form toolkit are: a value of two lines
+    // shows its first whole rather than half of each.
+    l->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     if (!name.isEmpty()) l->setObjectName(name);
     l->setGeometry(pxRect(left, top, width, kRow));
     QPalette p = l->palette();

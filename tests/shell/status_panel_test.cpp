@@ -38,6 +38,15 @@ TEST(StatusPanelView, MouseOnThePanel) {
     PanelFixture f;
     f.receive(F24 + "1,23,abc" + I25 + "1,24,<b>x</b>" + I25 + F26);
     EXPECT_EQ(f.cell<QLabel>(24)->textFormat(), Qt::PlainText) << "the server's words are never markup";
+    // A value of two lines shows its first line where a value of one does.
+    const auto firstRows = [&] {
+        const QImage shot = f.cell(23)->grab().toImage();
+        return shot.copy(0, 0, shot.width(), shot.height() / 2);
+    };
+    const QImage one = firstRows();
+    f.receive(F24 + "1,23,abc\r\ndef" + I25 + F26);
+    EXPECT_EQ(firstRows(), one);
+    f.receive(F24 + "1,23,abc" + I25 + F26);
     QMouseEvent move(QEvent::MouseMove, QPointF(2, 2), QPointF(2, 2), Qt::NoButton, Qt::NoButton, Qt::NoModifier);
     QApplication::sendEvent(f.cell(23), &move);
     f.form().syncFromCore();
