@@ -459,6 +459,12 @@ void OutputView::keyPressEvent(QKeyEvent* e) {
         viewport()->update();
         return;
     }
+    // Home and End (with Ctrl too) go to the first and the last row.
+    if (e->key() == Qt::Key_Home || e->key() == Qt::Key_End) {
+        QScrollBar* bar = verticalScrollBar();
+        bar->setValue(e->key() == Qt::Key_Home ? bar->minimum() : bar->maximum());
+        return;
+    }
     QAbstractScrollArea::keyPressEvent(e);
 }
 

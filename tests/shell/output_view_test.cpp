@@ -202,6 +202,10 @@ TEST(OutputView, SelectingAndTypingAsPlayersKnowThem) {
     EXPECT_TRUE(t->selectedText().startsWith("line 1\nline 2\n"));
     EXPECT_GT(t->selectedText().count('\n'), rows + 1);
 
+    QTest::keyClick(t, Qt::Key_End, Qt::ControlModifier);
+    EXPECT_EQ(t->verticalScrollBar()->value(), t->verticalScrollBar()->maximum());
+    QTest::keyClick(t, Qt::Key_Home);
+    EXPECT_EQ(t->verticalScrollBar()->value(), 0);
     QTest::keyClick(t, Qt::Key_A, Qt::ControlModifier);
     EXPECT_TRUE(t->selectedText().startsWith("line 1\n") && t->selectedText().endsWith("the blue dragon"));
     t->setFocus();
