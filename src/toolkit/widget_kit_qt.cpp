@@ -94,6 +94,14 @@ void FileList::mouseDoubleClickEvent(QMouseEvent* e) {
     if (onDoubleClick) onDoubleClick(under.isValid() ? under.row() : -1);
 }
 
+void FileList::keyPressEvent(QKeyEvent* e) {
+    if ((e->key() == Qt::Key_Return || e->key() == Qt::Key_Enter) && onDoubleClick) {
+        onDoubleClick(currentRow());
+        return;
+    }
+    QListWidget::keyPressEvent(e);
+}
+
 QFont monospaceFont(double pointSize) {
     QFont f(QStringLiteral("DejaVu Sans Mono"));
     f.setStyleHint(QFont::TypeWriter, QFont::PreferMatch);

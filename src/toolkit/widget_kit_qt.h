@@ -113,6 +113,8 @@ public:
 
 protected:
     void mouseDoubleClickEvent(QMouseEvent* e) override;
+    // Enter opens the current entry, as a double click does.
+    void keyPressEvent(QKeyEvent* e) override;
 };
 
 // A check box that takes a click anywhere in its rectangle, not only on

@@ -141,7 +141,8 @@ TEST(ToolPages, DoubleClickBesideTheEntriesEmptiesTheBoxes) {
 
 // Keys and mouse as players know them: a double click of another button
 // than the left does nothing, the entry opened stays marked, Tab leaves a
-// box without typing a tab, and Enter presses the button that has the focus.
+// box without typing a tab, Enter presses the button that has the focus and
+// opens the entry of a list that has it.
 TEST(ToolPages, KeysAndButtonsAsPlayersKnowThem) {
     ToolsFixture f;
     f.form().activateWindow();
@@ -171,6 +172,13 @@ TEST(ToolPages, KeysAndButtonsAsPlayersKnowThem) {
         QTest::keyClick(button, Qt::Key_Return);
         f.form().syncFromCore();
         EXPECT_NE(f.text(body), opened) << list << ": the template is back";
+        const QString fresh = f.text(body);
+        entries->setFocus();
+        QTest::keyClick(entries, Qt::Key_Up);
+        QTest::keyClick(entries, Qt::Key_Return);
+        f.form().syncFromCore();
+        EXPECT_EQ(entries->currentRow(), 0) << list;
+        EXPECT_NE(f.text(body), fresh) << list << ": Enter opens the entry";
     }
 }
 
