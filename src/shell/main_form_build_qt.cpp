@@ -40,7 +40,7 @@ QCheckBox* checkBox(const char* name, const char* caption, bool on, QWidget* par
 }  // namespace
 
 void MainForm::buildLeftColumn() {
-    CB_Connections_ = new QComboBox(this);
+    CB_Connections_ = new DropDownList(this);
     CB_Connections_->setObjectName(QStringLiteral("CB_Connections"));
     CB_Connections_->setEditable(false);
     Site_ = textBox("Site", client_.connectionBar().Site, this);

@@ -1,5 +1,6 @@
 #include "toolkit/widget_kit_qt.h"
 
+#include <QAbstractItemView>
 #include <QFontDatabase>
 #include <QFontInfo>
 #include <QKeyEvent>
@@ -92,6 +93,14 @@ void FileList::mouseDoubleClickEvent(QMouseEvent* e) {
     if (e->button() != Qt::LeftButton) return;
     const QModelIndex under = indexAt(e->position().toPoint());
     if (onDoubleClick) onDoubleClick(under.isValid() ? under.row() : -1);
+}
+
+void DropDownList::showPopup() {
+    QComboBox::showPopup();
+    QWidget* popup = view()->window();
+    const int most = std::max(width(), window()->width() / 2);
+    if (popup->width() <= most) return;
+    popup->setGeometry(mapToGlobal(QPoint(0, 0)).x(), popup->y(), most, popup->height());
 }
 
 void FileList::keyPressEvent(QKeyEvent* e) {

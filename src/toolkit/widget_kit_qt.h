@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QCheckBox>
+#include <QComboBox>
 #include <QColor>
 #include <QFont>
 #include <QLineEdit>
@@ -115,6 +116,15 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* e) override;
     // Enter opens the current entry, as a double click does.
     void keyPressEvent(QKeyEvent* e) override;
+};
+
+// A drop-down list whose open list is at most half its window wide (or its
+// own width): a very long entry shows its beginning rather than spreading
+// the list over the whole screen.
+class DropDownList : public QComboBox {
+public:
+    using QComboBox::QComboBox;
+    void showPopup() override;
 };
 
 // A check box that takes a click anywhere in its rectangle, not only on

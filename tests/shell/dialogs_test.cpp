@@ -2,6 +2,7 @@
 // folder, with the reload after it closes, and About.
 #include <gtest/gtest.h>
 
+#include <QAbstractItemView>
 #include <QElapsedTimer>
 #include <QFrame>
 #include <QMessageBox>
@@ -99,6 +100,17 @@ TEST(SiteManagerDialog, TabOrderAndSavedSitesInTheBarAfterCloseWithTheFirstSelec
     EXPECT_EQ(f.text("Site"), "old.org") << "the first site overwrites what was typed";
     EXPECT_EQ(f.control<QLineEdit>("Site")->cursorPosition(), 0);
     EXPECT_EQ(f.form().findChild<SiteManager*>(), nullptr) << "the next opening is a fresh dialog";
+
+    // A very long name does not spread the open list over the screen.
+    f.fake.folder.write("CONN.ZIG", "SITE=" + std::string(300, 'x') + kOldBook.substr(8));
+    f.form().client().SiteManagerClosed();
+    f.form().syncFromCore();
+    list->showPopup();
+    const QWidget* popup = list->view()->window();
+    EXPECT_TRUE(popup->isVisible());
+    EXPECT_LE(popup->width(), f.form().width() / 2);
+    EXPECT_EQ(popup->x(), list->mapToGlobal(QPoint(0, 0)).x());
+    list->hidePopup();
 }
 
 TEST(SiteManagerDialog, AFailedSaveKeepsTheDialogAndEscapeDiscards) {
