@@ -30,21 +30,27 @@ constexpr std::array<bool, 256> kFinal = [] {
     return t;
 }();
 
+// Whether a line ends at p: CR LF, or with `loneLf` a LF alone too.
+bool lineEndAt(const unsigned char* p, const unsigned char* end, bool loneLf) {
+    return (*p == '\n' && loneLf) || (*p == '\r' && p + 1 < end && p[1] == '\n');
+}
+
 // How many bytes the telnet sequence at p takes from the line, as the
 // writer takes it; a line break is never part of it. A linemode
 // subnegotiation goes up to its IAC SE when that ends it within the line.
-std::size_t telnetLength(const unsigned char* p, const unsigned char* end) {
+std::size_t telnetLength(const unsigned char* p, const unsigned char* end, bool loneLf) {
     if (end - p < 2) return 1;
     const std::size_t n = iacCommandLength(p[1]);
-    if (n == 3 && (end - p < 3 || p[2] == '\r')) return 2;
+    if (n == 3 && (end - p < 3 || p[2] == '\r' || (loneLf && p[2] == '\n'))) return 2;
     if (p[1] == 250 && p[2] == 34) {
-        for (const unsigned char* q = p + 3; q + 1 < end && !(q[0] == '\r' && q[1] == '\n'); ++q)
+        for (const unsigned char* q = p + 3; q + 1 < end && !lineEndAt(q, end, loneLf); ++q)
             if (q[0] == 255 && q[1] == 240) return static_cast<std::size_t>(q + 2 - p);
     }
     return n;
 }
 
-// A line as Filter shows it: its text and colours, nothing that acts.
+// A line as Filter shows it: its text and colours, nothing that acts or
+// shows nothing.
 // Telnet commands (an IAC DO 24 would answer the server), cursor and
 // erase codes (ESC [2J would wipe the list) and sequences without their
 // final letter go; colour codes and a doubled IAC stay.
@@ -55,13 +61,17 @@ std::string shownLine(std::string_view raw) {
     const unsigned char* const end = p + raw.size();
     while (p < end) {
         const unsigned char* q = p;
-        while (q < end && *q != 27 && *q != 255) ++q;
+        while (q < end && *q != 27 && *q != 255 && *q != '\r') ++q;
         out.append(reinterpret_cast<const char*>(p), static_cast<std::size_t>(q - p));
         if (q == end) break;
+        if (*q == '\r') {  // shows nothing: the rest of a LF CR line end
+            p = q + 1;
+            continue;
+        }
         if (*q == 255) {
             const bool doubled = q + 1 < end && q[1] == 255;
             if (doubled) out.append("\xFF\xFF");
-            p = doubled ? q + 2 : q + telnetLength(q, end);
+            p = doubled ? q + 2 : q + telnetLength(q, end, false);
             continue;
         }
         // As the search reads it: up to the first final; with none, only
@@ -82,7 +92,7 @@ std::string shownLine(std::string_view raw) {
 
 }  // namespace
 
-void VisibleLines::fold(std::string_view raw, std::size_t rawStart) {
+void VisibleLines::fold(std::string_view raw, std::size_t rawStart, bool loneLf) {
     folded_.resize(raw.size() + 1);
     foldedBegins_.clear();
     rawBegins_.clear();
@@ -96,13 +106,15 @@ void VisibleLines::fold(std::string_view raw, std::size_t rawStart) {
     rawBegins_.push_back(rawStart);
     while (p < end) {
 #if defined(__SSE2__)
-        // Sixteen bytes at a time up to the next CR, ESC, IAC or NUL; plain
-        // ASCII is folded in the vector, other letters through the table.
+        // Sixteen bytes at a time up to the next CR, ESC, IAC or NUL (and LF
+        // when it ends lines); plain ASCII is folded in the vector, other
+        // letters through the table.
         if (end - p >= 16) {
             const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-            const __m128i special =
+            const __m128i special = _mm_or_si128(
                 _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(v, _mm_setzero_si128()), _mm_cmpeq_epi8(v, _mm_set1_epi8(13))),
-                             _mm_or_si128(_mm_cmpeq_epi8(v, _mm_set1_epi8(27)), _mm_cmpeq_epi8(v, _mm_set1_epi8(-1))));
+                             _mm_or_si128(_mm_cmpeq_epi8(v, _mm_set1_epi8(27)), _mm_cmpeq_epi8(v, _mm_set1_epi8(-1)))),
+                _mm_cmpeq_epi8(v, _mm_set1_epi8(loneLf ? 10 : 13)));
             const unsigned mask = static_cast<unsigned>(_mm_movemask_epi8(special));
             const int plain = mask == 0 ? 16 : __builtin_ctz(mask);
             const unsigned before = plain == 16 ? 0xFFFFu : (1u << plain) - 1;
@@ -121,16 +133,16 @@ void VisibleLines::fold(std::string_view raw, std::size_t rawStart) {
         }
 #endif
         const unsigned char f = kFold[*p];
-        if (f != 0) {
+        if (f != 0 && !(loneLf && *p == '\n')) {
             *o++ = static_cast<char>(f);
             ++p;
             continue;
         }
         const unsigned char b = *p;
-        if (b == '\r' && p + 1 < end && p[1] == '\n') {
+        if (lineEndAt(p, end, loneLf)) {
             rawEnds_.push_back(rawStart + static_cast<std::size_t>(p - base));
             *o++ = '\n';
-            p += 2;
+            p += b == '\r' ? 2 : 1;
             if (p < end) {
                 foldedBegins_.push_back(static_cast<std::size_t>(o - out));
                 rawBegins_.push_back(rawStart + static_cast<std::size_t>(p - base));
@@ -138,13 +150,13 @@ void VisibleLines::fold(std::string_view raw, std::size_t rawStart) {
         } else if (b == 27) {
             // Up to the first final of the line; with none, only the ESC goes.
             const unsigned char* q = p + 1;
-            while (q < end && !kFinal[*q] && !(*q == '\r' && q + 1 < end && q[1] == '\n')) ++q;
+            while (q < end && !kFinal[*q] && !lineEndAt(q, end, loneLf)) ++q;
             p = (q < end && kFinal[*q]) ? q + 1 : p + 1;
         } else if (b == 255 && p + 1 < end && p[1] == 255) {
             *o++ = static_cast<char>(foldCase1252(255));  // shown as one 255
             p += 2;
         } else if (b == 255) {
-            p += telnetLength(p, end);
+            p += telnetLength(p, end, loneLf);
         } else {
             ++p;  // a lone CR or a NUL shows nothing
         }
@@ -213,16 +225,18 @@ std::string_view HistorySearch::readLines(std::size_t end, std::size_t n) {
     std::size_t got = readMore(0, n);
     if (got < n || at_ + got >= end) return {raw_.data(), got};
     // Whole lines only; a line longer than a step is read on to its end.
+    // Both line ends end in a LF.
+    const std::string_view lineEnd = filtering() ? std::string_view("\n") : kCrLf;
     std::string_view block(raw_.data(), got);
-    std::size_t cut = block.rfind(kCrLf);
+    std::size_t cut = block.rfind(lineEnd);
     while (cut == std::string_view::npos && at_ + got < end) {
         const std::size_t had = got;
         got = readMore(had, std::min(kStepBytes, end - at_ - had));
         if (got == had) break;
         block = std::string_view(raw_.data(), got);
-        cut = block.find(kCrLf, had - 1);
+        cut = block.find(lineEnd, had - 1);
     }
-    return cut == std::string_view::npos ? block : block.substr(0, cut + 2);
+    return cut == std::string_view::npos ? block : block.substr(0, cut + lineEnd.size());
 }
 
 bool HistorySearch::step() {
@@ -240,7 +254,7 @@ bool HistorySearch::step() {
             at_ = r.end;  // nothing more can be read there
             continue;
         }
-        lines_.fold(block, at_);
+        lines_.fold(block, at_, filtering());
         at_ += block.size();
         budget -= std::min(budget, block.size());
         bool stop = false;

@@ -38,8 +38,9 @@ constexpr unsigned char foldCase1252(unsigned char c) {
 class VisibleLines {
 public:
     // `raw` holds whole lines (CR LF between them; the last may lack it);
-    // `rawStart` is the position of raw[0] in the history.
-    void fold(std::string_view raw, std::size_t rawStart);
+    // `rawStart` is the position of raw[0] in the history. With `loneLf` a
+    // LF alone ends a line too, as on the screen.
+    void fold(std::string_view raw, std::size_t rawStart, bool loneLf = false);
     // Calls f(line) for each line that holds `needle` (folded), in order,
     // until f returns false.
     template <typename F>
@@ -101,6 +102,9 @@ private:
     std::string_view readLines(std::size_t end, std::size_t n);
     void endSeek(bool found, std::size_t lineStart);
     void endFilter();
+    // Filter takes its lines as the screen shows them (a lone LF ends one
+    // too); Seek as the History page pages them, by CR LF.
+    bool filtering() const { return kind_ == Kind::Filter; }
 
     HistoryText& history_;
     HistoryPager& pager_;

@@ -102,6 +102,12 @@ TEST(HistorySearch, FilterListsEveryMatchingLineUnderItsCount) {
     EXPECT_EQ(u.fp.socket.sent, "");
     EXPECT_EQ(styleAt(u.c.parts().windows.text[kHistView], u.window(kHistView).find("c\xff")).colour,
               rgb(0, 128, 0) + rgb(127, 127, 127));
+    // A server that ends its lines in LF CR, or in LF alone: each is a line
+    // of its own, as on the screen.
+    Search d;
+    d.c.parts().history.append("ROM one\n\rtwo\n\rROM three\nROM four\r\n");
+    d.filter("rom");
+    EXPECT_EQ(d.window(kHistView), "3 lines hold \"rom\"\r\nROM one\r\nROM three\r\nROM four\r\n");
     u.filter("\xff");
     EXPECT_EQ(u.window(kHistView).substr(0, 20), "1 line holds \"\xff\"\r\nT5");
 }
@@ -118,11 +124,12 @@ TEST(HistorySearch, FilterKeepsTheNewestLinesThatFit) {
     EXPECT_NE(shown.find("hit 1299"), std::string::npos);
 }
 
-// The plain reading: strip sequences line by line, fold, look.
+// The plain reading: cut at every LF (a CR before it is part of the line
+// end, and shows nothing anyway), strip sequences line by line, fold, look.
 std::size_t plainCount(const std::string& run, const std::string& needle) {
     std::size_t count = 0;
-    for (std::size_t begin = 0, end = 0; begin <= run.size(); begin = end + 2) {
-        end = std::min(run.find("\r\n", begin), run.size());
+    for (std::size_t begin = 0, end = 0; begin <= run.size(); begin = end + 1) {
+        end = std::min(run.find('\n', begin), run.size());
         std::string seen;
         for (std::size_t i = begin; i < end; ++i) {
             const std::size_t fin = run[i] == 27 ? run.find_first_of(CsiFinals, i + 1) : run.npos;
@@ -141,11 +148,11 @@ TEST(HistorySearch, FilterCountsAgreeWithThePlainReadingOverManySteps) {
     std::mt19937 rng(7);
     std::string run;
     // Letters and their neighbours in the code ("`" and "{" around a to z).
-    const char* pieces[] = {"orc", "\x1b[1;3", "1m", "O", "R", "C", "\x1b[0m", "\r\n", "\r",
+    const char* pieces[] = {"orc", "\x1b[1;3", "1m", "O", "R", "C", "\x1b[0m", "\r\n", "\r", "\n",
                             "x",   "\xe9",     "\x1b", "z", "{", "`", "@", "Z", "a"};
     while (run.size() < HistorySearch::kStepBytes * 2 + 12345) run += pieces[rng() % std::size(pieces)];
     t.c.parts().history.append(run);
-    for (const std::string needle : {"ORC", "X\xc9", "RX", "Z{", "`A"}) {
+    for (const std::string needle : {"ORC", "X\xc9", "RX", "Z{", "`A", "RC"}) {
         t.filter(needle);
         const std::string shown = t.window(kHistView);
         EXPECT_EQ(shown.substr(0, shown.find(' ')), std::to_string(plainCount(run, needle))) << needle;
