@@ -49,11 +49,10 @@ std::size_t telnetLength(const unsigned char* p, const unsigned char* end, bool 
     return n;
 }
 
-// A line as Filter shows it: its text and colours, nothing that acts or
-// shows nothing.
+// A line as Filter shows it: its text and colours, and nothing that acts.
 // Telnet commands (an IAC DO 24 would answer the server), cursor and
-// erase codes (ESC [2J would wipe the list) and sequences without their
-// final letter go; colour codes and a doubled IAC stay.
+// erase codes (ESC [2J would wipe the list), sequences without their final
+// letter and lone CRs go; colour codes and a doubled IAC stay.
 std::string shownLine(std::string_view raw) {
     std::string out;
     out.reserve(raw.size());
