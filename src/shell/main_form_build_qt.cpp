@@ -97,6 +97,8 @@ void MainForm::buildToolsPage(QWidget* page) {
     ToolsTabs_ = new TabControl(QStringLiteral("ToolsTabs"), palette().color(QPalette::Button), 3, page);
     QWidget* history = ToolsTabs_->addPage(QStringLiteral("History"));
     OutputView* histView = makeView(kHistView, history);
+    // Tab reaches the list of a Filter and a loaded day, to scroll it by key.
+    histView->setFocusPolicy(Qt::StrongFocus);
     historyPage_ = new HistoryPage({history, histView, views_[kHistT], SSTab1_, SSTab2_}, client_.historyViews(),
                                    [this](const char* handler, const std::function<void()>& call) {
                                        guardedCall(handler, call);

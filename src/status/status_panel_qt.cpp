@@ -285,6 +285,10 @@ void StatusPanel::build(QWidget* form) {
     b.gen(InfoTabs->addPage(QStringLiteral("Gen")));
     b.other(InfoTabs->addPage(QStringLiteral("Other")));
     b.dbg(InfoTabs->addPage(QStringLiteral("Dbg")));
+    // Tab reaches the status tabs, so that a player without a mouse can
+    // turn their pages with the arrow keys; a click leaves the focus where
+    // it was.
+    InfoTabs->setFocusPolicy(Qt::TabFocus);
 }
 
 void StatusPanel::listen(StatusModel& model, QWidget* label11, std::function<void()> changed,

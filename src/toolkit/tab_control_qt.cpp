@@ -1,5 +1,6 @@
 #include "toolkit/tab_control_qt.h"
 
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -104,7 +105,33 @@ void TabControl::paintTabs(QPainter& p) {
         const QRect room = r.adjusted(2, 2, -2, 0);
         p.drawText(room, Qt::AlignCenter | Qt::TextSingleLine,
                    p.fontMetrics().elidedText(captions_.value(i), Qt::ElideRight, room.width()));
+        if (selected && hasFocus()) {
+            p.setPen(QPen(p.pen().color(), 1, Qt::DotLine));
+            p.drawRect(room.adjusted(1, 1, -2, -2));
+        }
     }
+}
+
+void TabControl::keyPressEvent(QKeyEvent* e) {
+    switch (e->key()) {
+        case Qt::Key_Left:
+        case Qt::Key_Up: setCurrentIndex(current_ - 1); break;
+        case Qt::Key_Right:
+        case Qt::Key_Down: setCurrentIndex(current_ + 1); break;
+        case Qt::Key_Home: setCurrentIndex(0); break;
+        case Qt::Key_End: setCurrentIndex(count() - 1); break;
+        default: QWidget::keyPressEvent(e); return;
+    }
+}
+
+void TabControl::focusInEvent(QFocusEvent* e) {
+    QWidget::focusInEvent(e);
+    tabRow_->update();
+}
+
+void TabControl::focusOutEvent(QFocusEvent* e) {
+    QWidget::focusOutEvent(e);
+    tabRow_->update();
 }
 
 void TabControl::mousePressEvent(QMouseEvent* e) { clickAt(e->position().toPoint()); }

@@ -40,6 +40,11 @@ signals:
 protected:
     void resizeEvent(QResizeEvent* e) override;
     void mousePressEvent(QMouseEvent* e) override;
+    // With the focus (a control given Tab focus): the arrow keys step
+    // through the tabs, Home and End go to the first and the last.
+    void keyPressEvent(QKeyEvent* e) override;
+    void focusInEvent(QFocusEvent* e) override;
+    void focusOutEvent(QFocusEvent* e) override;
 
 private:
     friend class TabRow;

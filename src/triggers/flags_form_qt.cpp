@@ -29,10 +29,14 @@ FlagsForm::FlagsForm(const FlagTable& flags, std::function<void(int, bool)> setF
     BTN_Close->setGeometry(pxRect(10920, 6810, 1215, 375));
     // Close and Escape only hide: the check boxes keep their state.
     connect(BTN_Close, &QPushButton::clicked, this, &QDialog::reject);
-    // The dialog opens on flag 0, so that Space at once ticks a flag rather
-    // than closing the dialog; later it opens where the player left it.
-    boxes_.front()->setFocus();
     sync();
+}
+
+void FlagsForm::showEvent(QShowEvent* e) {
+    // Opens on a flag, the one the player was on if any: Space then ticks a
+    // flag rather than closing the dialog.
+    if (!qobject_cast<QCheckBox*>(focusWidget())) boxes_.front()->setFocus();
+    QDialog::showEvent(e);
 }
 
 void FlagsForm::sync() {

@@ -26,6 +26,9 @@ public:
     QCheckBox* TRGFLAG(int i) const { return boxes_.at(static_cast<std::size_t>(i)); }
     QPushButton* BTN_Close;
 
+protected:
+    void showEvent(QShowEvent* e) override;
+
 private:
     const FlagTable& flags_;
     std::function<void(int, bool)> setFlag_;

@@ -86,8 +86,9 @@ TEST(TabControl, ALongCaptionShowsItsBeginning) {
 }
 
 // Without a mouse: Ctrl+Tab steps through the main tabs, Ctrl+PageDown
-// through the tabs inside a page, Tab reaches the history page, and focus
-// on a page that went out of sight comes back to the command line.
+// through the tabs inside a page, Tab reaches the status tabs (turned with
+// the arrows), the history page and the list of a Filter, and focus on a
+// page that went out of sight comes back to the command line.
 TEST(Keyboard, PagesAndTheHistoryAreReachedWithoutAMouse) {
     FormFixture f;
     f.form().client().parts().history.append(numberedLines(1, 100));
@@ -106,9 +107,20 @@ TEST(Keyboard, PagesAndTheHistoryAreReachedWithoutAMouse) {
     QTest::keyClick(text1, Qt::Key_PageUp, Qt::ControlModifier);
     EXPECT_EQ(f.control<qt::TabControl>("SSTab2")->currentIndex(), 1);
 
+    const auto tabTo = [](QWidget* w) {
+        for (int i = 0; i < 30 && !w->hasFocus(); ++i) QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        return w->hasFocus();
+    };
+    auto* info = f.control<qt::TabControl>("InfoTabs");
+    ASSERT_TRUE(tabTo(info));
+    std::vector<int> pages;
+    for (const Qt::Key key : {Qt::Key_Right, Qt::Key_End, Qt::Key_Right, Qt::Key_Left, Qt::Key_Home, Qt::Key_Left}) {
+        QTest::keyClick(info, key);
+        pages.push_back(info->currentIndex());
+    }
+    EXPECT_EQ(pages, (std::vector<int>{1, 3, 3, 2, 0, 0}));
     auto* HistT = f.form().outputWindow(kHistT);
-    for (int i = 0; i < 30 && !HistT->hasFocus(); ++i) QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
-    ASSERT_TRUE(HistT->hasFocus());
+    ASSERT_TRUE(tabTo(HistT));
     QTest::keyClick(HistT, Qt::Key_Home);
     f.form().syncFromCore();
     EXPECT_EQ(HistT->lineText(0), "line 1");
@@ -117,6 +129,8 @@ TEST(Keyboard, PagesAndTheHistoryAreReachedWithoutAMouse) {
     EXPECT_TRUE(text1->hasFocus()) << QApplication::focusWidget()->objectName().toStdString();
     // The same from the trigger editor's body.
     f.form().tabs()->setCurrentIndex(6);
+    f.control<qt::TabControl>("ToolsTabs")->setCurrentIndex(0);
+    EXPECT_TRUE(tabTo(f.form().outputWindow(kHistView)));
     f.control<qt::TabControl>("ToolsTabs")->setCurrentIndex(1);
     f.control("txtTRGBody")->setFocus();
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab, Qt::ControlModifier);
@@ -227,6 +241,11 @@ TEST(FlagsForm, KeywordsShowWhileOpenAndClicksReachTheNextKeyword) {
     QTest::mouseClick(flags->BTN_Close, Qt::LeftButton);
     EXPECT_FALSE(flags->isVisible());
     EXPECT_EQ(f.form().focusWidget(), f.control("Text1")) << "typing goes on in the command line";
+    // Left on Close, it opens on a flag again.
+    flags->BTN_Close->setFocus();
+    f.click("BTN_Flags");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return flags->focusWidget() == box(0); }, 2000));
+    QTest::keyClick(flags, Qt::Key_Escape);
 
     // The grid fits the dialog without overlaps.
     std::vector<QRect> taken{flags->BTN_Close->geometry()};
