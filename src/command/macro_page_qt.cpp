@@ -37,7 +37,7 @@ MacroPage::MacroPage(MacroEditor& editor, Runner run, QWidget* page)
 
     MListName = placed(new QLabel(QStringLiteral("Main"), page), "MListName", 5880, 480, 3255, 285);
     MListName->setTextFormat(Qt::PlainText);  // a folder name, never markup
-    Mlist = placed(new FileList(page), "Mlist", 5880, 840, 3255, 4215);
+    Mlist = placed(new EntryList(page), "Mlist", 5880, 840, 3255, 4215);
     Mlist->setFont(small);
     brefresh3 = button("Main", "brefresh3", 5880, 5160, 1575, page);
     Command1 = button("OverDir", "Command1", 7560, 5160, 1575, page);

@@ -30,7 +30,7 @@ public:
     // Shows the model's list and boxes if they changed.
     void sync();
 
-    FileList* Mlist;
+    EntryList* Mlist;
     QLabel* MListName;
     QLineEdit* txtMacrosLabel;
     QPlainTextEdit* txtMacrosCommands;

@@ -34,7 +34,7 @@ int keyCode(int qtKey) {
 HistoryPage::HistoryPage(const Controls& controls, HistoryViews& views, Guard guard, std::function<bool()> busy)
     : QObject(controls.page), c_(controls), views_(views), guard_(std::move(guard)), busy_(std::move(busy)) {
     QWidget* page = c_.page;
-    auto* dlist = new FileList(page);
+    auto* dlist = new EntryList(page);
     dlist->setObjectName(QStringLiteral("DList"));
     dlist->setSortingEnabled(true);
     dlist->setFont(monospaceFont(8.25));

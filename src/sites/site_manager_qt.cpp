@@ -75,7 +75,7 @@ SiteManagerDialog::SiteManagerDialog(FileSystem& files, QWidget* parent)
 
 void SiteManagerDialog::build() {
     caption("Servers List", 120, 120, 2640, this);
-    SitesList = placed(new QListWidget(this), "SitesList", 120, 345, 2640, 4695);
+    SitesList = placed(new EntryList(this), "SitesList", 120, 345, 2640, 4695);
 
     const int x = 2880, w = 5430, half = 2655;
     auto box = [this](const char* name, int left, int top, int width) {

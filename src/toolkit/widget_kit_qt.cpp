@@ -88,7 +88,7 @@ void CommandButton::keyPressEvent(QKeyEvent* e) {
     QPushButton::keyPressEvent(e);
 }
 
-void FileList::mouseDoubleClickEvent(QMouseEvent* e) {
+void EntryList::mouseDoubleClickEvent(QMouseEvent* e) {
     QListWidget::mouseDoubleClickEvent(e);
     if (e->button() != Qt::LeftButton) return;
     const QModelIndex under = indexAt(e->position().toPoint());
@@ -103,9 +103,13 @@ void DropDownList::showPopup() {
     popup->setGeometry(mapToGlobal(QPoint(0, 0)).x(), popup->y(), most, popup->height());
 }
 
-void FileList::keyPressEvent(QKeyEvent* e) {
+void EntryList::keyPressEvent(QKeyEvent* e) {
     if ((e->key() == Qt::Key_Return || e->key() == Qt::Key_Enter) && onDoubleClick) {
         onDoubleClick(currentRow());
+        return;
+    }
+    if ((e->key() == Qt::Key_Up || e->key() == Qt::Key_Down) && selectedItems().isEmpty() && currentItem()) {
+        setCurrentRow(currentRow(), QItemSelectionModel::ClearAndSelect);
         return;
     }
     QListWidget::keyPressEvent(e);

@@ -106,8 +106,9 @@ CommandButton* commandButton(const char* name, const char* caption, QWidget* par
 
 // A list that reports a double click of the left button anywhere in it,
 // with the row under the mouse: -1 beside the entries, where no entry is
-// chosen.
-class FileList : public QListWidget {
+// chosen. With no entry chosen yet, the first arrow key chooses the entry
+// the focus sits on (the first) rather than the one after it.
+class EntryList : public QListWidget {
 public:
     using QListWidget::QListWidget;
     std::function<void(int row)> onDoubleClick;

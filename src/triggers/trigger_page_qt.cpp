@@ -42,7 +42,7 @@ TriggerPage::TriggerPage(QWidget* page, TriggerEditor& editor, Guard guard)
     Option1_[1] = placed(new QRadioButton(QStringLiteral("Global"), type), "Option1(1)", 1560, 300, 1335, 375);
     Option1_[0]->setChecked(true);
 
-    TList_ = placed(new FileList(page), "TList", 5880, 1380, 3255, 3615);
+    TList_ = placed(new EntryList(page), "TList", 5880, 1380, 3255, 3615);
     placed(new CommandButton(QStringLiteral("Refresh"), page), "brefresh2", 5880, 5100, 1575, 375);
     placed(new CommandButton(QStringLiteral("&Reload Triggers"), page), "Reload", 7560, 5100, 1575, 375);
     placed(new CommandButton(QStringLiteral("New"), page), "btnTRGNew", 840, 5880, 1215, 375);

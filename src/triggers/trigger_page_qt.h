@@ -41,7 +41,7 @@ private:
     QPlainTextEdit* TxtTrgFlags_;
     QPlainTextEdit* txtTRGBody_;
     QRadioButton* Option1_[2];
-    FileList* TList_;
+    EntryList* TList_;
     std::uint64_t shownRevision_ = ~std::uint64_t{0};
     bool syncing_ = false;
 };

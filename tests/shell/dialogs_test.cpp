@@ -115,12 +115,16 @@ TEST(SiteManagerDialog, TabOrderAndSavedSitesInTheBarAfterCloseWithTheFirstSelec
 
 TEST(SiteManagerDialog, AFailedSaveKeepsTheDialogAndEscapeDiscards) {
     FormFixture f;
-    f.fake.folder.write("CONN.ZIG", kOldBook);
+    const std::string book = kOldBook + "SITE=Second\r\nSSNA=2\r\nSDNS=two.org\r\n";
+    f.fake.folder.write("CONN.ZIG", book);
     std::filesystem::create_directory(f.fake.folder.path() / "CONN.ZIG.tmp");
     f.pressedByThePlayer("CMD_SaveConnection");
     f.whileOpen<SiteManager>("CMD_SaveConnection", [&](SiteManager* d) {
         EXPECT_TRUE(fixedFrame(d));
-        d->SitesList->setCurrentRow(0);
+        // The first arrow on the list chooses the entry the focus sits on:
+        // arriving there makes the first row current, unselected.
+        d->SitesList->setCurrentRow(0, QItemSelectionModel::NoUpdate);
+        QTest::keyClick(d->SitesList, Qt::Key_Down);
         EXPECT_EQ(d->TXT_DNSIP->text(), "old.org") << "a selection shows its site";
         EXPECT_EQ(d->TXT_STRI->cursorPosition(), 0) << "a long init string shows its beginning";
         QTest::mouseClick(d->SitesList->viewport(), Qt::LeftButton, {}, {5, d->SitesList->viewport()->height() - 5});
@@ -135,11 +139,11 @@ TEST(SiteManagerDialog, AFailedSaveKeepsTheDialogAndEscapeDiscards) {
         const std::string says = "Cannot save the site book " + f.fake.files.absolute(kSiteBookFile) + ": ";
         EXPECT_TRUE(why.startsWith(QString::fromStdString(says))) << why.toStdString();
         EXPECT_TRUE(d->isVisible() && !d->frmSaved->isVisible());
-        EXPECT_EQ(d->TXT_SiteName->text() + " " + QString::number(d->SitesList->count()), "Other 2");
+        EXPECT_EQ(d->TXT_SiteName->text() + " " + QString::number(d->SitesList->count()), "Other 3");
         QTest::keyClick(d->SitesList, Qt::Key_Escape);
     });
-    EXPECT_EQ(f.fake.folder.read("CONN.ZIG"), kOldBook);
-    EXPECT_EQ(f.control<QComboBox>("CB_Connections")->count(), 1);
+    EXPECT_EQ(f.fake.folder.read("CONN.ZIG"), book);
+    EXPECT_EQ(f.control<QComboBox>("CB_Connections")->count(), 2);
     EXPECT_EQ(f.form().focusWidget(), f.control("Text1")) << "typing goes on in the command line";
 }
 
