@@ -88,7 +88,8 @@ std::string SiteManager::OKButton_Click() {
     std::string why = "Cannot save the site book " + files_.absolute(kSiteBookFile);
     const std::string reason = files_.lastError();
     if (!reason.empty()) why += ": " + reason;
-    return why + ". The file is unchanged.";
+    // A book that could not even be made has nothing to keep.
+    return why + (files_.exists(kSiteBookFile) ? ". The file is unchanged." : ".");
 }
 
 }  // namespace kelpa

@@ -104,7 +104,7 @@ TEST(SiteManager, ABookThatCannotBeReadIsNeverReplacedAndOneThatCannotBeMadeIsNo
     SiteManager n{readOnly};
     n.Form_Load();
     EXPECT_EQ(n.loadProblem(), "");
-    EXPECT_EQ(n.OKButton_Click(), "Cannot save the site book mem:/CONN.ZIG. The file is unchanged.");
+    EXPECT_EQ(n.OKButton_Click(), "Cannot save the site book mem:/CONN.ZIG.");
     FakePlatform fp;
     Platform platform{fp.socket, fp.clock, fp.random, readOnly, fp.host};
     Client c{platform};
