@@ -43,7 +43,12 @@ QtSocket::QtSocket(QObject* parent, int connectTimeoutMs) : QObject(parent) {
     QObject::connect(&socket_, &QTcpSocket::errorOccurred, this, &QtSocket::onError);
 }
 
-QtSocket::~QtSocket() { releaseWatch(); }
+QtSocket::~QtSocket() {
+    // The socket, destroyed after our own members, closes itself: its close
+    // must not reach handlers of an object that is going.
+    socket_.disconnect(this);
+    releaseWatch();
+}
 
 void QtSocket::connect(const std::string& host, const std::string& port) {
     open_ = false;
