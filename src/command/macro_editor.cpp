@@ -63,8 +63,9 @@ void MacroEditor::BTNMacrosNew_Click() {
 }
 
 bool MacroEditor::usableName(const std::string& name) {
-    if (portableFileName(name)) return true;
-    host_.messageBox(refusedNameMessage("macro", name));
+    const std::string why = nameRefusal("macro", name, files_.list(workingFolder(), ".macro"));
+    if (why.empty()) return true;
+    host_.messageBox(why);
     return false;
 }
 
@@ -72,8 +73,12 @@ void MacroEditor::BTNMacrosSave_Click() {
     if (!usableName(txtMacrosLabel)) return;
     // The program's own macro folder is made on the first save; an
     // override folder that is missing is reported like any failure.
-    if (MListName == "Main" || overrideDir_.empty()) files_.createDirectories(MacroRunner::kFolder);
     const std::string path = workingFolder() + txtMacrosLabel;
+    if ((MListName == "Main" || overrideDir_.empty()) && !files_.createDirectories(MacroRunner::kFolder)) {
+        host_.messageBox(fileFailureMessage("save the macro", files_.absolute(path),
+                                            folderFailure(files_, MacroRunner::kFolder)));
+        return;
+    }
     if (!files_.writeAll(path, trimBlanks(txtMacrosCommands) + "\r\n"))
         host_.messageBox(fileFailureMessage("save the macro", files_.absolute(path), files_.lastError()));
 }

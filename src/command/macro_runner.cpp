@@ -27,13 +27,6 @@ std::set<long long> referenced(const std::string& body, long long most) {
     return found;
 }
 
-bool sameIgnoringCase(std::string_view a, std::string_view b) {
-    if (a.size() != b.size()) return false;
-    for (std::size_t i = 0; i < a.size(); ++i)
-        if (upperCase1252(a[i]) != upperCase1252(b[i])) return false;
-    return true;
-}
-
 }  // namespace
 
 std::string MacroRunner::folder(const std::string& overrideDir) {

@@ -85,4 +85,31 @@ bool utf8ToCp1252(std::string_view utf8, std::string& out) {
     return true;
 }
 
+char upperCase1252(char c) {
+    const auto u = static_cast<unsigned char>(c);
+    if (u >= 'a' && u <= 'z') return static_cast<char>(u - 32);
+    switch (u) {
+        case 0x9A: return static_cast<char>(0x8A);  // s caron
+        case 0x9C: return static_cast<char>(0x8C);  // oe
+        case 0x9E: return static_cast<char>(0x8E);  // z caron
+        case 0xFF: return static_cast<char>(0x9F);  // y diaeresis
+        default: break;
+    }
+    if (u >= 0xE0 && u <= 0xFE && u != 0xF7) return static_cast<char>(u - 32);
+    return c;
+}
+
+std::string upperCase(std::string_view s) {
+    std::string out(s);
+    for (char& c : out) c = upperCase1252(c);
+    return out;
+}
+
+bool sameIgnoringCase(std::string_view a, std::string_view b) {
+    if (a.size() != b.size()) return false;
+    for (std::size_t i = 0; i < a.size(); ++i)
+        if (upperCase1252(a[i]) != upperCase1252(b[i])) return false;
+    return true;
+}
+
 }  // namespace kelpa

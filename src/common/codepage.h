@@ -23,4 +23,11 @@ std::string cp1252ToUtf8(std::string_view bytes);
 // UTF-8 or holds a character the code page lacks.
 bool utf8ToCp1252(std::string_view utf8, std::string& out);
 
+// Upper case in code page 1252: a-z, the accented small letters, and the
+// four small letters of 0x9A to 0xFF whose capitals live elsewhere.
+char upperCase1252(char c);
+std::string upperCase(std::string_view s);
+// Whether two texts are one in upper case.
+bool sameIgnoringCase(std::string_view a, std::string_view b);
+
 }  // namespace kelpa

@@ -1,5 +1,9 @@
 #include "common/text.h"
 
+#include <algorithm>
+
+#include "common/codepage.h"
+
 
 namespace kelpa {
 
@@ -44,7 +48,7 @@ bool endsWithIgnoringCase(std::string_view name, std::string_view suffix) {
 }
 
 bool portableFileName(std::string_view name) {
-    if (trimBlanks(name).empty() || name == "." || name == "..") return false;
+    if (trimBlanks(name).empty() || name.back() == ' ' || name.back() == '.') return false;
     return name.find_first_of(std::string_view("\\/:*?\"<>|\0", 10)) == std::string_view::npos;
 }
 
@@ -56,7 +60,17 @@ std::string fileFailureMessage(std::string_view action, std::string_view path, s
 
 std::string refusedNameMessage(std::string_view kind, std::string_view name) {
     return "Cannot use the " + std::string(kind) + " name \"" + std::string(name) +
-           "\": a name is not blank and holds none of \\ / : * ? \" < > |";
+           "\": a name is not blank, does not end in a blank or a dot, and holds none of \\ / : * ? \" < > |";
+}
+
+std::string nameRefusal(std::string_view kind, std::string_view name, const std::vector<std::string>& present) {
+    if (!portableFileName(name)) return refusedNameMessage(kind, name);
+    if (std::find(present.begin(), present.end(), name) != present.end()) return {};
+    for (const std::string& other : present)
+        if (sameIgnoringCase(other, name))
+            return "Cannot use the " + std::string(kind) + " name \"" + std::string(name) + "\": there is " + other +
+                   ", and names that differ only in case are one file on case-blind systems";
+    return {};
 }
 
 }  // namespace kelpa

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace kelpa {
 
@@ -35,12 +36,20 @@ std::string decimal(long long n);
 bool endsWithIgnoringCase(std::string_view name, std::string_view suffix);
 
 // Whether a name can be a file of the editors' folders on any system the
-// folders may be copied to: not blank, not "." or "..", and none of
-// \ / : * ? " < > | or NUL (so the templates' "?" must be replaced).
+// folders may be copied to: not blank, not ending in a blank or a dot
+// (which case-blind systems drop), and none of \ / : * ? " < > | or NUL
+// (so the templates' "?" must be replaced).
 bool portableFileName(std::string_view name);
 
 // The editors' message for a name that is not one.
 std::string refusedNameMessage(std::string_view kind, std::string_view name);
+
+// Why the editors refuse `name` in a folder whose files of their kind are
+// `present`: not a portable name, or another file whose name differs only
+// in case (on a case-blind system the two would be one file). Empty when
+// the name may be used.
+std::string nameRefusal(std::string_view kind, std::string_view name, const std::vector<std::string>& present);
+
 // The editors' message for a file they could not save or delete:
 // "Cannot save the macro <path>: <why>." (no reason: only the full stop).
 std::string fileFailureMessage(std::string_view action, std::string_view path, std::string_view why);

@@ -125,6 +125,12 @@ public:
     virtual std::string lastError() const { return {}; }
 };
 
+// Why a folder could not be made, for a message about the file meant for it.
+inline std::string folderFailure(const FileSystem& files, const std::string& folder) {
+    const std::string why = files.lastError();
+    return "cannot make the folder " + files.absolute(folder) + (why.empty() ? "" : ": " + why);
+}
+
 // What the core asks of the window around it.
 class Host {
 public:

@@ -132,7 +132,10 @@ bool StdFileSystem::createDirectories(const std::string& path) {
     std::error_code ec;
     const std::filesystem::path p = full(path, true);
     std::filesystem::create_directories(p, ec);
-    return std::filesystem::is_directory(p, ec);
+    std::error_code isDir;
+    if (std::filesystem::is_directory(p, isDir)) return true;
+    lastError_ = ec ? ec.message() : "a file of that name is there";
+    return false;
 }
 
 std::unique_ptr<AppendFile> StdFileSystem::openAppend(const std::string& path) {
@@ -204,17 +207,35 @@ bool StdFileSystem::writeAll(const std::string& path, const std::string& bytes) 
         if (ec) break;
         target = to.is_absolute() ? to : target.parent_path() / to;
     }
-    std::filesystem::path tmp = target;
-    tmp += ".tmp";
-    std::FILE* f = std::fopen(tmp.c_str(), "wb");
-    if (!f) {
+    // A short name of its own beside the file: the file's name with an
+    // ending added could pass the longest name the folder takes.
+    std::string pattern = (target.parent_path() / ".kelpa-XXXXXX").string();
+    const int fd = ::mkostemp(pattern.data(), O_CLOEXEC);
+    if (fd < 0) {
         lastError_ = std::strerror(errno);
         return false;
     }
-    // The new file keeps the old one's permissions: a site book that only
-    // its owner may read holds passwords.
+    const std::filesystem::path tmp = pattern;
+    // The new file keeps the old one's permissions (a site book that only
+    // its owner may read holds passwords); a first one gets what the
+    // player's umask gives a new file.
     struct stat old {};
-    if (::stat(target.c_str(), &old) == 0) ::fchmod(::fileno(f), old.st_mode & 07777);
+    mode_t mode = 0;
+    if (::stat(target.c_str(), &old) == 0) {
+        mode = old.st_mode & 07777;
+    } else {
+        const mode_t mask = ::umask(0);
+        ::umask(mask);
+        mode = 0666 & ~mask;
+    }
+    ::fchmod(fd, mode);
+    std::FILE* f = ::fdopen(fd, "wb");
+    if (!f) {
+        lastError_ = std::strerror(errno);
+        ::close(fd);
+        std::filesystem::remove(tmp, ec);
+        return false;
+    }
     bool ok = std::fwrite(bytes.data(), 1, bytes.size(), f) == bytes.size();
     ok = (std::fflush(f) == 0) && ok;
     ok = ok && ::fsync(::fileno(f)) == 0;

@@ -105,7 +105,9 @@ void DropDownList::showPopup() {
 
 void EntryList::keyPressEvent(QKeyEvent* e) {
     if ((e->key() == Qt::Key_Return || e->key() == Qt::Key_Enter) && onDoubleClick) {
-        onDoubleClick(currentRow());
+        // The chosen entry; the focus frame alone, left by a click beside the
+        // entries, chooses nothing.
+        onDoubleClick(selectedItems().isEmpty() ? -1 : row(selectedItems().front()));
         return;
     }
     if ((e->key() == Qt::Key_Up || e->key() == Qt::Key_Down) && selectedItems().isEmpty() && currentItem()) {

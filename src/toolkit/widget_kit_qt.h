@@ -115,7 +115,7 @@ public:
 
 protected:
     void mouseDoubleClickEvent(QMouseEvent* e) override;
-    // Enter opens the current entry, as a double click does.
+    // Enter opens the chosen entry, as a double click does.
     void keyPressEvent(QKeyEvent* e) override;
 };
 

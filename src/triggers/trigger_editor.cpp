@@ -58,25 +58,37 @@ void TriggerEditor::btnTRGNew_Click() {
 }
 
 bool TriggerEditor::usableName() {
-    if (portableFileName(txtTRGLabel)) return true;
-    host_.messageBox(refusedNameMessage("trigger", txtTRGLabel));
+    const std::string why = nameRefusal("trigger", txtTRGLabel, files_.list(folder(), TriggerStore::kExtension));
+    if (why.empty()) return true;
+    host_.messageBox(why);
     return false;
 }
 
 void TriggerEditor::btnTRGSave_Click() {
     if (!usableName()) return;
+    const std::string path = files_.absolute(pathOf(txtTRGLabel));
     // The first save of a fresh install makes the folder.
-    files_.createDirectories(folder());
+    if (!files_.createDirectories(folder())) {
+        host_.messageBox(fileFailureMessage("save the trigger", path, folderFailure(files_, folder())));
+        return;
+    }
     std::string bytes;
     const std::string flags = trimBlanks(TxtTrgFlags);
     if (!flags.empty()) bytes += flags + "\r\n";
     bytes += trimBlanks(txtTRGBody) + "\r\n";
     // Written beside the old file and renamed over it.
     if (!files_.writeAll(pathOf(txtTRGLabel), bytes)) {
-        host_.messageBox(fileFailureMessage("save the trigger", files_.absolute(pathOf(txtTRGLabel)), files_.lastError()));
+        host_.messageBox(fileFailureMessage("save the trigger", path, files_.lastError()));
         return;
     }
     loadTriggers_();
+    // The debug window, where the loader tells of a file it leaves out, is
+    // off at start: the player who just saved one hears it here.
+    TriggerRecords parts;
+    const TriggerFileResult r = readTriggerFile(bytes, path, parts, [](const std::string&) {});
+    if (!r.ok)
+        host_.messageBox("The trigger " + path + " is saved but not loaded: line " + decimal(r.fault.line) + ": " +
+                         r.fault.reason + ".");
 }
 
 void TriggerEditor::btnTRGDelete_Click() {

@@ -221,7 +221,8 @@ TEST(TriggerEditor, RefusedNamesAndFailedSavesAndDeletesSayWhyAndKeepTheBoxes) {
     TriggerEditor& e = t.c.parts().triggerEditor;
     std::vector<std::string> refused;
     e.btnTRGNew_Click();
-    for (const char* name : {"?.trigger", "", "  ", "..", "../escape.trigger", "a:b.trigger", "a\\b.trigger"}) {
+    for (const char* name :
+         {"?.trigger", "", "  ", "..", "../escape.trigger", "a:b.trigger", "a\\b.trigger", "a.trigger ", "a.trigger."}) {
         e.txtTRGLabel = name;
         e.btnTRGSave_Click();
         refused.push_back(refusedNameMessage("trigger", name));
@@ -230,11 +231,49 @@ TEST(TriggerEditor, RefusedNamesAndFailedSavesAndDeletesSayWhyAndKeepTheBoxes) {
     EXPECT_EQ(e.TxtTrgFlags, "flag1=1");
     EXPECT_FALSE(t.fp.files.exists("triggers")) << "nothing written for a refused name";
 
+    // A folder that cannot be made is named as the reason.
+    t.fp.folder.write("gtriggers", "a file where the folder goes");
+    e.Option1_Click(1);
+    e.txtTRGLabel = "g.trigger";
+    e.btnTRGSave_Click();
+    EXPECT_EQ(t.fp.host.messages.back().rfind("Cannot save the trigger " + t.fp.files.absolute("gtriggers/g.trigger") +
+                                                  ": cannot make the folder " + t.fp.files.absolute("gtriggers") + ": ",
+                                              0),
+              0u)
+        << t.fp.host.messages.back();
+    e.Option1_Click(0);
+
     e.txtTRGLabel = std::string(300, 'n') + ".trigger";
     e.btnTRGSave_Click();
     EXPECT_NE(t.fp.host.messages.back().find("File name too long"), std::string::npos);
     EXPECT_TRUE(std::filesystem::is_empty(t.fp.folder.path() / "triggers"));  // no temporary file left
+    // The longest name the folder takes saves like any other.
+    const std::string longest = std::string(247, 'n') + ".trigger";
+    e.txtTRGLabel = longest;
+    e.btnTRGSave_Click();
+    EXPECT_TRUE(t.fp.files.exists("triggers/" + longest)) << t.fp.host.messages.back();
+    std::filesystem::remove(t.fp.folder.path() / "triggers" / longest);
 
+    // A saved file the loader leaves out is told at once; the file stays.
+    const std::size_t told = t.fp.host.messages.size();
+    e.txtTRGLabel = "typo.trigger";
+    e.TxtTrgFlags.clear();
+    e.txtTRGBody = "pattern1 You are hungry\r\naction=eat";
+    e.btnTRGSave_Click();
+    EXPECT_EQ(std::vector(t.fp.host.messages.begin() + static_cast<std::ptrdiff_t>(told), t.fp.host.messages.end()),
+              std::vector<std::string>{"The trigger " + t.fp.files.absolute("triggers/typo.trigger") +
+                                       " is saved but not loaded: line 1: no \"=\" in the line."});
+    // A name that differs from a file's only in case would be that file
+    // on a case-blind system.
+    e.txtTRGLabel = "TYPO.trigger";
+    e.btnTRGSave_Click();
+    EXPECT_EQ(t.fp.host.messages.back(), "Cannot use the trigger name \"TYPO.trigger\": there is typo.trigger, and "
+                                         "names that differ only in case are one file on case-blind systems");
+    EXPECT_EQ(t.fp.files.list("triggers", ".trigger"), std::vector<std::string>{"typo.trigger"});
+    std::filesystem::remove(t.fp.folder.path() / "triggers/typo.trigger");
+    t.fp.host.messages.resize(told);
+
+    e.btnTRGNew_Click();
     e.txtTRGLabel = "a.trigger";
     e.btnTRGSave_Click();
     e.btnTRGDelete_Click();
@@ -246,7 +285,7 @@ TEST(TriggerEditor, RefusedNamesAndFailedSavesAndDeletesSayWhyAndKeepTheBoxes) {
     e.btnTRGDelete_Click();
     EXPECT_EQ(t.fp.host.messages.back(),
               "Cannot delete the trigger " + t.fp.files.absolute("triggers/a.trigger") + ": there is no such file.");
-    EXPECT_EQ(e.txtTRGBody + "|" + std::to_string(t.fp.host.messages.size()), "kept|9");
+    EXPECT_EQ(e.txtTRGBody + "|" + std::to_string(t.fp.host.messages.size()), "kept|12");
     // A folder of the name, even an empty one, is not the trigger's to delete.
     std::filesystem::create_directory(t.fp.folder.path() / "triggers/d.trigger");
     e.txtTRGLabel = "d.trigger";

@@ -8,7 +8,10 @@
 #include <QMessageBox>
 #include <QScreen>
 
+#include <csignal>
 #include <filesystem>
+
+#include <sys/resource.h>
 
 #include "form_fixture.h"
 #include "shell/about_dialog_qt.h"
@@ -25,6 +28,19 @@ using SiteManager = qt::SiteManagerDialog;
 const std::string kOldBook =
     "SITE=Old\r\nSSNA=old\r\nSDNS=old.org\r\nSDNA=\r\nSDP_=4000\r\nSAP_=0\r\n"
     "STRI=connect Hero secret#10#look at everything in the room#10#score\r\nSDSC=\r\n\r\n#\r\n";
+
+// While it lives, no file grows beyond `bytes`: writes past it fail, as
+// on a full disk, whoever runs the test.
+struct FileSizeLimit {
+    explicit FileSizeLimit(rlim_t bytes) {
+        ::getrlimit(RLIMIT_FSIZE, &old);
+        ::signal(SIGXFSZ, SIG_IGN);
+        const rlimit now{bytes, old.rlim_max};
+        ::setrlimit(RLIMIT_FSIZE, &now);
+    }
+    ~FileSizeLimit() { ::setrlimit(RLIMIT_FSIZE, &old); }
+    rlimit old{};
+};
 
 // A dialog with a fixed frame: the window manager is told to show no
 // minimise or maximise button.
@@ -117,7 +133,6 @@ TEST(SiteManagerDialog, AFailedSaveKeepsTheDialogAndEscapeDiscards) {
     FormFixture f;
     const std::string book = kOldBook + "SITE=Second\r\nSSNA=2\r\nSDNS=two.org\r\n";
     f.fake.folder.write("CONN.ZIG", book);
-    std::filesystem::create_directory(f.fake.folder.path() / "CONN.ZIG.tmp");
     f.pressedByThePlayer("CMD_SaveConnection");
     f.whileOpen<SiteManager>("CMD_SaveConnection", [&](SiteManager* d) {
         EXPECT_TRUE(fixedFrame(d));
@@ -135,7 +150,10 @@ TEST(SiteManagerDialog, AFailedSaveKeepsTheDialogAndEscapeDiscards) {
         EXPECT_TRUE(refused.contains("Alternate Port")) << refused.toStdString();
         d->TXT_Aport->setText("23");
         d->CMD_SiteAdd->click();
-        const QString why = nextMessage([&] { d->OKButton->click(); });
+        const QString why = nextMessage([&] {
+            const FileSizeLimit fullDisk(64);
+            d->OKButton->click();
+        });
         const std::string says = "Cannot save the site book " + f.fake.files.absolute(kSiteBookFile) + ": ";
         EXPECT_TRUE(why.startsWith(QString::fromStdString(says))) << why.toStdString();
         EXPECT_TRUE(d->isVisible() && !d->frmSaved->isVisible());

@@ -84,6 +84,14 @@ TEST(MacroPage, DeleteAsksAndFailuresKeepTheBoxes) {
                                         "Cannot save the macro " + gone + ": No such file or directory.",
                                         "Cannot delete the macro " + gone + ": there is no such file."}));
     EXPECT_EQ(f.text("txtMacrosLabel") + "|" + f.text("txtMacrosCommands"), "gone.macro|say kept");
+    // A name that differs from a file's only in case would be that file on
+    // a case-blind system.
+    f.click("brefresh3");
+    f.retype("txtMacrosLabel", "B.macro");
+    f.click("BTNMacrosSave");
+    EXPECT_EQ(f.fake.host.messages.back(), "Cannot use the macro name \"B.macro\": there is b.macro, and names "
+                                           "that differ only in case are one file on case-blind systems");
+    EXPECT_EQ(f.fake.files.list("macros", ".macro"), std::vector<std::string>{"b.macro"});
 }
 
 // The editor's rules are held by the core's tests; these follow the clicks
@@ -136,6 +144,13 @@ TEST(ToolPages, DoubleClickBesideTheEntriesEmptiesTheBoxes) {
         QTest::mouseDClick(entries, Qt::LeftButton, {}, below);
         f.form().syncFromCore();
         EXPECT_EQ(f.text(label) + f.text(box) + f.text(body), "") << list;
+        // Enter on a focus frame that marks no chosen entry opens nothing.
+        auto* listed = f.control<QListWidget>(list);
+        listed->clearSelection();
+        listed->setCurrentRow(0, QItemSelectionModel::NoUpdate);
+        QTest::keyClick(listed, Qt::Key_Return);
+        f.form().syncFromCore();
+        EXPECT_EQ(f.text(label) + f.text(box) + f.text(body), "") << list << " after Enter";
     }
 }
 
