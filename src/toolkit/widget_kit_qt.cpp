@@ -3,6 +3,7 @@
 #include <QAbstractItemView>
 #include <QFontDatabase>
 #include <QFontInfo>
+#include <QFontMetrics>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPalette>
@@ -13,6 +14,7 @@
 
 #include "common/codepage.h"
 #include "common/text.h"
+#include "output/box_chars.h"
 
 namespace kelpa::qt {
 
@@ -117,16 +119,47 @@ void EntryList::keyPressEvent(QKeyEvent* e) {
     QListWidget::keyPressEvent(e);
 }
 
+namespace {
+
+// Whether the family itself (no other font filling in) is fixed-pitch and
+// draws every line graphic.
+bool fitForText(const QString& family) {
+    QFont f(family);
+    f.setStyleStrategy(QFont::NoFontMerging);
+    const QFontInfo info(f);
+    if (!info.fixedPitch() || info.family().compare(family, Qt::CaseInsensitive) != 0) return false;
+    const QFontMetrics metrics(f);
+    for (const BoxChar& b : BoxChars)
+        if (!metrics.inFontUcs4(b.codePoint)) return false;
+    return true;
+}
+
+}  // namespace
+
+QString firstTextFamily(const QStringList& families) {
+    for (const QString& family : families)
+        if (fitForText(family)) return family;
+    for (const QString& family : families)
+        if (QFontInfo(QFont(family)).fixedPitch()) return family;
+    return {};
+}
+
 QFont monospaceFont(double pointSize) {
-    QFont f(QStringLiteral("DejaVu Sans Mono"));
+    // What the system calls "monospace" may be a proportional font, which
+    // would break every frame and column: any fixed-pitch family is better.
+    static const QString family = [] {
+        QStringList candidates{QStringLiteral("DejaVu Sans Mono"),
+                               QFontDatabase::systemFont(QFontDatabase::FixedFont).family()};
+        for (const QString& f : QFontDatabase::families())
+            if (QFontDatabase::isFixedPitch(f)) candidates << f;
+        const QString chosen = firstTextFamily(candidates);
+        return chosen.isEmpty() ? candidates.front() : chosen;
+    }();
+    QFont f(family);
     f.setStyleHint(QFont::TypeWriter, QFont::PreferMatch);
     f.setFixedPitch(true);
     f.setPointSizeF(pointSize);
-    if (QFontInfo(f).fixedPitch()) return f;
-    // Whatever the system calls its fixed font, rather than a proportional one.
-    QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-    fixed.setPointSizeF(pointSize);
-    return fixed;
+    return f;
 }
 
 QFont formFont() {

@@ -66,9 +66,13 @@ void oneLineBox(QLineEdit* box);
 // tab that would reach the server.
 void multiLineBox(QPlainTextEdit* box);
 
-// A fixed-pitch font at the given size: DejaVu Sans Mono, or the system's
-// fixed font, never a proportional substitute.
+// A fixed-pitch font at the given size: DejaVu Sans Mono, or another
+// fixed-pitch family with every line graphic, never a proportional
+// substitute.
 QFont monospaceFont(double pointSize);
+// The first of `families` that is fixed-pitch and draws every line graphic
+// itself; else the first fixed-pitch one; else none.
+QString firstTextFamily(const QStringList& families);
 
 // The font of the forms' own controls: a narrow sans serif at 8.25 points,
 // so that captions fit the places made for them.

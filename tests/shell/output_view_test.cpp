@@ -274,6 +274,11 @@ TEST(OutputView, GlyphsKeepTheirCellsAcrossColourChanges) {
         return img;
     };
     EXPECT_EQ(ink(a), ink(b));
+    // The text's font is chosen for a fixed pitch and the line graphics of
+    // its own, whatever the system calls "monospace".
+    EXPECT_EQ(qt::firstTextFamily({"DejaVu Serif", "DejaVu Sans", "DejaVu Sans Mono"}), "DejaVu Sans Mono");
+    EXPECT_EQ(qt::firstTextFamily({"DejaVu Serif", "DejaVu Sans"}), "");
+    EXPECT_EQ(qt::monospaceFont(9.75).family(), "DejaVu Sans Mono");
 }
 
 // A flood repaints at most once per frame. A long text that follows its end
