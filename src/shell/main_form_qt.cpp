@@ -178,6 +178,11 @@ void MainForm::syncConnectionBar() {
     }
     for (auto [box, text] : {std::pair{Site_, &bar.Site}, {PPort_, &bar.PPort}, {SPort_, &bar.SPort}})
         setLineText(box, *text);
+    // A button that goes grey under the focus would hand it along the chain
+    // to the status tabs, where typing is lost: it goes to the command line.
+    const bool focusGoesGrey = (CMD_CONNECT_->hasFocus() && !bar.connectEnabled) ||
+                               (CMD_DISCONNECT_->hasFocus() && !bar.disconnectEnabled);
+    if (focusGoesGrey) Text1_->setFocus();
     CMD_CONNECT_->setEnabled(bar.connectEnabled);
     CMD_DISCONNECT_->setEnabled(bar.disconnectEnabled);
 }
@@ -192,10 +197,16 @@ void MainForm::connectControls() {
         connect(box, &QLineEdit::textEdited, this, [this, box, change] {
             guarded("TextBox_Change", [&] { (client_.*change)(toCoreBytes(box->text())); });
         });
-    connect(CMD_CONNECT_, &QPushButton::clicked, this,
-            [this] { guarded("CMD_CONNECT_Click", [&] { client_.CMD_CONNECT_Click(); }); });
-    connect(CMD_DISCONNECT_, &QPushButton::clicked, this,
-            [this] { guarded("CMD_DISCONNECT_Click", [&] { client_.CMD_DISCONNECT_Click(); }); });
+    // After either button the player goes on typing: a login, or a new
+    // host after a failure.
+    connect(CMD_CONNECT_, &QPushButton::clicked, this, [this] {
+        guarded("CMD_CONNECT_Click", [&] { client_.CMD_CONNECT_Click(); });
+        Text1_->setFocus();
+    });
+    connect(CMD_DISCONNECT_, &QPushButton::clicked, this, [this] {
+        guarded("CMD_DISCONNECT_Click", [&] { client_.CMD_DISCONNECT_Click(); });
+        Text1_->setFocus();
+    });
     connect(DebugInfo_, &QCheckBox::toggled, this,
             [this](bool on) { guarded("DebugInfo_Click", [&] { client_.setDebugInfo(on); }); });
     connect(IG_, &QCheckBox::toggled, this,

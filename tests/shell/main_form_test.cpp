@@ -34,9 +34,28 @@ TEST(ConnectionBar, PickingASiteFillsTheBoxesAndConnectUsesWhatTheBoxesHold) {
     f.control<QLineEdit>("PPort")->selectAll();
     f.control<QLineEdit>("PPort")->insert(QStringLiteral("6001\n"));
     EXPECT_EQ(f.text("PPort"), "6001 ");
-    f.click("CMD_CONNECT");
+    f.form().activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&f.form()));
+    QTest::mouseClick(f.control("CMD_CONNECT"), Qt::LeftButton);
+    f.form().syncFromCore();
     EXPECT_EQ(f.fake.socket.connects, std::vector<std::string>{"beta.example:6001 "});  // the socket trims
     EXPECT_TRUE(!f.control("CMD_CONNECT")->isEnabled() && f.control("CMD_DISCONNECT")->isEnabled());
+    // The player goes on typing after either button, and a button greyed
+    // under the focus hands it to the command line, not to the status tabs.
+    EXPECT_EQ(QApplication::focusWidget(), f.control("Text1"));
+    f.fake.socket.connected = true;
+    f.form().client().s_Connect();
+    f.form().syncFromCore();
+    f.control("CMD_DISCONNECT")->setFocus();
+    f.fake.socket.connected = false;
+    f.form().client().s_Close();
+    f.form().syncFromCore();
+    EXPECT_EQ(QApplication::focusWidget(), f.control("Text1"));
+    QTest::mouseClick(f.control("CMD_CONNECT"), Qt::LeftButton);
+    f.form().client().s_Error(10061, "Connection refused", 0);
+    f.form().syncFromCore();
+    EXPECT_TRUE(f.control("CMD_CONNECT")->isEnabled());
+    EXPECT_EQ(QApplication::focusWidget(), f.control("Text1"));
 }
 
 TEST(StartUp, TabsOpenOnTheirFirstPageAndTheCheckBoxesOfThePageSystemSwitchTheCore) {
