@@ -4,7 +4,9 @@
 #include <QFontDatabase>
 #include <QFontInfo>
 #include <QFontMetrics>
+#include <QGridLayout>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QMouseEvent>
 #include <QPalette>
 #include <QPlainTextEdit>
@@ -170,12 +172,50 @@ QFont formFont() {
     return f;
 }
 
+namespace {
+
+// A text the box's label would make taller than a screen, or with a word it
+// cannot break (a label breaks only between words).
+bool tooLongForALabel(const QString& text) {
+    if (text.size() > 1500 || text.count(QLatin1Char('\n')) > 25) return true;
+    int word = 0;
+    for (const QChar c : text)
+        if ((word = c.isSpace() ? 0 : word + 1) > 80) return true;
+    return false;
+}
+
+// Shows the text in a scrolling view of a bounded size in the label's place,
+// wrapped between words or anywhere, so that the buttons stay on screen.
+void scrollTheText(QMessageBox& box) {
+    auto* label = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
+    auto* grid = qobject_cast<QGridLayout*>(box.layout());
+    if (!label || !grid || grid->indexOf(label) < 0) return;
+    int row = 0, column = 0, rows = 0, columns = 0;
+    grid->getItemPosition(grid->indexOf(label), &row, &column, &rows, &columns);
+    auto* view = new QPlainTextEdit(box.text(), &box);
+    view->setObjectName(QStringLiteral("MessageText"));
+    view->setReadOnly(true);
+    view->setFrameShape(QFrame::NoFrame);
+    view->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    QPalette p = view->palette();
+    p.setColor(QPalette::Base, box.palette().color(QPalette::Window));
+    view->setPalette(p);
+    const QRect free = box.screen() ? box.screen()->availableGeometry() : QRect(0, 0, 800, 600);
+    view->setFixedSize(qMin(520, free.width() - 120), qMax(120, qMin(420, free.height() / 2)));
+    grid->removeWidget(label);
+    label->hide();
+    grid->addWidget(view, row, column, rows, columns);
+}
+
+}  // namespace
+
 QMessageBox::StandardButton showMessage(QWidget* parent, QMessageBox::Icon icon, const QString& title,
                                         const QString& text, QMessageBox::StandardButtons buttons,
                                         QMessageBox::StandardButton defaultButton) {
     QMessageBox box(icon, title, text, buttons, parent);
     box.setTextFormat(Qt::PlainText);
     if (defaultButton != QMessageBox::NoButton) box.setDefaultButton(defaultButton);
+    if (tooLongForALabel(text)) scrollTheText(box);
     return static_cast<QMessageBox::StandardButton>(box.exec());
 }
 

@@ -5,7 +5,9 @@
 #include <QAbstractItemView>
 #include <QElapsedTimer>
 #include <QFrame>
+#include <QLabel>
 #include <QMessageBox>
+#include <QPlainTextEdit>
 #include <QScreen>
 
 #include <csignal>
@@ -173,6 +175,28 @@ TEST(QtHost, BoxesShowTheirTextAsTypedAndDeletionDefaultsToNo) {
     EXPECT_EQ(nextMessage([&] { yes = host.askYesNo("Delete <i>x</i>?", "Delete"); }, &chosen), "Delete <i>x</i>?");
     EXPECT_EQ(chosen, QMessageBox::No);
     EXPECT_FALSE(yes);
+
+    // A text taller than the screen, or one word wider than the box,
+    // scrolls inside it: the whole text is there and OK stays on screen.
+    QString words;
+    for (int i = 0; i < 700; ++i) words += QStringLiteral("potion ");
+    for (const QString& text : {words, QString(1500, QLatin1Char('x')), QStringLiteral("short")}) {
+        QRect shown, free;
+        QString held;
+        QTimer::singleShot(50, [&] {
+            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            ASSERT_NE(box, nullptr);
+            free = box->screen()->availableGeometry();
+            shown = QRect(box->pos(), box->size());
+            auto* view = box->findChild<QPlainTextEdit*>();
+            held = view ? view->toPlainText() : box->findChild<QLabel*>("qt_msgbox_label")->text();
+            QTest::keyClick(box, Qt::Key_Return);
+        });
+        host.messageBox(text.toStdString());
+        EXPECT_EQ(held, text);
+        EXPECT_LE(shown.height(), free.height() * 3 / 4) << text.size();
+        EXPECT_LE(shown.width(), 600) << text.size();
+    }
 }
 
 TEST(AboutDialog, ShowsThePictureAndStartsTheSystemInformation) {
