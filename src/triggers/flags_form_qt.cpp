@@ -35,7 +35,11 @@ FlagsForm::FlagsForm(const FlagTable& flags, std::function<void(int, bool)> setF
 void FlagsForm::showEvent(QShowEvent* e) {
     // Opens on a flag, the one the player was on if any: Space then ticks a
     // flag rather than closing the dialog.
-    if (!qobject_cast<QCheckBox*>(focusWidget())) boxes_.front()->setFocus();
+    QWidget* on = qobject_cast<QCheckBox*>(focusWidget()) ? focusWidget() : boxes_.front();
+    on->setFocus(Qt::TabFocusReason);
+    // Its focus frame shows at once, as after a Tab: the player sees which
+    // flag Space will tick.
+    setAttribute(Qt::WA_KeyboardFocusChange);
     QDialog::showEvent(e);
 }
 

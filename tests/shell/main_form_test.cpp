@@ -232,6 +232,15 @@ TEST(FlagsForm, KeywordsShowWhileOpenAndClicksReachTheNextKeyword) {
     qt::FlagsForm* flags = f.form().flagsForm();
     f.click("BTN_Flags");
     EXPECT_TRUE(QTest::qWaitFor([&] { return flags->focusWidget() == flags->TRGFLAG(0); }, 2000));
+    {
+        // Its focus frame shows before any key: the flag Space would tick.
+        flags->activateWindow();
+        ASSERT_TRUE(QTest::qWaitFor([&] { return flags->TRGFLAG(0)->hasFocus(); }, 2000));
+        const QImage focused = flags->TRGFLAG(0)->grab().toImage();
+        flags->TRGFLAG(1)->setFocus();
+        EXPECT_NE(focused, flags->TRGFLAG(0)->grab().toImage());
+        flags->TRGFLAG(0)->setFocus();
+    }
     // Types a line; the mirrors follow within a frame.
     const auto type = [&](const char* line, auto shown) {
         f.enter("Text1", line);
