@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "fuzz_client.h"
-#include "output/box_chars.h"
+#include "common/box_chars.h"
 
 using namespace kelpa;
 

@@ -1,6 +1,6 @@
 #include "output/output_layout_qt.h"
 
-#include "output/box_chars.h"
+#include "common/box_chars.h"
 #include "common/codepage.h"
 #include "toolkit/widget_kit_qt.h"
 

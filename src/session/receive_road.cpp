@@ -1,5 +1,5 @@
 // The road of one received chunk, top to bottom.
-#include "output/box_chars.h"
+#include "common/box_chars.h"
 #include "session/server_session.h"
 
 namespace kelpa {

@@ -48,7 +48,7 @@ void ClientParts::wireStatus() {
 }
 
 void Client::Form_Load() {
-    // The box-drawing table is constant data (output/box_chars.h).
+    // The box-drawing table is constant data (common/box_chars.h).
     p_.windows.Graphics = true;
     p_.pipeline.CleanerText = true;
     p_.windows.resetStates();

@@ -16,7 +16,7 @@
 
 #include "common/codepage.h"
 #include "common/text.h"
-#include "output/box_chars.h"
+#include "common/box_chars.h"
 
 namespace kelpa::qt {
 

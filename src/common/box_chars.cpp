@@ -1,4 +1,4 @@
-#include "output/box_chars.h"
+#include "common/box_chars.h"
 
 namespace kelpa {
 
