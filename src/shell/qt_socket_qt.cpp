@@ -39,6 +39,11 @@ QtSocket::QtSocket(QObject* parent, int connectTimeoutMs) : QObject(parent) {
         emit connected();
     });
     QObject::connect(&socket_, &QTcpSocket::readyRead, this, [this] { emit dataArrival(); });
+    QObject::connect(&socket_, &QTcpSocket::bytesWritten, this, [this] {
+        if (!heldForWrites_ || socket_.bytesToWrite() > kWriteBacklog) return;
+        heldForWrites_ = false;
+        if (open_) emit dataArrival();
+    });
     QObject::connect(&socket_, &QTcpSocket::disconnected, this, &QtSocket::onDisconnected);
     QObject::connect(&socket_, &QTcpSocket::errorOccurred, this, &QtSocket::onError);
 }
@@ -55,6 +60,7 @@ void QtSocket::connect(const std::string& host, const std::string& port) {
     closing_ = false;
     reset_ = false;
     dataWaits_ = false;
+    heldForWrites_ = false;
     connectTimer_.stop();
     socket_.abort();
     releaseWatch();
@@ -82,10 +88,12 @@ void QtSocket::close() {
     open_ = false;
     closing_ = false;
     dataWaits_ = false;
+    heldForWrites_ = false;
     connectTimer_.stop();
     // A connect still under way is given up; Qt's close would let it
-    // finish and report it first.
-    if (connecting())
+    // finish and report it first. Unsent bytes are bytes the server does
+    // not read: waiting for them would keep the connection up for good.
+    if (connecting() || socket_.bytesToWrite() > 0)
         socket_.abort();
     else
         socket_.close();
@@ -113,6 +121,10 @@ std::string QtSocket::getData() {
     // their own; bytes left in the kernel keep the descriptor readable, so
     // Qt signals them again.
     dataWaits_ = false;
+    if (socket_.state() == QAbstractSocket::ConnectedState && socket_.bytesToWrite() > kWriteBacklog) {
+        heldForWrites_ = true;
+        return {};
+    }
     std::string data(static_cast<std::size_t>(std::min(socket_.bytesAvailable(), kChunk)), '\0');
     const qint64 n = socket_.read(data.data(), static_cast<qint64>(data.size()));
     data.resize(n > 0 ? static_cast<std::size_t>(n) : 0);
@@ -159,6 +171,8 @@ void QtSocket::postRest() {
 }
 
 void QtSocket::readLeftovers() {
+    // Held bytes wait for the server to read: the data event comes then.
+    if (heldForWrites_) return;
     if (open_ && (socket_.bytesAvailable() > 0 || closing_)) postRest();
 }
 
@@ -202,8 +216,10 @@ void QtSocket::flushWrites() {
 
 void QtSocket::onDisconnected() {
     if (!open_) return;  // our own close
-    // Bytes that arrived with the close come first, chunk by chunk.
+    // Bytes that arrived with the close come first, chunk by chunk; nothing
+    // is left to write.
     closing_ = true;
+    heldForWrites_ = false;
     reset_ = peerReset();
     if (socket_.bytesAvailable() > 0 || dataWaits_)
         postRest();

@@ -24,6 +24,10 @@ public:
     // A connect that has not stood after this long fails with 10060, as on
     // Windows, rather than after the kernel's two minutes of retries.
     static constexpr int kConnectTimeoutMs = 30000;
+    // Unsent bytes beyond which the server is not read either: one that
+    // stops reading would otherwise pile our answers and echoes up here
+    // without end, three bytes of its own making eleven of ours.
+    static constexpr qint64 kWriteBacklog = 256 * 1024;
     explicit QtSocket(QObject* parent = nullptr, int connectTimeoutMs = kConnectTimeoutMs);
     ~QtSocket() override;
 
@@ -89,6 +93,9 @@ private:
     bool restPosted_ = false;
     bool dataWaits_ = false;
     bool writesWait_ = false;
+    // Reading stopped for the unsent bytes; a data event follows once the
+    // server has taken enough of them.
+    bool heldForWrites_ = false;
 };
 
 }  // namespace kelpa::qt

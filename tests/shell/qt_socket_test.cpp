@@ -9,6 +9,7 @@
 #include <QTest>
 
 #include <arpa/inet.h>
+#include <cerrno>
 #include <fcntl.h>
 #include <netinet/in.h>
 #include <sys/file.h>
@@ -148,6 +149,57 @@ TEST(QtSocket, AConnectUnderWayEndsWhenCancelledOrWhenItsTimeIsUp) {
     Recorder blanks(named.port(), false, " localhost ");
     ASSERT_TRUE(QTest::qWaitFor([&] { return !blanks.events.empty(); }, 5000));
     EXPECT_EQ(blanks.events.front(), "connect");
+}
+
+// A server that reads nothing is not read either, so our answers to it
+// cannot pile up without end; once it reads, its text comes. Disconnect
+// then drops what it never took instead of keeping the connection up.
+TEST(QtSocket, AServerThatReadsNothingIsNotReadUntilItDoes) {
+    const int listener = ::socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in at{};
+    at.sin_family = AF_INET;
+    at.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof at;
+    ASSERT_EQ(::bind(listener, reinterpret_cast<sockaddr*>(&at), size), 0);
+    ASSERT_EQ(::listen(listener, 1), 0);
+    ::getsockname(listener, reinterpret_cast<sockaddr*>(&at), &size);
+    ::fcntl(listener, F_SETFL, O_NONBLOCK);
+    Recorder r(std::to_string(ntohs(at.sin_port)), false);
+    int server = -1;
+    ASSERT_TRUE(QTest::qWaitFor([&] { return (server = ::accept(listener, nullptr, nullptr)) >= 0; }, 5000));
+    ::fcntl(server, F_SETFL, O_NONBLOCK);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return r.s.state() == Socket::kConnected; }, 5000));
+    // More than the kernel's buffers of both ends hold.
+    const std::string flood(32 << 20, 'x');
+    auto drain = [&](bool toTheEnd) {
+        std::size_t got = 0;
+        std::vector<char> buf(1 << 20);
+        for (int turns = 0; turns < 2000; ++turns) {
+            const ssize_t n = ::read(server, buf.data(), buf.size());
+            if (n == 0 || (n < 0 && errno != EAGAIN)) return std::pair(got, true);
+            if (n > 0) got += static_cast<std::size_t>(n);
+            if (!toTheEnd && got >= flood.size()) break;
+            QTest::qWait(n > 0 ? 0 : 5);
+        }
+        return std::pair(got, false);
+    };
+    r.s.sendData(flood);
+    r.s.flushWrites();
+    ASSERT_EQ(::write(server, "hello\r\n", 7), 7);
+    QTest::qWait(300);
+    EXPECT_EQ(r.data, "") << "held while our bytes wait";
+    EXPECT_EQ(drain(false).first, flood.size());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return r.data == "hello\r\n"; }, 5000)) << r.data;
+
+    r.s.sendData(flood);
+    r.s.flushWrites();
+    QTest::qWait(200);
+    r.s.close();
+    const auto [got, ended] = drain(true);
+    EXPECT_TRUE(ended);
+    EXPECT_LT(got, flood.size()) << "what the server never took is dropped";
+    ::close(server);
+    ::close(listener);
 }
 
 TEST(QtHost, TheLockFileLivesInTheUsersRuntimeFolderAndTellsAnyOtherRunningKelpa) {
