@@ -183,15 +183,17 @@ TEST(QtHost, BoxesShowTheirTextAsTypedAndDeletionDefaultsToNo) {
     for (const QString& text : {words, QString(1500, QLatin1Char('x')), QStringLiteral("short")}) {
         QRect shown, free;
         QString held;
-        QTimer::singleShot(50, [&] {
+        QTimer poll;
+        QObject::connect(&poll, &QTimer::timeout, [&] {
             auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-            ASSERT_NE(box, nullptr);
+            if (!box || !box->isVisible()) return;
             free = box->screen()->availableGeometry();
             shown = QRect(box->pos(), box->size());
             auto* view = box->findChild<QPlainTextEdit*>();
             held = view ? view->toPlainText() : box->findChild<QLabel*>("qt_msgbox_label")->text();
             QTest::keyClick(box, Qt::Key_Return);
         });
+        poll.start(10);
         host.messageBox(text.toStdString());
         EXPECT_EQ(held, text);
         EXPECT_LE(shown.height(), free.height() * 3 / 4) << text.size();
