@@ -282,9 +282,24 @@ bool HistorySearch::step() {
     return false;
 }
 
+void VisibleLines::shrink(std::size_t most) {
+    if (folded_.capacity() <= most) return;
+    std::string().swap(folded_);
+    std::vector<std::size_t>().swap(foldedBegins_);
+    std::vector<std::size_t>().swap(rawBegins_);
+    std::vector<std::size_t>().swap(rawEnds_);
+}
+
+void HistorySearch::shrinkBuffers() {
+    const std::size_t most = 4 * kStepBytes;
+    if (raw_.capacity() > most) std::string().swap(raw_);
+    lines_.shrink(most);
+}
+
 void HistorySearch::endSeek(bool found, std::size_t lineStart) {
     kind_ = Kind::None;
     ranges_.clear();
+    shrinkBuffers();
     seekFailed_ = !found;
     if (!found) {
         debug_.DebugLog("Seek: no line holds \"" + text_ + "\"");
@@ -297,6 +312,7 @@ void HistorySearch::endSeek(bool found, std::size_t lineStart) {
 
 void HistorySearch::endFilter() {
     kind_ = Kind::None;
+    shrinkBuffers();
     OutputWindow& view = windows_.text[kHistView];
     view.clear();
     windows_.state[kHistView].StartLen = 0;

@@ -47,6 +47,8 @@ public:
     void forEachMatch(std::string_view needle, F&& f) const;
 
     const std::string& folded() const { return folded_; }
+    // Gives back memory beyond `most` bytes that a very long line took.
+    void shrink(std::size_t most);
     // The first place of `needle` in folded() at or after `from`.
     std::size_t find(std::string_view needle, std::size_t from) const;
     // Where in the history the line that holds folded()[k] begins, and ends
@@ -101,6 +103,8 @@ private:
     // Whole lines from at_ on, about `n` bytes of them, none at or past `end`.
     std::string_view readLines(std::size_t end, std::size_t n);
     void endSeek(bool found, std::size_t lineStart);
+    // The buffers keep what a step needs; a very long line grew them.
+    void shrinkBuffers();
     void endFilter();
     // Filter takes its lines as the screen shows them (a lone LF ends one
     // too); Seek as the History page pages them, by CR LF.

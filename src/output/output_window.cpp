@@ -73,12 +73,24 @@ void OutputWindow::compact() {
     if (head_ >= 64 && head_ >= runs_.size() / 2) {
         runs_.erase(runs_.begin(), runs_.begin() + static_cast<std::ptrdiff_t>(head_));
         head_ = 0;
+        if (runs_.capacity() * sizeof(Entry) > kKeptCapacity && runs_.size() * 4 < runs_.capacity())
+            runs_.shrink_to_fit();
     }
     if (off_ >= 4096 && off_ >= size()) shiftToFront();
 }
 
 void OutputWindow::shiftToFront() {
-    std::memmove(buf_.get(), buf_.get() + off_, size());
+    // A text far beyond the window's limit (a page that is one line of
+    // 100 MB) grew the buffer to its size: the window gives it back.
+    if (cap_ > kKeptCapacity && size() * 4 < cap_) {
+        const std::size_t cap = std::max(size() * 2, std::size_t{256});
+        auto buf = std::make_unique_for_overwrite<char[]>(cap);
+        std::memcpy(buf.get(), buf_.get() + off_, size());
+        buf_ = std::move(buf);
+        cap_ = cap;
+    } else {
+        std::memmove(buf_.get(), buf_.get() + off_, size());
+    }
     end_ -= off_;
     for (std::size_t i = head_; i < runs_.size(); ++i) runs_[i].start -= off_;
     off_ = 0;

@@ -97,6 +97,9 @@ public:
     std::uint64_t revision() const { return revision_; }
 
 private:
+    // Memory a window keeps once its text is cut back; a flood's chunks
+    // stay far below it, so only an outsized text gives memory back.
+    static constexpr std::size_t kKeptCapacity = std::size_t{16} << 20;
     struct Entry {
         std::size_t start;  // index into buf_
         TextStyle style;

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <random>
 
+#include <malloc.h>
+
 #include "support/client_harness.h"
 
 namespace kelpa::test {
@@ -36,6 +38,23 @@ const std::string kRun =
     "Caf\xe9 \xc9T\xc9\r\n"                           // 4: accented letters
     "orcish ORC orc\r\n"                              // 5: three times in one line
     "prompt> ";                                       // 6: no line end yet
+
+// A Seek through one line of many megabytes, and the History page that
+// shows it, give their memory back once done.
+TEST(HistorySearch, ALineOfManyMegabytesLeavesNoMemoryBehind) {
+    Search t;
+    t.c.parts().history.append("short\r\n" + std::string(48 << 20, 'x') + " dragon\r\nend\r\n");
+    const auto heapInUse = [] {
+        const auto m = mallinfo2();
+        return m.uordblks + m.hblkhd;  // small blocks and mapped ones
+    };
+    const std::size_t before = heapInUse();
+    t.seek("dragon");
+    EXPECT_EQ(t.tabRequests, 1);
+    EXPECT_EQ(t.topLine().substr(t.topLine().size() - 6), "dragon") << "the found line is on the page";
+    t.seek("nowhere");
+    EXPECT_LT(heapInUse(), before + (8 << 20));
+}
 
 TEST(HistorySearch, SeekFindsTheNextLineAsThePlayerSawItAndWraps) {
     Search t;
