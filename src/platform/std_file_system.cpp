@@ -134,7 +134,8 @@ bool StdFileSystem::createDirectories(const std::string& path) {
     std::filesystem::create_directories(p, ec);
     std::error_code isDir;
     if (std::filesystem::is_directory(p, isDir)) return true;
-    lastError_ = ec ? ec.message() : "a file of that name is there";
+    // A file where the folder goes is the likely case, and plainer told.
+    lastError_ = std::filesystem::exists(p, isDir) ? "a file of that name is there" : ec.message();
     return false;
 }
 

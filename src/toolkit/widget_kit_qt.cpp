@@ -10,6 +10,7 @@
 #include <QMouseEvent>
 #include <QPalette>
 #include <QPlainTextEdit>
+#include <QScrollBar>
 #include <QScreen>
 #include <QTextDocument>
 #include <QWidget>
@@ -109,9 +110,10 @@ void DropDownList::showPopup() {
 
 void EntryList::keyPressEvent(QKeyEvent* e) {
     if ((e->key() == Qt::Key_Return || e->key() == Qt::Key_Enter) && onDoubleClick) {
-        // The chosen entry; the focus frame alone, left by a click beside the
-        // entries, chooses nothing.
-        onDoubleClick(selectedItems().isEmpty() ? -1 : row(selectedItems().front()));
+        // Only a chosen entry opens. A focus frame alone (after a click
+        // beside the entries, or Shift+Tab) chooses nothing, and a key must
+        // not empty boxes that may hold unsaved work.
+        if (!selectedItems().isEmpty()) onDoubleClick(row(selectedItems().front()));
         return;
     }
     if ((e->key() == Qt::Key_Up || e->key() == Qt::Key_Down) && selectedItems().isEmpty() && currentItem()) {
@@ -201,7 +203,15 @@ void scrollTheText(QMessageBox& box) {
     p.setColor(QPalette::Base, box.palette().color(QPalette::Window));
     view->setPalette(p);
     const QRect free = box.screen() ? box.screen()->availableGeometry() : QRect(0, 0, 800, 600);
-    view->setFixedSize(qMin(520, free.width() - 120), qMax(120, qMin(420, free.height() / 2)));
+    const int width = qMin(520, free.width() - 120);
+    // As high as the folded text, up to half the screen.
+    const int margins = 2 * static_cast<int>(view->document()->documentMargin()) + 4;
+    const int folded =
+        view->fontMetrics()
+            .boundingRect(QRect(0, 0, width - margins - view->verticalScrollBar()->sizeHint().width(), 1 << 24),
+                          Qt::TextWordWrap, box.text())
+            .height();
+    view->setFixedSize(width, qBound(3 * view->fontMetrics().lineSpacing(), folded + margins, qMin(420, free.height() / 2)));
     grid->removeWidget(label);
     label->hide();
     grid->addWidget(view, row, column, rows, columns);
