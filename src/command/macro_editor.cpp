@@ -79,8 +79,13 @@ void MacroEditor::BTNMacrosSave_Click() {
                                             folderFailure(files_, MacroRunner::kFolder)));
         return;
     }
-    if (!files_.writeAll(path, trimBlanks(txtMacrosCommands) + "\r\n"))
+    if (!files_.writeAll(path, trimBlanks(txtMacrosCommands) + "\r\n")) {
         host_.messageBox(fileFailureMessage("save the macro", files_.absolute(path), files_.lastError()));
+        return;
+    }
+    // The boxes show what was saved: a character the code page lacks went
+    // to the file as "?".
+    ++revision;
 }
 
 void MacroEditor::BTNMacrosDelete_Click() {

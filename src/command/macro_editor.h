@@ -21,7 +21,8 @@ public:
     std::string MListName = "Main";
     std::string txtMacrosLabel;
     std::string txtMacrosCommands;
-    // Changes whenever the model changes the boxes or the list.
+    // Changes whenever the model changes the boxes or the list, and after a
+    // save, whose file the boxes then show.
     std::uint64_t revision = 0;
 
     void brefresh3_Click();

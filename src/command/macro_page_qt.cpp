@@ -91,9 +91,9 @@ void MacroPage::sync() {
         Mlist->addItems(names);
     }
     MListName->setText(toQString(editor_.MListName));
-    if (toCoreBytes(txtMacrosLabel->text()) != editor_.txtMacrosLabel)
+    if (toCoreBytes(txtMacrosLabel->text()) != editor_.txtMacrosLabel || !fitsCodePage(txtMacrosLabel->text()))
         txtMacrosLabel->setText(toQString(editor_.txtMacrosLabel));
-    if (boxText(txtMacrosCommands) != editor_.txtMacrosCommands)
+    if (boxText(txtMacrosCommands) != editor_.txtMacrosCommands || !fitsCodePage(txtMacrosCommands->toPlainText()))
         setBoxText(txtMacrosCommands, editor_.txtMacrosCommands);
 }
 

@@ -15,6 +15,8 @@
 #include <QTextDocument>
 #include <QWidget>
 
+#include <limits>
+
 #include "common/codepage.h"
 #include "common/text.h"
 #include "common/box_chars.h"
@@ -50,6 +52,8 @@ void setBoxText(QPlainTextEdit* box, std::string_view core) { box->setPlainText(
 std::string commandLineText(const QLineEdit* box) { return withCrLf(box->text()); }
 
 void oneLineBox(QLineEdit* box) {
+    // A pasted init string or description is kept whole, however long.
+    box->setMaxLength(std::numeric_limits<int>::max());
     QObject::connect(box, &QLineEdit::textEdited, box, [box](const QString& text) {
         if (!text.contains(QLatin1Char('\n')) && !text.contains(QLatin1Char('\r'))) return;
         QString one = text;
@@ -61,8 +65,10 @@ void oneLineBox(QLineEdit* box) {
     });
 }
 
+bool fitsCodePage(const QString& text) { return toQString(toCoreBytes(text)) == text; }
+
 void setLineText(QLineEdit* box, std::string_view core) {
-    if (toCoreBytes(box->text()) == core) return;
+    if (toCoreBytes(box->text()) == core && fitsCodePage(box->text())) return;
     box->setText(toQString(core));
     box->setCursorPosition(0);
 }

@@ -48,6 +48,9 @@ std::string toCoreBytes(const QString& text);
 std::string boxText(const QPlainTextEdit* box);
 // Shows the core's text (lines ending in CR LF) in a multi-line box.
 void setBoxText(QPlainTextEdit* box, std::string_view core);
+// Whether every character of a box's text has its byte in the code page:
+// one that has none goes out as "?", and the box must then show that.
+bool fitsCodePage(const QString& text);
 // Shows the core's text in a one-line box, if it is not there already (so
 // that typing is not disturbed), with the caret at the start: a value longer
 // than the box shows its beginning, not its end.

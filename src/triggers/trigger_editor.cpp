@@ -82,6 +82,9 @@ void TriggerEditor::btnTRGSave_Click() {
         return;
     }
     loadTriggers_();
+    // The boxes show what was saved: a character the code page lacks went
+    // to the file as "?".
+    ++revision;
     // The debug window, where the loader tells of a file it leaves out, is
     // off at start: the player who just saved one hears it here.
     TriggerRecords parts;

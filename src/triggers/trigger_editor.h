@@ -25,7 +25,8 @@ public:
     bool global = false;
     std::vector<std::string> TList;
     int listIndex = -1;
-    // Changes whenever the editor itself rewrites the boxes or the list.
+    // Changes whenever the editor rewrites the boxes or the list, and after
+    // a save, whose file the boxes then show.
     std::uint64_t revision = 0;
 
     // The folder the option names at this moment.

@@ -160,6 +160,8 @@ TEST(SiteManagerDialog, AFailedSaveKeepsTheDialogAndEscapeDiscards) {
         EXPECT_TRUE(why.startsWith(QString::fromStdString(says))) << why.toStdString();
         EXPECT_TRUE(d->isVisible() && !d->frmSaved->isVisible());
         EXPECT_EQ(d->TXT_SiteName->text() + " " + QString::number(d->SitesList->count()), "Other 3");
+        d->TXT_STRI->setText(QString(40000, QLatin1Char('x')));
+        EXPECT_EQ(d->TXT_STRI->text().size(), 40000) << "a long init string is kept whole";
         QTest::keyClick(d->SitesList, Qt::Key_Escape);
     });
     EXPECT_EQ(f.fake.folder.read("CONN.ZIG"), book);

@@ -54,6 +54,21 @@ TEST(MacroPage, ListsOpensSavesAndReloads) {
     EXPECT_EQ(f.list("Mlist"), QStringList{"o.macro"});
     f.click("BTNMacrosSave");
     EXPECT_EQ(f.fake.folder.read("macros/AREA/New.macro"), "say\xA0new\r\nsay more\r\n");
+
+    // A letter the code page lacks is saved as "?", and the boxes show it
+    // from the save on, also when the file is opened again.
+    for (const char* page : {"Mlist", "TList"}) {
+        const bool macros = page[0] == 'M';
+        f.show(macros ? 2 : 1);
+        const char* box = macros ? "txtMacrosCommands" : "txtTRGBody";
+        f.retype(macros ? "txtMacrosLabel" : "txtTRGLabel", macros ? "l.macro" : "l.trigger");
+        f.control<QPlainTextEdit>(box)->setPlainText(u"action=\u0142\u00e9\u4e2d"_qs);
+        f.click(macros ? "BTNMacrosSave" : "btnTRGSave");
+        EXPECT_EQ(f.text(box), u"action=?\u00e9?"_qs) << page;
+        f.click(macros ? "Command1" : "brefresh2");  // the macro went to the override folder
+        f.open(page, static_cast<int>(f.list(page).indexOf(macros ? "l.macro" : "l.trigger")));
+        EXPECT_EQ(f.text(box).trimmed(), u"action=?\u00e9?"_qs) << page;
+    }
 }
 
 TEST(MacroPage, DeleteAsksAndFailuresKeepTheBoxes) {
