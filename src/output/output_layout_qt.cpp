@@ -32,8 +32,10 @@ public:
         line.text.append(c);
     }
     void tab() {
+        const int from = static_cast<int>(out_.back().text.size());
         do add(QLatin1Char(' '));
         while (out_.back().text.size() % kTabWidth != 0);
+        out_.back().tabs.emplace_back(from, static_cast<int>(out_.back().text.size()));
     }
     void newLine() { out_.emplace_back(); }
 

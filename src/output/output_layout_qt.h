@@ -6,6 +6,7 @@
 #include <QString>
 #include <QStringView>
 
+#include <utility>
 #include <vector>
 
 #include "output/output_window.h"
@@ -22,6 +23,9 @@ struct LaidSpan {
 struct LaidLine {
     QString text;
     std::vector<LaidSpan> spans;
+    // The blanks that stand for a TAB, as [start, end) columns in order:
+    // a copy gives the TAB itself.
+    std::vector<std::pair<int, int>> tabs;
 };
 
 // LF ends a line and CR is dropped, so CR LF is one break; TAB goes to the

@@ -438,10 +438,20 @@ QString OutputView::selectedText() const {
     if (from == to) return {};
     QStringList parts;
     for (int l = from.line; l <= to.line && l < static_cast<int>(lines_.size()); ++l) {
-        const QString& t = lines_[static_cast<std::size_t>(l)].text;
+        const LaidLine& line = lines_[static_cast<std::size_t>(l)];
         const int a = l == from.line ? from.col : 0;
-        const int b = l == to.line ? to.col : static_cast<int>(t.size());
-        parts << t.mid(a, b - a);
+        const int b = l == to.line ? to.col : static_cast<int>(line.text.size());
+        // The blanks of a TAB that the selection reaches copy as the TAB.
+        QString part;
+        int at = a;
+        for (const auto& [tabFrom, tabTo] : line.tabs) {
+            if (tabTo <= at) continue;
+            if (tabFrom >= b) break;
+            part += line.text.mid(at, qMax(0, tabFrom - at)) + QLatin1Char('\t');
+            at = tabTo;
+        }
+        if (at < b) part += line.text.mid(at, b - at);
+        parts << part;
     }
     return parts.join(QLatin1Char('\n'));
 }

@@ -172,6 +172,19 @@ TEST(OutputView, ASelectionCopiesTheTextAcrossLines) {
     QTest::mouseMove(vp, to);  // with the button held
     QTest::mouseRelease(vp, Qt::LeftButton, {}, to);
     EXPECT_EQ(t->selectedText(), "bc\nde");
+
+    // The blanks of a TAB copy as the TAB, also when the selection starts
+    // among them.
+    FormFixture g;
+    print(g, "x\tT\r\nab\t\tc");
+    qt::OutputView* u = g.form().outputWindow(kMainWindow);
+    QTest::keyClick(u, Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(u->selectedText(), "x\tT\nab\t\tc");
+    const QPoint inTab(3 * fm.horizontalAdvance('M') + 1, fm.lineSpacing() / 2);
+    QTest::mousePress(u->viewport(), Qt::LeftButton, {}, inTab);
+    QTest::mouseMove(u->viewport(), inTab + QPoint(6 * fm.horizontalAdvance('M'), 0));
+    QTest::mouseRelease(u->viewport(), Qt::LeftButton, {}, inTab + QPoint(6 * fm.horizontalAdvance('M'), 0));
+    EXPECT_EQ(u->selectedText(), "\tT");
 }
 
 // The mouse and keys on an output window: a double click takes a word,
