@@ -53,6 +53,19 @@ struct Recorder {
     qt::QtSocket s;  // last: gone before what its handlers write to
 };
 
+// A listening socket of our own on a free loopback port, with room for
+// `queue` waiting connections; -1 if it cannot be had.
+int loopbackListener(int queue, sockaddr_in& at) {
+    const int fd = ::socket(AF_INET, SOCK_STREAM, 0);
+    at = {};
+    at.sin_family = AF_INET;
+    at.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof at;
+    if (fd < 0 || ::bind(fd, reinterpret_cast<sockaddr*>(&at), size) != 0 || ::listen(fd, queue) != 0) return -1;
+    ::getsockname(fd, reinterpret_cast<sockaddr*>(&at), &size);
+    return fd;
+}
+
 TEST(QtSocket, ErrorsCarryTheNumbersPlayersKnow) {
     using E = QAbstractSocket::SocketError;
     const std::pair<E, int> rows[] = {
@@ -111,14 +124,10 @@ TEST(QtSocket, ARefusedConnectionOrAnImpossiblePortIsAnErrorAfterTheCall) {
 // the server takes the connection later, or when it has not stood within
 // the time allowed: a server whose queue is full drops the tries.
 TEST(QtSocket, AConnectUnderWayEndsWhenCancelledOrWhenItsTimeIsUp) {
-    const int server = ::socket(AF_INET, SOCK_STREAM, 0);
     sockaddr_in at{};
-    at.sin_family = AF_INET;
-    at.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof at;
-    ASSERT_EQ(::bind(server, reinterpret_cast<sockaddr*>(&at), size), 0);
-    ASSERT_EQ(::listen(server, 0), 0);
-    ::getsockname(server, reinterpret_cast<sockaddr*>(&at), &size);
+    const int server = loopbackListener(0, at);
+    ASSERT_GE(server, 0);
+    const socklen_t size = sizeof at;
     std::vector<int> fillers;
     for (int i = 0; i < 2; ++i) {
         fillers.push_back(::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0));
@@ -155,14 +164,9 @@ TEST(QtSocket, AConnectUnderWayEndsWhenCancelledOrWhenItsTimeIsUp) {
 // cannot pile up without end; once it reads, its text comes. Disconnect
 // then drops what it never took instead of keeping the connection up.
 TEST(QtSocket, AServerThatReadsNothingIsNotReadUntilItDoes) {
-    const int listener = ::socket(AF_INET, SOCK_STREAM, 0);
     sockaddr_in at{};
-    at.sin_family = AF_INET;
-    at.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof at;
-    ASSERT_EQ(::bind(listener, reinterpret_cast<sockaddr*>(&at), size), 0);
-    ASSERT_EQ(::listen(listener, 1), 0);
-    ::getsockname(listener, reinterpret_cast<sockaddr*>(&at), &size);
+    const int listener = loopbackListener(1, at);
+    ASSERT_GE(listener, 0);
     ::fcntl(listener, F_SETFL, O_NONBLOCK);
     Recorder r(std::to_string(ntohs(at.sin_port)), false);
     int server = -1;
