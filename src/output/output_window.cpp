@@ -17,9 +17,12 @@ void OutputWindow::grow(std::size_t more) {
         shiftToFront();
         if (cap_ - end_ >= more) return;
     }
-    const std::size_t cap = std::max({cap_ * 2, end_ + more, std::size_t{256}});
+    reallocate(std::max({cap_ * 2, end_ + more, std::size_t{256}}), 0, end_);
+}
+
+void OutputWindow::reallocate(std::size_t cap, std::size_t from, std::size_t n) {
     auto buf = std::make_unique_for_overwrite<char[]>(cap);
-    if (end_ > 0) std::memcpy(buf.get(), buf_.get(), end_);
+    if (n > 0) std::memcpy(buf.get(), buf_.get() + from, n);
     buf_ = std::move(buf);
     cap_ = cap;
 }
@@ -82,15 +85,10 @@ void OutputWindow::compact() {
 void OutputWindow::shiftToFront() {
     // A text far beyond the window's limit (a page that is one line of
     // 100 MB) grew the buffer to its size: the window gives it back.
-    if (cap_ > kKeptCapacity && size() * 4 < cap_) {
-        const std::size_t cap = std::max(size() * 2, std::size_t{256});
-        auto buf = std::make_unique_for_overwrite<char[]>(cap);
-        std::memcpy(buf.get(), buf_.get() + off_, size());
-        buf_ = std::move(buf);
-        cap_ = cap;
-    } else {
+    if (cap_ > kKeptCapacity && size() * 4 < cap_)
+        reallocate(std::max(size() * 2, std::size_t{256}), off_, size());
+    else
         std::memmove(buf_.get(), buf_.get() + off_, size());
-    }
     end_ -= off_;
     for (std::size_t i = head_; i < runs_.size(); ++i) runs_[i].start -= off_;
     off_ = 0;

@@ -108,6 +108,8 @@ private:
     std::size_t runAt(std::size_t at) const;
     void shiftToFront();
     void grow(std::size_t more);
+    // A buffer of `cap` bytes holding the `n` bytes from `from` on.
+    void reallocate(std::size_t cap, std::size_t from, std::size_t n);
 
     // The text is buf_[off_, end_); a plain buffer, not a string, so that
     // the writer can fill it without first zeroing what it will overwrite.

@@ -201,7 +201,9 @@ TEST(QtHost, BoxesShowTheirTextAsTypedAndDeletionDefaultsToNo) {
         EXPECT_EQ(held, text);
         EXPECT_LE(shown.height(), free.height() * 3 / 4) << text.size();
         EXPECT_LE(shown.width(), 600) << text.size();
-        if (text == path) EXPECT_LT(shown.height(), 250) << "no room beyond the text's few lines";
+        if (text == path) {
+            EXPECT_LT(shown.height(), 250) << "no room beyond the text's few lines";
+        }
     }
 }
 
