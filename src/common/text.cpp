@@ -58,9 +58,16 @@ std::string fileFailureMessage(std::string_view action, std::string_view path, s
     return m + ".";
 }
 
+namespace {
+
+std::string refusal(std::string_view kind, std::string_view name, std::string_view why) {
+    return "Cannot use the " + std::string(kind) + " name \"" + std::string(name) + "\": " + std::string(why);
+}
+
+}  // namespace
+
 std::string refusedNameMessage(std::string_view kind, std::string_view name) {
-    return "Cannot use the " + std::string(kind) + " name \"" + std::string(name) +
-           "\": a name is not blank, does not end in a blank or a dot, and holds none of \\ / : * ? \" < > |";
+    return refusal(kind, name, "a name is not blank, does not end in a blank or a dot, and holds none of \\ / : * ? \" < > |");
 }
 
 std::string nameRefusal(std::string_view kind, std::string_view name, const std::vector<std::string>& present) {
@@ -68,8 +75,8 @@ std::string nameRefusal(std::string_view kind, std::string_view name, const std:
     if (std::find(present.begin(), present.end(), name) != present.end()) return {};
     for (const std::string& other : present)
         if (sameIgnoringCase(other, name))
-            return "Cannot use the " + std::string(kind) + " name \"" + std::string(name) + "\": there is " + other +
-                   ", and names that differ only in case are one file on case-blind systems";
+            return refusal(kind, name,
+                           "there is " + other + ", and names that differ only in case are one file on case-blind systems");
     return {};
 }
 
