@@ -80,6 +80,7 @@ void MainForm::buildWorkArea() {
     Text1_->setFont(monospaceFont(9.75));
     // A command line has no length limit (Qt's default stops at 32,767).
     Text1_->setMaxLength(std::numeric_limits<int>::max());
+    typesNoAltChords(Text1_);
     BTN_BULK_ = commandButton("BTN_BULK", "&Bulk", PlayGround_);
     BTN_Flags_ = commandButton("BTN_Flags", "&Flags", PlayGround_);
 }

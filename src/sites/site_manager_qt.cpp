@@ -129,6 +129,7 @@ void SiteManagerDialog::build() {
     for (std::size_t i = 0; i + 1 < std::size(order); ++i)
         setTabOrder(const_cast<QWidget*>(order[i]), const_cast<QWidget*>(order[i + 1]));
     TXT_DESC->setTabChangesFocus(true);
+    typesNoAltChords(TXT_DESC);
     TXT_DESC->installEventFilter(this);
     OKButton->setFocus();
 

@@ -51,7 +51,28 @@ void setBoxText(QPlainTextEdit* box, std::string_view core) { box->setPlainText(
 
 std::string commandLineText(const QLineEdit* box) { return withCrLf(box->text()); }
 
+namespace {
+
+// An Alt chord that reaches a text box found no mnemonic to press: it types
+// nothing, so that Alt+X pressed by mistake puts no "x" into the next command.
+// AltGr is not Alt here, so the letters it gives still type.
+class AltChordGuard final : public QObject {
+public:
+    using QObject::QObject;
+    bool eventFilter(QObject*, QEvent* e) override {
+        if (e->type() != QEvent::KeyPress) return false;
+        const auto* k = static_cast<const QKeyEvent*>(e);
+        return (k->modifiers() & Qt::AltModifier) && !(k->modifiers() & Qt::ControlModifier) &&
+               !k->text().isEmpty() && k->text().front().isPrint();
+    }
+};
+
+}  // namespace
+
+void typesNoAltChords(QWidget* box) { box->installEventFilter(new AltChordGuard(box)); }
+
 void oneLineBox(QLineEdit* box) {
+    typesNoAltChords(box);
     // A pasted init string or description is kept whole, however long.
     box->setMaxLength(std::numeric_limits<int>::max());
     QObject::connect(box, &QLineEdit::textEdited, box, [box](const QString& text) {
@@ -74,6 +95,7 @@ void setLineText(QLineEdit* box, std::string_view core) {
 }
 
 void multiLineBox(QPlainTextEdit* box) {
+    typesNoAltChords(box);
     box->setTabChangesFocus(true);
     box->setLineWrapMode(QPlainTextEdit::WidgetWidth);
     box->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);

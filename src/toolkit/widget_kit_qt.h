@@ -59,6 +59,9 @@ void setLineText(QLineEdit* box, std::string_view core);
 // text (LF from this desktop, CR LF or CR from elsewhere) become CR LF, so
 // that each line runs as its own command, as in the Bulk box.
 std::string commandLineText(const QLineEdit* box);
+// A text box where an Alt chord that pressed no button types nothing.
+// oneLineBox and multiLineBox make their boxes so.
+void typesNoAltChords(QWidget* box);
 // A one-line box that holds a name, a host or a number: a line break pasted
 // into it becomes a blank, as the box shows it, since what it holds has no
 // room for one (a site's field in CONN.ZIG would break the file).

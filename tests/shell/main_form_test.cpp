@@ -176,6 +176,9 @@ TEST(CommandLine, EnterSendsTheWholeLineInTheCodePageEscapeHidesAndAFailureIsTol
     EXPECT_EQ(f.fake.socket.sent, "say a\r\nsay b\r\nsay c\r\nsay d\r\n");
 
     QTest::keyClicks(text1, "north");
+    // An Alt chord that no button takes types nothing.
+    QTest::keyClick(text1, Qt::Key_X, Qt::AltModifier);
+    QTest::keyClick(text1, Qt::Key_A, Qt::AltModifier);
     QTest::keyClick(text1, Qt::Key_Escape);
     EXPECT_TRUE(f.fake.host.hidden);
     EXPECT_EQ(text1->text(), "north");
