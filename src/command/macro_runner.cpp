@@ -29,9 +29,18 @@ std::set<long long> referenced(const std::string& body, long long most) {
 
 }  // namespace
 
+// No macro lies outside macros/: the override folder's empty, "." and ".."
+// parts are passed over, as in a site's log folder.
 std::string MacroRunner::folder(const std::string& overrideDir) {
     std::string f = std::string(kFolder) + "/";
-    if (!overrideDir.empty()) f += slashes(overrideDir) + "/";
+    const std::string dir = slashes(overrideDir);
+    for (std::size_t start = 0; start < dir.size();) {
+        std::size_t end = dir.find('/', start);
+        if (end == std::string::npos) end = dir.size();
+        const std::string part = dir.substr(start, end - start);
+        if (!part.empty() && part != "." && part != "..") f += part + "/";
+        start = end + 1;
+    }
     return f;
 }
 
@@ -88,7 +97,8 @@ void MacroRunner::S_RunMacro(std::string& line) {
         if (files_.exists(over)) path = over;
     }
     std::string text;
-    if (!files_.exists(path) || !files_.readAll(path, text)) {
+    // A name that climbs out of macros/ ("@../x") names no macro.
+    if (climbsOut(name) || !files_.exists(path) || !files_.readAll(path, text)) {
         debug_.DebugLog("\r\n" + files_.absolute(path) + " UNKNOWN MACRO for command " + args + "\r\n");
         tellOtherCase(name);
         return;

@@ -38,6 +38,22 @@ std::size_t countOf(std::string_view s, std::string_view what) {
 
 std::string decimal(long long n) { return std::to_string(n); }
 
+bool climbsOut(std::string_view path) {
+    long long depth = 0;
+    for (std::size_t start = 0; start <= path.size();) {
+        std::size_t end = path.find('/', start);
+        if (end == std::string_view::npos) end = path.size();
+        const std::string_view part = path.substr(start, end - start);
+        if (part == "..") {
+            if (--depth < 0) return true;
+        } else if (!part.empty() && part != ".") {
+            ++depth;
+        }
+        start = end + 1;
+    }
+    return false;
+}
+
 bool endsWithIgnoringCase(std::string_view name, std::string_view suffix) {
     if (name.size() < suffix.size()) return false;
     auto fold = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };

@@ -29,6 +29,10 @@ inline std::size_t replacedSize(std::string_view s, std::string_view from, std::
     return s.size() - n * from.size() + n * to.size();
 }
 
+// Whether a relative path, its parts cut at "/", climbs above its start
+// through ".." parts ("a/../.." does, "a/../b" does not).
+bool climbsOut(std::string_view path);
+
 // Decimal text of a whole number.
 std::string decimal(long long n);
 

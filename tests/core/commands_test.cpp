@@ -231,6 +231,13 @@ TEST(Macros, FilesInAnyExtensionCaseAndTheOverrideFolder) {
     EXPECT_EQ(h.writes(), (Writes{"say x\r\n", "say y a\r\n", "say only main\r\n", "say v\r\n", "say main y b\r\n",
                                   "say w\r\n"}));
     EXPECT_TRUE(h.has(" UNKNOWN MACRO for command \r\n\r\nMacro names count case: there is macros/x.Macro\r\n"));
+    // Nothing outside macros/ runs: a name that climbs out names no macro,
+    // and an override folder's ".." parts are passed over.
+    h.file("../evil.macro", "say evil");
+    h.fp.socket.writes.clear();
+    h.run("@../evil\r\n@AREA/../only\r\n#override ..\r\n@evil\r\n#override ../AREA/./\r\n@w");
+    EXPECT_EQ(h.writes(), (Writes{"say only main\r\n", "say w\r\n"}));
+    EXPECT_EQ(h.count(" UNKNOWN MACRO for command "), 4);
     editor.brefresh3_Click();
     EXPECT_EQ(editor.Mlist, (Writes{"Y.macro", "first.macro", "only.macro", "x.Macro"}));
 }
