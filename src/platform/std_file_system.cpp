@@ -166,21 +166,26 @@ bool StdFileSystem::readAll(const std::string& path, std::string& out) const {
         ::close(fd);
         return false;
     }
-    out.clear();
-    out.reserve(static_cast<std::size_t>(st.st_size));
-    char buf[65536];
+    // Read straight into the string: macros are read deep inside nested
+    // trigger chains, where a large buffer on the stack would cost depth.
+    // One byte more than the size tells a file that grew meanwhile.
+    std::size_t have = 0;
+    out.assign(static_cast<std::size_t>(st.st_size) + 1, '\0');
     for (;;) {
-        const ssize_t n = ::read(fd, buf, sizeof buf);
+        if (have == out.size()) out.resize(out.size() * 2);
+        const ssize_t n = ::read(fd, out.data() + have, out.size() - have);
         if (n == 0) break;
         if (n < 0) {
             if (errno == EINTR) continue;
             lastError_ = std::strerror(errno);
             ::close(fd);
+            out.clear();
             return false;
         }
-        out.append(buf, static_cast<std::size_t>(n));
+        have += static_cast<std::size_t>(n);
     }
     ::close(fd);
+    out.resize(have);
     return true;
 }
 

@@ -165,6 +165,11 @@ TEST(Edges, SavesKeepLinksAndPermissionsAndAPipeNeverHoldsTheProgram) {
     h.openLog();
     h.receive("still here\r\n");
     EXPECT_EQ(h.window(kMainWindow), "still here\r\n");
+    // A file that holds more than the system says (those of /proc say 0
+    // bytes) is read whole.
+    fs::create_symlink("/proc/self/comm", root / "macros/comm.macro");
+    h.c.Text1_Enter("@comm");
+    EXPECT_EQ(h.fp.socket.sent.substr(h.fp.socket.sent.size() - 17), "kelpa_core_test\r\n");
     ::alarm(0);
 }
 
