@@ -18,7 +18,7 @@ public:
     using Expander = std::function<std::string(const std::string&)>;
     // Macros, then-parts and trigger actions nest command texts; a circle
     // among them ends at this depth with a debug line.
-    static constexpr int kNestingLimit = 192;
+    static constexpr int kNestingLimit = 900;
     // A text that branches (a macro calling itself twice) stays under the
     // depth yet doubles its work at every level; one command from outside
     // may run at most this many nested texts. Enough for a pasted text of

@@ -26,7 +26,7 @@ namespace kelpa {
 
 // Triggers that inject text which fires triggers again nest at most this
 // deep; the next firing ends the whole received chunk.
-inline constexpr int kMaxTriggerNesting = 64;
+inline constexpr int kMaxTriggerNesting = 300;
 
 class TriggerStore : public TriggerPasses {
 public:
