@@ -103,6 +103,10 @@ void MacroRunner::S_RunMacro(std::string& line) {
         tellOtherCase(name);
         return;
     }
+    if (isUtf16Text(text)) {
+        debug_.tellAlways("Macro " + name + " not run: " + kUtf16Reason);
+        return;
+    }
     std::string body = bodyOf(text);
     if (!putArguments(body, args)) {
         debug_.tellAlways("Macro " + name + " too long with its arguments, not run");

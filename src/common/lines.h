@@ -25,6 +25,14 @@ private:
     bool done_ = false;
 };
 
+// Whether a file is UTF-16 text (what Notepad saves as "Unicode"), told by
+// its byte order mark: read as 8-bit text it would be letters and NULs.
+inline bool isUtf16Text(std::string_view text) {
+    return text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF");
+}
+// The reason given for a file that is UTF-16 text.
+inline constexpr const char* kUtf16Reason = "it is UTF-16 text (\"Unicode\" in Notepad); save it as ANSI text";
+
 // The lines of a file or a box: ended by CR LF, or by a lone CR or LF as
 // editors on Linux write them; a line end at the very end of the text opens
 // no further line. The UTF-8 byte order mark some Windows editors put at

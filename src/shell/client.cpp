@@ -78,9 +78,7 @@ void Client::reloadSites() {
     const SiteBookRead read = p_.bar.reload(files, [this](const std::string& w) { p_.debug.DebugLog(w); });
     if (read == SiteBookRead::Read) return;
     // Told whatever the debug switch says: the player's sites are missing.
-    const std::string why = files.lastError();
-    p_.debug.tellAlways((read == SiteBookRead::NotMade ? "Cannot create the site book " : "Cannot read the site book ") +
-                        files.absolute(kSiteBookFile) + (why.empty() ? "" : ": " + why));
+    p_.debug.tellAlways(siteBookProblem(read, files));
 }
 
 // Names count case here. A player who copied `Triggers` or `conn.zig` from

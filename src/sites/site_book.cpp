@@ -96,8 +96,17 @@ SiteBookRead LoadSites(FileSystem& files, std::vector<SiteRecord>& sites, const 
     }
     std::string text;
     if (!files.readAll(kSiteBookFile, text)) return SiteBookRead::Unreadable;
+    // Read as 8-bit text it holds no site, and a save would empty it.
+    if (isUtf16Text(text)) return SiteBookRead::Utf16;
     parseSites(text, sites, warn);
     return SiteBookRead::Read;
+}
+
+std::string siteBookProblem(SiteBookRead read, const FileSystem& files) {
+    if (read == SiteBookRead::Read) return {};
+    const std::string why = read == SiteBookRead::Utf16 ? std::string(kUtf16Reason) : files.lastError();
+    return (read == SiteBookRead::NotMade ? "Cannot create the site book " : "Cannot read the site book ") +
+           files.absolute(kSiteBookFile) + (why.empty() ? "" : ": " + why);
 }
 
 bool SaveSites(FileSystem& files, const std::vector<SiteRecord>& sites) {

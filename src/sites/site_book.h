@@ -37,9 +37,14 @@ enum class SiteBookRead {
     Read,
     // There was none and none could be made (a read-only folder): no sites.
     NotMade,
-    // A book stands there but cannot be read; `sites` is left as it was.
+    // A book stands there but cannot be read, or is UTF-16 text; `sites` is
+    // left as it was.
     Unreadable,
+    Utf16,
 };
+// What the player is told when the book was not read ("" when it was):
+// "Cannot create the site book PATH: why" or "Cannot read the site book ...".
+std::string siteBookProblem(SiteBookRead read, const FileSystem& files);
 // Creates an empty CONN.ZIG if there is none, then reads it.
 SiteBookRead LoadSites(FileSystem& files, std::vector<SiteRecord>& sites, const SiteWarning& warn = {});
 // Writes the whole book; false if the file could not be written.

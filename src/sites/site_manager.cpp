@@ -12,12 +12,10 @@ SiteManager::SiteManager(FileSystem& files) : files_(files) {}
 
 void SiteManager::Form_Load() {
     loadProblem_.clear();
-    if (LoadSites(files_, Sites) == SiteBookRead::Unreadable) {
-        const std::string reason = files_.lastError();
-        loadProblem_ = "Cannot read the site book " + files_.absolute(kSiteBookFile) +
-                       (reason.empty() ? "" : ": " + reason) +
+    const SiteBookRead read = LoadSites(files_, Sites);
+    if (read == SiteBookRead::Unreadable || read == SiteBookRead::Utf16)
+        loadProblem_ = siteBookProblem(read, files_) +
                        ". Its sites are not shown, and Save is refused so that they are not replaced.";
-    }
     refillList();
 }
 

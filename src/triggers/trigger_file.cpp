@@ -87,6 +87,7 @@ TriggerFileResult readTriggerFile(std::string_view bytes, const std::string& fil
     const std::size_t first = table.size();
     TriggerFileResult result;
     try {
+        if (isUtf16Text(bytes)) throw Fault{{1, kUtf16Reason}};
         Reader in(bytes);
         table.emplace_back();
         table.back().FilePath = filePath;

@@ -234,12 +234,14 @@ TEST(Macros, FilesInAnyExtensionCaseAndTheOverrideFolder) {
     // Nothing outside macros/ runs: a name that climbs out names no macro,
     // and an override folder's ".." parts are passed over.
     h.file("../evil.macro", "say evil");
+    h.file("wide.macro", std::string("\xFF\xFEs\0a\0y\0", 8));
     h.fp.socket.writes.clear();
-    h.run("@../evil\r\n@AREA/../only\r\n#override ..\r\n@evil\r\n#override ../AREA/./\r\n@w");
+    h.run("@../evil\r\n@AREA/../only\r\n#override ..\r\n@evil\r\n#override ../AREA/./\r\n@w\r\n#override\r\n@wide");
     EXPECT_EQ(h.writes(), (Writes{"say only main\r\n", "say w\r\n"}));
     EXPECT_EQ(h.count(" UNKNOWN MACRO for command "), 4);
+    EXPECT_EQ(h.count("Macro wide not run: it is UTF-16 text (\"Unicode\" in Notepad); save it as ANSI text"), 1);
     editor.brefresh3_Click();
-    EXPECT_EQ(editor.Mlist, (Writes{"Y.macro", "first.macro", "only.macro", "x.Macro"}));
+    EXPECT_EQ(editor.Mlist, (Writes{"Y.macro", "first.macro", "only.macro", "wide.macro", "x.Macro"}));
 }
 
 // Names hold the program's bytes; on disk they are UTF-8, and a name copied

@@ -95,6 +95,19 @@ TEST(SiteManager, ABookThatCannotBeReadIsNeverReplacedAndOneThatCannotBeMadeIsNo
     m.CMD_SiteAdd_Click();
     EXPECT_EQ(m.OKButton_Click(), m.loadProblem() + " The file is unchanged.");
     EXPECT_EQ(files.files.count(kSiteBookFile), 0u);
+    // A book Notepad saved as "Unicode" is refused the same way, with why.
+    const std::string utf16("\xFF\xFES\0I\0T\0E\0=\0M\0u\0d\0\r\0\n\0", 20);
+    MemoryFileSystem wide;
+    wide.files[kSiteBookFile] = utf16;
+    SiteManager w{wide};
+    w.Form_Load();
+    EXPECT_EQ(w.loadProblem(), "Cannot read the site book mem:/CONN.ZIG: it is UTF-16 text (\"Unicode\" in Notepad); "
+                               "save it as ANSI text. Its sites are not shown, and Save is refused so that they are "
+                               "not replaced.");
+    w.boxes = {"New", "new", "new.org", "", "23", "0", "", ""};
+    w.CMD_SiteAdd_Click();
+    w.OKButton_Click();
+    EXPECT_EQ(wide.files[kSiteBookFile], utf16);
 
     MemoryFileSystem readOnly;
     readOnly.readOnly = true;

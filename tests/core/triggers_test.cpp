@@ -71,6 +71,8 @@ const std::array<const char*, 3> kCases[] = {
     {"group 51", "pattern51=x\r\naction=go", ""},
     {"negative group", "flag-1=1\r\npattern1=x\r\naction=go", ""},
     {"flag beyond 32 bits", "flag1=1e20\r\npattern1=x\r\naction=go", ""},
+    {"UTF-16 byte order mark", "\xFF\xFE" "pattern1=x\r\naction=go", ""},
+    {"UTF-8 byte order mark", "\xEF\xBB\xBF" "pattern1=x\r\naction=go", "part1 F0 P1 p1:'x' a'go'"},
 };
 
 TEST(TriggerFiles, EveryCaseOfTheFormatLoadsAsItShould) {
