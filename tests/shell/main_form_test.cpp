@@ -34,8 +34,7 @@ TEST(ConnectionBar, PickingASiteFillsTheBoxesAndConnectUsesWhatTheBoxesHold) {
     f.control<QLineEdit>("PPort")->selectAll();
     f.control<QLineEdit>("PPort")->insert(QStringLiteral("6001\n"));
     EXPECT_EQ(f.text("PPort"), "6001 ");
-    f.form().activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&f.form()));
+    ASSERT_TRUE(f.activate());
     QTest::mouseClick(f.control("CMD_CONNECT"), Qt::LeftButton);
     f.form().syncFromCore();
     EXPECT_EQ(f.fake.socket.connects, std::vector<std::string>{"beta.example:6001 "});  // the socket trims
@@ -69,8 +68,7 @@ TEST(StartUp, TabsOpenOnTheirFirstPageAndTheCheckBoxesOfThePageSystemSwitchTheCo
     // command line under the title bar; a large one leaves the size alone.
     EXPECT_EQ(qt::sizeOnScreen({802, 520}, {0, 0, 819, 480}), QSize(802, 440));
     EXPECT_EQ(qt::sizeOnScreen({802, 520}, {0, 0, 1280, 984}), QSize(802, 520));
-    f.form().activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&f.form()));
+    ASSERT_TRUE(f.activate());
     EXPECT_EQ(QApplication::focusWidget(), f.control("Text1")) << "typing at start goes to the command line";
     {
         // The program's folder heads the debug window, before what the
@@ -110,8 +108,7 @@ TEST(TabControl, ALongCaptionShowsItsBeginning) {
 // page that went out of sight comes back to the command line.
 TEST(Keyboard, PagesAndTheHistoryAreReachedWithoutAMouse) {
     FormFixture f;
-    f.form().activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&f.form()));
+    ASSERT_TRUE(f.activate());
     auto* text1 = f.control<QLineEdit>("Text1");
     text1->setFocus();
     QTest::keyClick(text1, Qt::Key_Tab, Qt::ControlModifier);
@@ -188,8 +185,7 @@ TEST(CommandLine, EnterSendsTheWholeLineInTheCodePageEscapeHidesAndAFailureIsTol
 TEST(BulkDialog, SendSendsEveryLineCancelAndEscapeSendNothingAndKeepTheText) {
     FormFixture f;
     f.fake.socket.connected = true;
-    f.form().activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&f.form()));
+    ASSERT_TRUE(f.activate());
     // Writes the box (unless null) and closes the dialog as `close` says;
     // the box has the focus when it opens, the command line after.
     const auto bulk = [&f](const QString& text, const std::function<void(qt::BulkDialog*)>& close) {
@@ -223,8 +219,7 @@ TEST(BulkDialog, SendSendsEveryLineCancelAndEscapeSendNothingAndKeepTheText) {
 TEST(FlagsForm, KeywordsShowWhileOpenAndClicksReachTheNextKeyword) {
     FormFixture f;
     f.fake.socket.connected = true;
-    f.form().activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&f.form()));
+    ASSERT_TRUE(f.activate());
     qt::FlagsForm* flags = f.form().flagsForm();
     f.click("BTN_Flags");
     EXPECT_TRUE(QTest::qWaitFor([&] { return flags->focusWidget() == flags->TRGFLAG(0); }, 2000));
