@@ -52,7 +52,7 @@ TEST(ReceiveRoad, GraphicsOffTurnsBoxBytesIntoAsciiForGood) {
     const std::string box = bytes({0xC4, 0xB3, 0xC5, 0xDD, 0xB1, 0xC9});
     for (const bool graphics : {false, true}) {
         ClientHarness h;
-        if (!graphics) h.setGraphicsOff();
+        h.c.setGraphics(graphics);
         h.receive("x" + box);
         const std::string shown = graphics ? "x" + box : "x-|*" + bytes({0xDD, 0xB1}) + "*";
         EXPECT_EQ(h.history() + "|" + h.window(kMainWindow), shown + "|" + shown);
