@@ -243,9 +243,13 @@ TEST(TriggerEditor, RefusedNamesAndFailedSavesAndDeletesSayWhyAndKeepTheBoxes) {
                                              ": a file of that name is there.");
     e.Option1_Click(0);
 
-    e.txtTRGLabel = std::string(300, 'n') + ".trigger";
+    // A file that cannot be written names itself and the reason; the text stays.
+    const std::string tooLong = std::string(300, 'n') + ".trigger";
+    e.txtTRGLabel = tooLong;
     e.btnTRGSave_Click();
-    EXPECT_NE(t.fp.host.messages.back().find("File name too long"), std::string::npos);
+    EXPECT_EQ(t.fp.host.messages.back(),
+              "Cannot save the trigger " + t.fp.files.absolute("triggers/" + tooLong) + ": File name too long.");
+    EXPECT_EQ(e.txtTRGBody, "pattern1=?\r\naction=#nop\r\npattern1=?\r\naction=#nop");
     EXPECT_TRUE(std::filesystem::is_empty(t.fp.folder.path() / "triggers"));  // no temporary file left
     // The longest name the folder takes saves like any other.
     const std::string longest = std::string(247, 'n') + ".trigger";
@@ -286,13 +290,6 @@ TEST(TriggerEditor, RefusedNamesAndFailedSavesAndDeletesSayWhyAndKeepTheBoxes) {
     EXPECT_EQ(t.fp.host.messages.back(),
               "Cannot delete the trigger " + t.fp.files.absolute("triggers/a.trigger") + ": there is no such file.");
     EXPECT_EQ(e.txtTRGBody + "|" + std::to_string(t.fp.host.messages.size()), "kept|12");
-    // A folder of the name, even an empty one, is not the trigger's to delete.
-    std::filesystem::create_directory(t.fp.folder.path() / "triggers/d.trigger");
-    e.txtTRGLabel = "d.trigger";
-    e.btnTRGDelete_Click();
-    EXPECT_EQ(t.fp.host.messages.back(),
-              "Cannot delete the trigger " + t.fp.files.absolute("triggers/d.trigger") + ": it is a folder.");
-    EXPECT_TRUE(t.fp.files.exists("triggers/d.trigger"));
     // A listed file gone before the double click: told, and the boxes stay.
     t.fp.folder.write("triggers/b.trigger", "pattern1=x\r\naction=y");
     e.brefresh2_Click();
@@ -301,7 +298,7 @@ TEST(TriggerEditor, RefusedNamesAndFailedSavesAndDeletesSayWhyAndKeepTheBoxes) {
     e.TList_DblClick();
     EXPECT_EQ(t.fp.host.messages.back(), "Cannot read the trigger " + t.fp.files.absolute("triggers/b.trigger") +
                                              ": No such file or directory.");
-    EXPECT_EQ(e.txtTRGLabel + "|" + e.txtTRGBody, "d.trigger|kept");
+    EXPECT_EQ(e.txtTRGLabel + "|" + e.txtTRGBody, "a.trigger|kept");
     e.Reload_Click();
     EXPECT_EQ(t.c.parts().triggers.TriggerCount(), 0);
 }

@@ -87,10 +87,14 @@ struct FormFixture {
         control<QLineEdit>(box)->selectAll();
         QTest::keyClicks(control(box), text);
     }
+    // The window active, as the player's clicks and keys leave it.
+    bool activate() {
+        form().activateWindow();
+        return QTest::qWaitForWindowActive(&form());
+    }
     // The window active and the button in focus, as a click leaves them.
     void pressedByThePlayer(const char* button) {
-        form().activateWindow();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(&form()));
+        EXPECT_TRUE(activate());
         control(button)->setFocus();
     }
     void enter(const char* box, const QString& line) {

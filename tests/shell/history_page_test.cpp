@@ -73,8 +73,7 @@ TEST(HistoryPage, SeekShowsTheLineOnTheHistoryPageAndFilterListsThem) {
     FormFixture f;
     f.form().client().parts().history.append(numberedLines(1, 50) + "The \x1b[31mdragon\x1b[0m sleeps.\r\n" +
                                              numberedLines(51, 90) + "A DRAGON wakes.\r\n");
-    f.form().activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&f.form()));
+    ASSERT_TRUE(f.activate());
     f.form().tabs()->setCurrentIndex(6);
     f.enter("Tseek", "Dragon");
     EXPECT_EQ(f.form().tabs()->currentIndex(), 0);

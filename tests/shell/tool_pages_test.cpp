@@ -177,8 +177,7 @@ TEST(ToolPages, DoubleClickBesideTheEntriesEmptiesTheBoxes) {
 // opens the entry of a list that has it.
 TEST(ToolPages, KeysAndButtonsAsPlayersKnowThem) {
     ToolsFixture f;
-    f.form().activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&f.form()));
+    ASSERT_TRUE(f.activate());
     const char* const pages[][3] = {{"Mlist", "txtMacrosCommands", "BTNMacrosNew"},
                                     {"TList", "txtTRGBody", "btnTRGNew"}};
     for (const auto& [list, body, newButton] : pages) {

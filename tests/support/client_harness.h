@@ -36,7 +36,6 @@ struct ClientHarness {
     }
     // Opens the day's log of a site, as a connection does.
     void openLog(const std::string& shortName = "mud") { c.parts().log.open(shortName); }
-    void setGraphicsOff() { c.setGraphics(false); }
 };
 
 // A text from byte values and literal pieces, e.g. bytes({255, 251, 1}).

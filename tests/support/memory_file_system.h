@@ -1,9 +1,7 @@
 // A file system held in memory, for benches and fuzzers that must not pay
-// for the disk, and for tests of a disk that fills up: with `capacity` set,
-// a write that would pass it fails and writes nothing.
+// for the disk, and for tests of a folder that cannot be written.
 #pragma once
 
-#include <algorithm>
 #include <map>
 #include <memory>
 #include <set>
@@ -40,8 +38,7 @@ public:
         return true;
     }
     bool writeAll(const std::string& path, const std::string& bytes) override {
-        if (readOnly || !room(bytes.size())) return false;
-        used += bytes.size();
+        if (readOnly) return false;
         files[path] = bytes;
         return true;
     }
@@ -60,24 +57,16 @@ public:
 
     std::map<std::string, std::string> files;
     std::set<std::string> folders;
-    // Bytes the disk takes in all; writes beyond fail.
-    std::size_t capacity = static_cast<std::size_t>(-1);
-    std::size_t used = 0;
     // Nothing can be made or written (a read-only mount).
     bool readOnly = false;
     // Appends are counted but not kept (a sink for long benches).
     bool keepAppends = true;
 
 private:
-    bool room(std::size_t n) const { return n <= capacity - std::min(used, capacity); }
-
     class File : public AppendFile {
     public:
         File(MemoryFileSystem& fs, std::string path) : fs_(fs), path_(std::move(path)) {}
         bool write(std::string_view text, std::string_view more) override {
-            const std::size_t n = text.size() + more.size();
-            if (!fs_.room(n)) return false;
-            fs_.used += n;
             if (fs_.keepAppends) fs_.files[path_].append(text).append(more);
             return true;
         }
