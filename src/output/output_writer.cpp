@@ -187,7 +187,9 @@ void OutputWriter::writeAll(std::string_view all, int win, bool received) {
         pos += len;
         if (all[pos] == kIac) {
             if (pos + 1 < all.size() && all[pos + 1] == kIac) {
-                // A doubled IAC is the data byte 255.
+                // A doubled IAC is the data byte 255; the debug window tells
+                // it as the command it also is.
+                telnet_.tellUnknown(255);
                 if (st.Ink) {
                     *out.tail(1) = kIac;
                     out.commit(1, styleOf(st, pos + 2 == all.size() ? out.caretUnderline() : st.Underline));

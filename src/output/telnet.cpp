@@ -87,13 +87,17 @@ std::size_t TelnetInterpreter::S_InterpretIac(std::string_view text, int win) {
             return 3;
         }
         default: {
-            debug_.DebugLog("IAC ;");
-            if (debug_.enabled) debug_.DebugLog("unknown iac command " + decimal(cmd));
+            tellUnknown(cmd);
             // Telnet's own commands go whole; any other byte after an IAC
             // is text.
             return iacCommandLength(static_cast<unsigned char>(cmd));
         }
     }
+}
+
+void TelnetInterpreter::tellUnknown(int cmd) {
+    debug_.DebugLog("IAC ;");
+    if (debug_.enabled) debug_.DebugLog("unknown iac command " + decimal(cmd));
 }
 
 }  // namespace kelpa

@@ -47,6 +47,9 @@ public:
     // is not IAC IAC, and returns how many characters it used; kUnfinished
     // when the text ends inside the sequence, which is then left untold.
     std::size_t S_InterpretIac(std::string_view text, int win);
+    // The debug lines of a command without meaning here ("IAC unknown iac
+    // command 249"), also for the doubled IAC that the writer shows as 255.
+    void tellUnknown(int cmd);
 
 private:
     OutputWindows& windows_;

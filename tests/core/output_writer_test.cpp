@@ -139,6 +139,7 @@ void slowPrint(Client& c, std::string_view input, int win, bool received) {
         }
         flush(false);
         if (all.compare(pos, 2, "\xFF\xFF") == 0) {
+            c.parts().debug.DebugLog("IAC unknown iac command 255");
             text += '\xFF';
             used = 2;
         } else if (all[pos] == '\xFF') {
@@ -282,7 +283,8 @@ TEST(OutputWriter, FragmentsAndNegotiationAreSwallowedOrWaitWhenCutShort) {
         {"end of record", "p>" + bytes({255, 239}), "p>", "IAC unknown iac command 239\r\n"},
         {"NOP", "a" + bytes({255, 241}) + "b", "ab", "IAC unknown iac command 241\r\n"},
         {"dont goes with its option", bytes({255, 254, 1}) + "d", "d", "IAC unknown iac command 254\r\n"},
-        {"doubled IAC is one 255", "a" + bytes({255, 255}) + "x", "a" + bytes({255}) + "x", ""},
+        {"doubled IAC is one 255", "a" + bytes({255, 255}) + "x", "a" + bytes({255}) + "x",
+         "IAC unknown iac command 255\r\n"},
         {"IAC before plain text loses the IAC", bytes({255}) + "look", "look", "IAC unknown iac command 108\r\n"},
         {"IAC alone", "ab" + bytes({255}), "ab", "", bytes({255})},
         {"SB without option", "ab" + bytes({255, 250}), "ab", "", bytes({255, 250})},

@@ -61,7 +61,7 @@ TEST(StatusFrames, TelnetOptionTwentyFourIsNotAFrameStartAndItemsTellTheDebugWin
          bytes({255, 250, 31, 0, 80, 0, 24, 255, 240}) + frame({"1,8,1"}) + "x", bytes({0, 80, 0, 24}) + "x", 0,
          "Interpreting 1,8,1\r\nIAC  SB  window size  \r\nIAC  EON \r\n"},  // frames go before the text is printed
         {"IAC IAC then a frame", bytes({255, 255}) + frame({"1,8,1"}) + "x", bytes({255}) + "x", 0,
-         "Interpreting 1,8,1\r\n"},
+         "Interpreting 1,8,1\r\nIAC unknown iac command 255\r\n"},
         {"empty item", frame({""}), "", 0, "Interpreting \r\nWhich i know nothing ...\r\n"},
         {"kind 3", frame({"3,1,x"}), "", 0, "Interpreting 3,1,x\r\nWhich i know nothing ...\r\n"},
         {"cell item", frame({"1,57,x"}), "", 0, "Interpreting 1,57,x\r\n"},
