@@ -302,8 +302,12 @@ bool typedText(const QKeyEvent& k) {
 
 bool MainForm::eventFilter(QObject* watched, QEvent* e) {
     if (watched == Text1_ && e->type() == QEvent::KeyPress) {
-        const int key = static_cast<QKeyEvent*>(e)->key();
-        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+        const auto* k = static_cast<QKeyEvent*>(e);
+        const int key = k->key();
+        // Ctrl+M is the terminal's carriage return, and ends a line as Enter does.
+        const bool ctrlM = key == Qt::Key_M && (k->modifiers() & (Qt::ControlModifier | Qt::AltModifier |
+                                                                   Qt::ShiftModifier)) == Qt::ControlModifier;
+        if (key == Qt::Key_Return || key == Qt::Key_Enter || ctrlM) {
             Text1_Enter();
             return true;
         }

@@ -161,7 +161,9 @@ TEST(CommandLine, EnterSendsTheWholeLineInTheCodePageEscapeHidesAndAFailureIsTol
     text1->setText(QString::fromStdString(line));
     text1->end(false);
     f.enter("Text1", "ab");  // typing goes on past any length
-    EXPECT_EQ(f.fake.socket.sent, "look\r\n\r\nsay caf\xE9 \x80" "5 ?\r\n" + line + "ab\r\n");
+    QTest::keyClicks(text1, "hm");
+    QTest::keyClick(text1, Qt::Key_M, Qt::ControlModifier);  // as a terminal's CR
+    EXPECT_EQ(f.fake.socket.sent, "look\r\n\r\nsay caf\xE9 \x80" "5 ?\r\n" + line + "ab\r\nhm\r\n");
     // A pasted list of commands runs line by line, whatever its line ends.
     f.fake.socket.sent.clear();
     text1->insert(QStringLiteral("say a\nsay b\r\nsay c\rsay d\n"));
