@@ -171,7 +171,13 @@ void KeywordInterpreter::MATH(std::string& s) {
 void KeywordInterpreter::MSGBOX(std::string& s) { p_.host.messageBox(s); }
 
 void KeywordInterpreter::ECHO(std::string& s) {
-    const int win = valInt32Clamped(getword(s));
+    const std::string word = getword(s);
+    std::int32_t win = 0;
+    if (!valInt32(word, win)) {
+        // Beyond 32 bits: the player is told the number as given.
+        p_.debug.DebugLog("No such window :" + numberText(std::nearbyint(Val(word))));
+        return;
+    }
     try {
         p_.writer.W_Print(s + "\r\n", win);
     } catch (const RunError&) {

@@ -134,10 +134,11 @@ TEST(Keywords, ConditionsRunTheirThenPartFoldedExpandedAndNestedUpToTheLimit) {
 TEST(Keywords, WindowsInkAndLabels) {
     Lines h;
     h.run("#echo 2 hello world\r\n#e 1 dbg\r\n#echo x lost word\r\n#echo 2.5 even\r\n#echo 3.5\r\n#echo 9 x\r\n"
-          "#echo  2 shifted");
+          "#echo  2 shifted\r\n#e 4294967296 x\r\n#e -1e400 x");
     EXPECT_EQ(h.window(kCustom1) + "|" + h.window(kCustom1 + 2) + "|" + h.window(kMainWindow),
               "HELLO WORLD\r\nEVEN\r\n|\r\n|LOST WORD\r\n2 SHIFTED\r\n");
-    EXPECT_EQ(h.debugText(), "DBG\r\nNo such window :9\r\n");
+    EXPECT_EQ(h.debugText(), "DBG\r\nNo such window :9\r\nNo such window :4294967296\r\n"
+                             "No such window :-1.79769313486232E+308\r\n");
     std::string ink;
     for (const char* word : {"off", "1", "0", "true", "", "ON"}) {
         h.run("#ink " + std::string(word));
