@@ -16,11 +16,11 @@ void CommandRoad::S_RunCommands(std::string text) {
         // command: a runaway tree meets the depth at each of its leaves.
         if (depth_.full()) {
             if (!depthTold_)
-                debug_.tellAlways("Commands nested more than " + decimal(kNestingLimit) + " deep, not run: " + head);
+                debug_.tellAlways("Commands nested more than " + decimal(kNestingLimit) + " deep, not run: " + quoted(head));
             depthTold_ = true;
         } else if (nestedTexts_++ == kNestedTextBudget)
             debug_.tellAlways("More than " + decimal(kNestedTextBudget) + " nested commands in one run, stopped at: " +
-                              head);
+                              quoted(head));
         return;
     }
     if (depth > 0) {
@@ -73,7 +73,7 @@ bool CommandRoad::overWorkBudget(const std::string& line) {
     if (done <= kWorkBudget) return false;
     workSpent_ = true;
     debug_.tellAlways("More than " + decimal(static_cast<long long>(kWorkBudget >> 20)) +
-                      " MB of commands in one run, stopped at: " + line);
+                      " MB of commands in one run, stopped at: " + quoted(line));
     return true;
 }
 

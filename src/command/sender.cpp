@@ -28,7 +28,7 @@ void Sender::S_SendData(std::string& X) {
 void Sender::s_queuedata(std::string& X) {
     if (QueueSlots.size() >= kQueueSlots) {
         // Quoted: a text that ends in ";" would leave the debug line open.
-        debug_.DebugLog("Queue full, not queued: \"" + X + "\"");
+        debug_.DebugLog("Queue full, not queued: " + quoted(X));
         return;
     }
     QueueSlots.push_back(X);

@@ -33,6 +33,10 @@ inline std::size_t replacedSize(std::string_view s, std::string_view from, std::
 // through ".." parts ("a/../.." does, "a/../b" does not).
 bool climbsOut(std::string_view path);
 
+// A text in double quotes, for a debug line that names it: one that ends in
+// ";" would otherwise leave the debug line open.
+inline std::string quoted(std::string_view s) { return "\"" + std::string(s) + "\""; }
+
 // Decimal text of a whole number.
 std::string decimal(long long n);
 

@@ -124,7 +124,7 @@ TEST(Keywords, ConditionsRunTheirThenPartFoldedExpandedAndNestedUpToTheLimit) {
           "#ifnull %nothing say plain\r\n#ifnotnull");
     // Y holds a condition whose then-part runs Y again.
     h.run("#ifdif x y say dif\r\n#sv y ifeq 1 1 #%y\r\n#%y\r\nsay after");
-    EXPECT_TRUE(h.has("Commands nested more than 900 deep, not run: #%Y\r\n"));
+    EXPECT_TRUE(h.has("Commands nested more than 900 deep, not run: \"#%Y\"\r\n"));
     EXPECT_EQ(h.writes(), (Writes{"SAY GT\r\n", "SAY UNSET\r\n", "SAY LT\r\n", "SAY GTE\r\n", "SAY LTE\r\n",
                                   "SAY EQ\r\n", "SAY NEQ\r\n", "N\r\nE\r\n", "B SAY\r\n", "SAY PLAIN\r\n",
                                   "SAY DIF\r\n", "say after\r\n"}));
@@ -289,7 +289,7 @@ TEST(Macros, BranchingCallsAndHugeExpansionsStopAtTheirBudgets) {
     h.c.setDebugInfo(false);
     h.file("tree.macro", "@tree\r\n@tree");
     h.run("@tree\r\nsay alive\r\n@tree");
-    const std::string stopped = "More than 20000 nested commands in one run, stopped at: @tree\r\n";
+    const std::string stopped = "More than 20000 nested commands in one run, stopped at: \"@tree\"\r\n";
     EXPECT_EQ(h.count(stopped), 1u);
     EXPECT_EQ(h.writes(), Writes{"say alive\r\n"});
     h.run("@tree");
@@ -309,7 +309,7 @@ TEST(Macros, BranchingCallsAndHugeExpansionsStopAtTheirBudgets) {
     h.file("big.macro", body + "say never");
     std::size_t before = h.fp.socket.sent.size();
     h.run("@big\r\nsay never");
-    EXPECT_EQ(h.count("More than 4 MB of commands in one run, stopped at: say %X\r\n"), 1u);
+    EXPECT_EQ(h.count("More than 4 MB of commands in one run, stopped at: \"say %X\"\r\n"), 1u);
     const std::size_t sent = h.fp.socket.sent.size() - before;
     EXPECT_TRUE(sent > std::size_t{4} << 20 && sent < std::size_t{9} << 19) << sent;
     h.run("say alive");
