@@ -8,7 +8,10 @@ namespace kelpa {
 
 void HistoryBrowser::brefresh_Click() {
     DList = files_.list(folder(), ".txt");
-    std::erase_if(DList, [](const std::string& name) { return name.size() < 6 || name.compare(0, 2, "H.") != 0; });
+    // Day logs copied from a case-blind system may spell the "H." in any case.
+    std::erase_if(DList, [](const std::string& name) {
+        return name.size() < 6 || (name[0] != 'H' && name[0] != 'h') || name[1] != '.';
+    });
     ++revision;
 }
 

@@ -30,8 +30,10 @@ TEST(HistoryBrowser, EndsInOrderWhenThereIsNothingToRead) {
     EXPECT_EQ(t.window(kHistView), "History goes here");
     t.day("H.20261120.txt", "");
     t.day("H.20261121.txt", "day21\r\n");
+    t.day("h.20261119.TXT", "");
+    t.day("notes.txt", "");
     t.b.brefresh_Click();
-    EXPECT_EQ(t.b.DList, (std::vector<std::string>{"H.20261120.txt", "H.20261121.txt"}));
+    EXPECT_EQ(t.b.DList, (std::vector<std::string>{"H.20261120.txt", "H.20261121.txt", "h.20261119.TXT"}));
     t.c.parts().bar.CurrentSite.ShortName = "other";  // the list belongs to "mud"
     for (const char* item : {"H.20261120.txt", "", "H.20261199.txt"}) {
         t.c.parts().windows.text[kHistView].append("old", {});
