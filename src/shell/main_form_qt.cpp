@@ -37,6 +37,7 @@ constexpr int kFrameMs = 17;
 MainForm::MainForm(Platform& platform, QWidget* parent, const std::string& startupNote)
     : QWidget(parent), client_(platform), pacer_(kFrameMs) {
     setObjectName(QStringLiteral("MainForm"));
+    mnemonicsClickAtOnce();
     setWindowTitle(QStringLiteral("Kelpa"));
     setWindowIcon(kelpaIcon());
     setBackground(this, QColor(128, 128, 128));

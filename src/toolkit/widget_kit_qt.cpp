@@ -1,6 +1,8 @@
 #include "toolkit/widget_kit_qt.h"
 
+#include <QAbstractButton>
 #include <QAbstractItemView>
+#include <QApplication>
 #include <QFontDatabase>
 #include <QFontInfo>
 #include <QFontMetrics>
@@ -12,6 +14,7 @@
 #include <QPlainTextEdit>
 #include <QScrollBar>
 #include <QScreen>
+#include <QShortcutEvent>
 #include <QTextDocument>
 #include <QWidget>
 
@@ -67,7 +70,31 @@ public:
     }
 };
 
+// Qt shows a button pressed for 100 ms before a mnemonic clicks it; an
+// Escape typed within that time would only release the button, so that
+// Alt+S and Escape saved and left the dialog open.
+class MnemonicClick final : public QObject {
+public:
+    using QObject::QObject;
+    bool eventFilter(QObject* watched, QEvent* e) override {
+        if (e->type() != QEvent::Shortcut || static_cast<QShortcutEvent*>(e)->isAmbiguous()) return false;
+        auto* button = qobject_cast<QAbstractButton*>(watched);
+        if (!button) return false;
+        if (button->focusPolicy() != Qt::NoFocus) button->setFocus(Qt::ShortcutFocusReason);
+        button->click();
+        return true;
+    }
+};
+
 }  // namespace
+
+void mnemonicsClickAtOnce() {
+    const QString name = QStringLiteral("kelpaMnemonicClick");
+    if (!qApp || qApp->findChild<QObject*>(name, Qt::FindDirectChildrenOnly)) return;
+    auto* filter = new MnemonicClick(qApp);
+    filter->setObjectName(name);
+    qApp->installEventFilter(filter);
+}
 
 void typesNoAltChords(QWidget* box) { box->installEventFilter(new AltChordGuard(box)); }
 

@@ -59,6 +59,9 @@ void setLineText(QLineEdit* box, std::string_view core);
 // text (LF from this desktop, CR LF or CR from elsewhere) become CR LF, so
 // that each line runs as its own command, as in the Bulk box.
 std::string commandLineText(const QLineEdit* box);
+// From now on a button's mnemonic (Alt+letter) clicks it at once, without
+// the pressed look that would swallow an Escape typed right behind it.
+void mnemonicsClickAtOnce();
 // A text box where an Alt chord that pressed no button types nothing.
 // oneLineBox and multiLineBox make their boxes so.
 void typesNoAltChords(QWidget* box);

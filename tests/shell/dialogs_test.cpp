@@ -100,7 +100,8 @@ TEST(SiteManagerDialog, TabOrderAndSavedSitesInTheBarAfterCloseWithTheFirstSelec
         // The message shows for a while, and the program goes on meanwhile.
         QElapsedTimer clock;
         clock.start();
-        d->OKButton->click();
+        QTest::keyClick(d, Qt::Key_S, Qt::AltModifier);  // saves at once: an Escape behind it closes
+        EXPECT_TRUE(d->frmSaved->isVisible());
         EXPECT_LT(clock.elapsed(), 200);
         while (d->frmSaved->isVisible() && clock.elapsed() < 3000) QTest::qWait(20);
         EXPECT_GE(clock.elapsed(), SiteManager::kSavedMs - 50);
