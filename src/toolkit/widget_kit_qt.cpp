@@ -297,11 +297,21 @@ QSize sizeOnScreen(QSize wanted, const QRect& free) {
 }
 
 void placeCentred(QWidget* window, QPoint centre) {
-    QPoint at = centre - window->rect().center();
+    // A move places the window manager's frame; a dialog gets the frame its
+    // owner has, so counting that frame centres the dialog's inside on the
+    // owner's, not a title bar lower.
+    QMargins frame;
+    if (const QWidget* owner = window->parentWidget() ? window->parentWidget()->window() : nullptr) {
+        const QRect in = owner->geometry(), out = owner->frameGeometry();
+        frame = QMargins(in.left() - out.left(), in.top() - out.top(), out.right() - in.right(),
+                         out.bottom() - in.bottom());
+    }
+    const QSize outer = window->size().grownBy(frame);
+    QPoint at = centre - window->rect().center() - QPoint(frame.left(), frame.top());
     if (const QScreen* screen = window->screen()) {
         const QRect free = screen->availableGeometry();
-        at.setX(qMax(free.left(), qMin(at.x(), free.right() + 1 - window->width())));
-        at.setY(qMax(free.top(), qMin(at.y(), free.bottom() + 1 - window->height())));
+        at.setX(qMax(free.left(), qMin(at.x(), free.right() + 1 - outer.width())));
+        at.setY(qMax(free.top(), qMin(at.y(), free.bottom() + 1 - outer.height())));
     }
     window->move(at);
 }

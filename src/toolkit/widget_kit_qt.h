@@ -87,9 +87,9 @@ QString firstTextFamily(const QStringList& families);
 // so that captions fit the places made for them.
 QFont formFont();
 
-// Puts a window with its centre on `centre`, but never with its top-left
-// corner off the screen's free area: a window larger than the screen still
-// shows its title bar and its left edge.
+// Puts a window's inside with its centre on `centre`, but never with its
+// top-left corner off the screen's free area: a window larger than the
+// screen still shows its title bar and its left edge.
 void placeCentred(QWidget* window, QPoint centre);
 // The size a window opens at on a screen with `free` room: what it wants, but
 // no larger than the room, less the height of a title bar, so that a small

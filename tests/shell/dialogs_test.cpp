@@ -75,6 +75,7 @@ TEST(SiteManagerDialog, TabOrderAndSavedSitesInTheBarAfterCloseWithTheFirstSelec
     f.whileOpen<SiteManager>("CMD_SaveConnection", [&](SiteManager* d) {
         EXPECT_EQ(std::tuple(d->SitesList->count(), d->SitesList->currentRow(), d->TXT_SiteName->text()),
                   std::tuple(1, -1, QString()));
+        EXPECT_EQ(d->geometry().center(), f.form().geometry().center()) << "the insides, whatever the frames";
         // Tab goes from Save through the boxes to Close.
         QStringList order;
         // Bounded: a chain without eight such widgets would otherwise go round forever.
