@@ -34,13 +34,8 @@ std::set<long long> referenced(const std::string& body, long long most) {
 std::string MacroRunner::folder(const std::string& overrideDir) {
     std::string f = std::string(kFolder) + "/";
     const std::string dir = slashes(overrideDir);
-    for (std::size_t start = 0; start < dir.size();) {
-        std::size_t end = dir.find('/', start);
-        if (end == std::string::npos) end = dir.size();
-        const std::string part = dir.substr(start, end - start);
-        if (!part.empty() && part != "." && part != "..") f += part + "/";
-        start = end + 1;
-    }
+    for (const std::string_view part : pathParts(dir))
+        if (!part.empty() && part != "." && part != "..") f.append(part).append("/");
     return f;
 }
 

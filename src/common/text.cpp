@@ -38,18 +38,25 @@ std::size_t countOf(std::string_view s, std::string_view what) {
 
 std::string decimal(long long n) { return std::to_string(n); }
 
-bool climbsOut(std::string_view path) {
-    long long depth = 0;
+std::vector<std::string_view> pathParts(std::string_view path) {
+    std::vector<std::string_view> parts;
     for (std::size_t start = 0; start <= path.size();) {
         std::size_t end = path.find('/', start);
         if (end == std::string_view::npos) end = path.size();
-        const std::string_view part = path.substr(start, end - start);
+        parts.push_back(path.substr(start, end - start));
+        start = end + 1;
+    }
+    return parts;
+}
+
+bool climbsOut(std::string_view path) {
+    long long depth = 0;
+    for (const std::string_view part : pathParts(path)) {
         if (part == "..") {
             if (--depth < 0) return true;
         } else if (!part.empty() && part != ".") {
             ++depth;
         }
-        start = end + 1;
     }
     return false;
 }

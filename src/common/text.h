@@ -29,8 +29,10 @@ inline std::size_t replacedSize(std::string_view s, std::string_view from, std::
     return s.size() - n * from.size() + n * to.size();
 }
 
-// Whether a relative path, its parts cut at "/", climbs above its start
-// through ".." parts ("a/../.." does, "a/../b" does not).
+// The parts of a path cut at "/", empty ones included.
+std::vector<std::string_view> pathParts(std::string_view path);
+// Whether a relative path climbs above its start through ".." parts
+// ("a/../.." does, "a/../b" does not).
 bool climbsOut(std::string_view path);
 
 // A text in double quotes, for a debug line that names it: one that ends in

@@ -37,9 +37,10 @@ enum class SiteBookRead {
     Read,
     // There was none and none could be made (a read-only folder): no sites.
     NotMade,
-    // A book stands there but cannot be read, or is UTF-16 text; `sites` is
-    // left as it was.
+    // A book stands there but cannot be read; `sites` is left as it was.
     Unreadable,
+    // The book is UTF-16 text, which holds no site read as 8-bit text;
+    // `sites` is left as it was.
     Utf16,
 };
 // What the player is told when the book was not read ("" when it was):
