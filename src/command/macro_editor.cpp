@@ -36,9 +36,11 @@ void MacroEditor::Mlist_DblClick(const std::string& entry) {
     }
     const std::string path = workingFolder() + entry;
     std::string text;
-    // A file that has gone leaves the boxes as they were.
-    if (!files_.readAll(path, text)) {
-        host_.messageBox("Cannot read the macro " + files_.absolute(path));
+    // A file that has gone, or that Save would turn into other bytes,
+    // leaves the boxes as they were.
+    const bool read = files_.readAll(path, text);
+    if (!read || isUtf16Text(text)) {
+        host_.messageBox(fileFailureMessage("read the macro", files_.absolute(path), read ? kUtf16Reason : files_.lastError()));
         return;
     }
     std::string lines;

@@ -28,10 +28,12 @@ void TriggerEditor::TList_DblClick() {
                          !TList[static_cast<std::size_t>(listIndex)].empty();
     const std::string name = onEntry ? TList[static_cast<std::size_t>(listIndex)] : std::string();
     std::string bytes;
-    if (onEntry && !files_.readAll(pathOf(name), bytes)) {
+    const bool read = onEntry && files_.readAll(pathOf(name), bytes);
+    if (onEntry && (!read || isUtf16Text(bytes))) {
         // The boxes stay as they were: a name over empty boxes would let
         // Save replace the file that could not be read.
-        host_.messageBox(fileFailureMessage("read the trigger", files_.absolute(pathOf(name)), files_.lastError()));
+        host_.messageBox(fileFailureMessage("read the trigger", files_.absolute(pathOf(name)),
+                                            read ? kUtf16Reason : files_.lastError()));
         return;
     }
     txtTRGBody.clear();

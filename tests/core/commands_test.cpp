@@ -243,6 +243,11 @@ TEST(Macros, FilesInAnyExtensionCaseAndTheOverrideFolder) {
     EXPECT_EQ(h.count("Macro wide not run: it is UTF-16 text (\"Unicode\" in Notepad); save it as ANSI text"), 1);
     editor.brefresh3_Click();
     EXPECT_EQ(editor.Mlist, (Writes{"Y.macro", "first.macro", "only.macro", "wide.macro", "x.Macro"}));
+    // A UTF-16 macro is not opened: Save would write other bytes.
+    editor.Mlist_DblClick("wide.macro");
+    EXPECT_EQ(h.fp.host.messages.back(), "Cannot read the macro " + h.fp.files.absolute("macros/wide.macro") +
+                                             ": it is UTF-16 text (\"Unicode\" in Notepad); save it as ANSI text.");
+    EXPECT_EQ(editor.txtMacrosLabel + "|" + editor.txtMacrosCommands, "first.macro|say first");
 }
 
 // Names hold the program's bytes; on disk they are UTF-8, and a name copied

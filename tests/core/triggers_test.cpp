@@ -299,6 +299,12 @@ TEST(TriggerEditor, RefusedNamesAndFailedSavesAndDeletesSayWhyAndKeepTheBoxes) {
     EXPECT_EQ(t.fp.host.messages.back(), "Cannot read the trigger " + t.fp.files.absolute("triggers/b.trigger") +
                                              ": No such file or directory.");
     EXPECT_EQ(e.txtTRGLabel + "|" + e.txtTRGBody, "a.trigger|kept");
+    // So is a UTF-16 file, which would show empty and be saved so.
+    t.fp.folder.write("triggers/b.trigger", std::string("\xFF\xFEp\0=\0", 6));
+    e.TList_DblClick();
+    EXPECT_EQ(t.fp.host.messages.back(), "Cannot read the trigger " + t.fp.files.absolute("triggers/b.trigger") +
+                                             ": it is UTF-16 text (\"Unicode\" in Notepad); save it as ANSI text.");
+    EXPECT_EQ(e.txtTRGLabel + "|" + e.txtTRGBody, "a.trigger|kept");
     e.Reload_Click();
     EXPECT_EQ(t.c.parts().triggers.TriggerCount(), 0);
 }
