@@ -9,6 +9,7 @@
 
 #include <algorithm>
 
+#include "common/codepage.h"
 #include "common/text.h"
 #include "toolkit/widget_kit_qt.h"
 
@@ -77,14 +78,10 @@ void MacroPage::sync() {
     const QSignalBlocker blockList(Mlist), blockLabel(txtMacrosLabel), blockText(txtMacrosCommands);
     // Filled again only when the files changed, so that the entry last
     // chosen stays marked.
+    std::vector<std::string> sorted = editor_.Mlist;
+    std::sort(sorted.begin(), sorted.end(), lessIgnoringCase);
     QStringList names, shown;
-    for (const std::string& name : editor_.Mlist) names << toQString(name);
-    // Sorted as players read names, whatever their case; the names' own
-    // order only between names that differ in case alone.
-    std::sort(names.begin(), names.end(), [](const QString& a, const QString& b) {
-        const int c = QString::compare(a, b, Qt::CaseInsensitive);
-        return c != 0 ? c < 0 : a < b;
-    });
+    for (const std::string& name : sorted) names << toQString(name);
     for (int i = 0; i < Mlist->count(); ++i) shown << Mlist->item(i)->text();
     if (names != shown) {
         Mlist->clear();

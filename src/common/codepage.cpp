@@ -112,4 +112,13 @@ bool sameIgnoringCase(std::string_view a, std::string_view b) {
     return true;
 }
 
+bool lessIgnoringCase(std::string_view a, std::string_view b) {
+    for (std::size_t i = 0; i < a.size() && i < b.size(); ++i) {
+        const auto x = static_cast<unsigned char>(upperCase1252(a[i]));
+        const auto y = static_cast<unsigned char>(upperCase1252(b[i]));
+        if (x != y) return x < y;
+    }
+    return a.size() != b.size() ? a.size() < b.size() : a < b;
+}
+
 }  // namespace kelpa

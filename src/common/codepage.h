@@ -29,5 +29,8 @@ char upperCase1252(char c);
 std::string upperCase(std::string_view s);
 // Whether two texts are one in upper case.
 bool sameIgnoringCase(std::string_view a, std::string_view b);
+// The order players read names in: letters without case, and the bytes'
+// order only between names that differ in case alone.
+bool lessIgnoringCase(std::string_view a, std::string_view b);
 
 }  // namespace kelpa

@@ -1,7 +1,9 @@
 #include "history/history_browser.h"
 
+#include <algorithm>
 #include <cmath>
 
+#include "common/codepage.h"
 #include "common/text.h"
 
 namespace kelpa {
@@ -12,6 +14,8 @@ void HistoryBrowser::brefresh_Click() {
     std::erase_if(DList, [](const std::string& name) {
         return name.size() < 6 || (name[0] != 'H' && name[0] != 'h') || name[1] != '.';
     });
+    // Oldest first, whatever the case of the names' letters.
+    std::sort(DList.begin(), DList.end(), lessIgnoringCase);
     ++revision;
 }
 

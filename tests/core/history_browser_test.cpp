@@ -33,7 +33,7 @@ TEST(HistoryBrowser, EndsInOrderWhenThereIsNothingToRead) {
     t.day("h.20261119.TXT", "");
     t.day("notes.txt", "");
     t.b.brefresh_Click();
-    EXPECT_EQ(t.b.DList, (std::vector<std::string>{"H.20261120.txt", "H.20261121.txt", "h.20261119.TXT"}));
+    EXPECT_EQ(t.b.DList, (std::vector<std::string>{"h.20261119.TXT", "H.20261120.txt", "H.20261121.txt"}));
     t.c.parts().bar.CurrentSite.ShortName = "other";  // the list belongs to "mud"
     for (const char* item : {"H.20261120.txt", "", "H.20261199.txt"}) {
         t.c.parts().windows.text[kHistView].append("old", {});
