@@ -175,7 +175,7 @@ void KeywordInterpreter::ECHO(std::string& s) {
     std::int32_t win = 0;
     if (!valInt32(word, win)) {
         // Beyond 32 bits: the player is told the number as given.
-        p_.debug.DebugLog("No such window :" + numberText(std::nearbyint(Val(word))));
+        p_.writer.tellNoSuchWindow(numberText(std::nearbyint(Val(word))));
         return;
     }
     try {

@@ -134,7 +134,7 @@ constexpr std::size_t kLongestPending = 5;
 
 void OutputWriter::print(std::string_view input, int win, bool received) {
     if (win < 0 || win >= kWindowCount) {
-        debug_.DebugLog("No such window :" + decimal(win));
+        tellNoSuchWindow(decimal(win));
         return;
     }
     WindowState& st = windows_.state[win];

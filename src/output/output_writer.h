@@ -28,6 +28,8 @@ public:
     // print can change (a window, the history): a telnet answer prints and
     // records its echo while the text is being read.
     void W_Print(std::string_view text, int win) { print(text, win, false); }
+    // The debug line for a window number outside 0 to 7, as the caller read it.
+    void tellNoSuchWindow(std::string_view number) { debug_.DebugLog("No such window :" + std::string(number)); }
     // A chunk read from the server, for the main window: a telnet sequence
     // that its end cuts waits for the next chunk. In any other text an
     // unfinished telnet sequence at the end shows nothing and is dropped.
